@@ -1,0 +1,27 @@
+// What adb's printed text means. adb's exit status says nothing reliable, so each command is judged
+// by its output alone. The output is taken as adb wrote it: lines end at line feeds, a carriage
+// return before one belongs to the line, matching is byte by byte.
+#pragma once
+
+#include "adb/AdbExitCode.h"
+
+#include <string_view>
+
+// Tests a line against the known output lines first to last. A line matches when it begins with the
+// known text; an empty known text matches only an empty line. Sets nIndex to the first that
+// matches; without a match, and when nFirst > nLast, returns false and leaves nIndex.
+bool FindOutputPattern(std::string_view line, int nFirst, int nLast, int& nIndex);
+
+// Each judges the whole output of one run of its command. A line that it does not know ends the
+// judging with ADB_PARSE_ERROR; lines about the start of adb's server are passed over.
+ADB_EXIT_CODE ClassifyKillServerOutput(std::string_view output);
+ADB_EXIT_CODE ClassifyConnectOutput(std::string_view output);
+ADB_EXIT_CODE ClassifyPairOutput(std::string_view output);
+
+// May show a box, as GetFailedToInstallExitCode does.
+ADB_EXIT_CODE ClassifyInstallOutput(std::string_view output);
+
+// The package manager's failure that a line of install output names, INSTALL_FAILED when it names
+// none. A name that is not known is told to the user in a box without owner and gives
+// INSTALL_FAILED_KALVO_UNKNOWN_ERROR.
+ADB_EXIT_CODE GetFailedToInstallExitCode(std::string_view line);

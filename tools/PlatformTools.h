@@ -1,0 +1,49 @@
+// Puts the Android platform tools, which the executable carries as a zip archive, on disk before
+// the wizard starts and removes them after it ends.
+#pragma once
+
+#include "app/Platform.h"
+
+// The platform tools on disk. There is one object; its paths are set once and only read afterwards.
+class CPlatformTools
+{
+public:
+    // The one object, zero-filled on first use and never destroyed before the process ends.
+    static CPlatformTools& GetInstance();
+
+    // Sets the paths below the working folder (zero-terminated, less than MAX_PATH characters).
+    // False when they are set already or one of them would be too long.
+    bool Initialize(PCWSTR pszRootFolderPath);
+
+    // Creates the folders, writes the archive and unpacks it; the archive stays until Uninstall.
+    // False, without a message or after one, when a file cannot be written or unpacked. Ends the
+    // process, after a report, when a folder cannot be created or the archive cannot be found.
+    bool Install();
+
+    // Stops the adb server, then deletes the tools' folder and every archive, whatever fails on
+    // the way. True when all three went well. Ends the process as DeleteFolder does.
+    bool Uninstall();
+
+    // Deletes the tools' folder with everything in it. False, without a message, when there is
+    // none. Any other failure is reported and ends the process with exit code 13.
+    bool DeleteFolder();
+
+    BOOL m_bInitialized;
+    WCHAR m_szAdbExePath[MAX_PATH];
+    WCHAR m_szRootFolderPath[MAX_PATH]; // the working folder
+    WCHAR m_szPlatformToolsFolderPath[MAX_PATH];
+    WCHAR m_szZipFilePath[MAX_PATH];
+
+private:
+    struct ZIP_RESOURCE
+    {
+        const void* pData;
+        DWORD cbData;
+    };
+
+    void CreateFolderPath();
+    ZIP_RESOURCE LockZipFileResource();
+    bool WriteZipFileResource(const ZIP_RESOURCE& zip);
+    bool ExtractZipFile();
+    bool DeleteZipFiles();
+};

@@ -1,0 +1,323 @@
+#include "wizard/InstallApkPage.h"
+
+#include "adb/AdbCommands.h"
+#include "app/KalvoApkInstaller.h"
+#include "net/WinSockHelper.h"
+#include "res/resource.h"
+#include "wizard/WirelessDebuggingOnPage.h"
+
+#include <objbase.h>
+#include <shobjidl.h>
+#include <wrl/client.h>
+
+#include <cstdlib>
+
+using Microsoft::WRL::ComPtr;
+
+namespace {
+
+constexpr int kConnectAttempts = 3;
+constexpr int kInstallAttempts = 3;
+constexpr WCHAR kCaption[] = L"ADB Install";
+
+void ShowBox(HWND hwndPage, PCWSTR pszText)
+{
+    MessageBoxW(hwndPage, pszText, kCaption, MB_OK);
+}
+
+// The format takes the outcome's message, its name and its number.
+void ReportUnexpectedOutcome(HWND hwndPage, PCWSTR pszFormat, ADB_EXIT_CODE nOutcome)
+{
+    const ADB_EXIT_CODE_ENTRY entry = DescribeAdbExitCode(nOutcome);
+    CStringW szText;
+    szText.Format(pszFormat, entry.pszMessage, entry.pszName, static_cast<int>(nOutcome));
+    ShowBox(hwndPage, szText);
+}
+
+void ReportNotConnected(HWND hwndPage)
+{
+    MessageBoxW(hwndPage,
+                L"Unable to connect to watch.  Please try again, if that does not work, then:\n"
+                L"Steps to revoke debugging authorizations:\n"
+                L"1. Open the watch's Settings.\n"
+                L"2. Scroll down and tap Developer options.\n"
+                L"3. Scroll down and tap Revoke debugging authorizations.\n"
+                L"4. Tap the blue button to confirm you are sure.\n",
+                L"Install APK", MB_OK);
+}
+
+bool IsConnected(ADB_EXIT_CODE nOutcome)
+{
+    return nOutcome == ADB_SUCCESS || nOutcome == CONNECT_ALREADY_CONNECTED;
+}
+
+bool IsWorthAnotherConnect(ADB_EXIT_CODE nOutcome)
+{
+    return nOutcome == CONNECT_CANNOT_CONNECT || nOutcome == CONNECT_FAILED_TO_AUTHENTICATE;
+}
+
+bool IsWatchAway(ADB_EXIT_CODE nOutcome)
+{
+    return nOutcome == INSTALL_DEVICE_OFFLINE || nOutcome == INSTALL_NO_DEVICES_FOUND;
+}
+
+bool IsWorthAnotherInstall(ADB_EXIT_CODE nOutcome)
+{
+    return nOutcome == INSTALL_FAILED || IsWatchAway(nOutcome);
+}
+
+// The first package in the folder (drive and directory) in the order of the file system.
+bool FindApkFile(PCWSTR pszDrive, PCWSTR pszDirectory, WIN32_FIND_DATAW& found)
+{
+    WCHAR szPattern[MAX_PATH];
+    _wmakepath_s(szPattern, ARRAYSIZE(szPattern), pszDrive, pszDirectory, L"*", L".apk");
+    const HANDLE hFind = FindFirstFileW(szPattern, &found);
+    if (hFind == INVALID_HANDLE_VALUE) {
+        return false;
+    }
+    FindClose(hFind);
+    return true;
+}
+
+} // namespace
+
+INT_PTR CALLBACK CInstallApkPage::DialogProc(HWND hwndPage, UINT nMessage, WPARAM wParam, LPARAM lParam)
+{
+    switch (nMessage) {
+    case WM_INITDIALOG:
+        OnInitDialog(hwndPage, lParam);
+        return TRUE;
+    case WM_COMMAND:
+        OnCommand(hwndPage, wParam);
+        return AnswerMessage(hwndPage, 0);
+    case WM_NOTIFY:
+        switch (reinterpret_cast<const NMHDR*>(lParam)->code) {
+        case PSN_SETACTIVE:
+            UpdateWizardButtons(hwndPage);
+            return AnswerMessage(hwndPage, 0);
+        case PSN_WIZNEXT:
+            return AnswerMessage(hwndPage, OnNotify_PSN_WIZNEXT(hwndPage));
+        default:
+            return AnswerMessage(hwndPage, 0);
+        }
+    default:
+        return FALSE;
+    }
+}
+
+void CInstallApkPage::OnInitDialog(HWND hwndPage, LPARAM lParam)
+{
+    StoreWizardData(hwndPage, lParam);
+    LoadControlText(hwndPage, IDC_INSTALL_APK_BODY, IDS_INSTALL_APK_BODY);
+    if (const HWND hwndPath = GetDlgItem(hwndPage, IDC_APK_PATH)) {
+        FindDefaultApkFile(hwndPath);
+    }
+    UpdateWizardButtons(hwndPage);
+}
+
+void CInstallApkPage::OnCommand(HWND hwndPage, WPARAM wParam)
+{
+    const int nControlId = LOWORD(wParam);
+    const int nNotification = HIWORD(wParam);
+    if (nControlId == IDC_APK_PATH && nNotification == EN_CHANGE) {
+        UpdateWizardButtons(hwndPage);
+    } else if (nControlId == IDC_BROWSE && nNotification == BN_CLICKED) {
+        CStringW szPath;
+        if (SUCCEEDED(BrowseForApkFile(hwndPage, szPath))) {
+            SetDlgItemTextW(hwndPage, IDC_APK_PATH, szPath);
+            UpdateWizardButtons(hwndPage);
+        }
+    }
+}
+
+void CInstallApkPage::UpdateWizardButtons(HWND hwndPage)
+{
+    WCHAR szPath[MAX_PATH] = {};
+    GetDlgItemTextW(hwndPage, IDC_APK_PATH, szPath, ARRAYSIZE(szPath));
+    const DWORD dwAttributes = GetFileAttributesW(szPath);
+    const bool bFile = dwAttributes != INVALID_FILE_ATTRIBUTES && (dwAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+    ShowWizardButtons(hwndPage, bFile ? kBackNextCancel : kBackCancel, kBackNextCancel);
+}
+
+// Puts the path of the package that lies beside the program into the edit, if there is one.
+void CInstallApkPage::FindDefaultApkFile(HWND hwndPath)
+{
+    WCHAR szDrive[_MAX_DRIVE];
+    WCHAR szDirectory[_MAX_DIR];
+    _wsplitpath_s(CKalvoApkInstaller::GetInstance().m_szFolderPath, szDrive, ARRAYSIZE(szDrive), szDirectory,
+                  ARRAYSIZE(szDirectory), nullptr, 0, nullptr, 0);
+    WIN32_FIND_DATAW found;
+    if (!FindApkFile(szDrive, szDirectory, found)) {
+        return;
+    }
+    WCHAR szPath[MAX_PATH];
+    _wmakepath_s(szPath, ARRAYSIZE(szPath), szDrive, szDirectory, found.cFileName, nullptr);
+    SetWindowTextW(hwndPath, szPath);
+}
+
+// Lets the user choose a package; szPath then holds its path in the file system. A dialog that the
+// user cancels is a failure like any other.
+HRESULT CInstallApkPage::BrowseForApkFile(HWND hwndPage, CStringW& szPath)
+{
+    static constexpr COMDLG_FILTERSPEC kFileTypes[] = {{L"Android Package", L"*.apk"}, {L"All Files", L"*.*"}};
+
+    ComPtr<IFileOpenDialog> pDialog;
+    HRESULT hr = CoCreateInstance(CLSID_FileOpenDialog, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&pDialog));
+    if (FAILED(hr)) {
+        return hr;
+    }
+    FILEOPENDIALOGOPTIONS nOptions = 0;
+    if (FAILED(hr = pDialog->GetOptions(&nOptions)) ||
+        FAILED(hr = pDialog->SetOptions(nOptions | FOS_NOCHANGEDIR | FOS_FORCEFILESYSTEM | FOS_FORCESHOWHIDDEN)) ||
+        FAILED(hr = pDialog->SetFileTypes(ARRAYSIZE(kFileTypes), kFileTypes)) ||
+        FAILED(hr = pDialog->SetFileName(L"solvane.apk")) || FAILED(hr = pDialog->SetFileTypeIndex(1)) ||
+        FAILED(hr = pDialog->Show(hwndPage))) {
+        return hr;
+    }
+    ComPtr<IShellItem> pItem;
+    PWSTR pszPath = nullptr;
+    if (FAILED(hr = pDialog->GetResult(&pItem)) || FAILED(hr = pItem->GetDisplayName(SIGDN_FILESYSPATH, &pszPath))) {
+        return hr;
+    }
+    szPath = pszPath;
+    CoTaskMemFree(pszPath);
+    return hr;
+}
+
+LRESULT CInstallApkPage::OnNotify_PSN_WIZNEXT(HWND hwndPage)
+{
+    const SOCKADDR_STORAGE& saWatch = GetWizardData(hwndPage).m_saWatchAddress;
+    CStringW szAddress;
+    if (!CWinSockHelper::AddressToString(reinterpret_cast<const SOCKADDR*>(&saWatch), szAddress)) {
+        ShowBox(hwndPage, L"Unable to parse IP address, please report this error to KALVO.");
+        return -1;
+    }
+    const HWND hwndStatus = GetDlgItem(hwndPage, IDC_INSTALL_APK_STATUS);
+    const LRESULT nResult = CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_Ping(
+        hwndPage, reinterpret_cast<const SOCKADDR_IN*>(&saWatch), hwndStatus);
+    if (nResult != 0) {
+        return nResult;
+    }
+    if (!ConnectToWatch(hwndPage, hwndStatus, szAddress)) {
+        // The server keeps running: the next try finds it ready, and removing the tools stops it.
+        ReportNotConnected(hwndPage);
+        return -1;
+    }
+    PACKAGE package;
+    if (!ReadPackage(hwndPage, package)) {
+        return -1;
+    }
+    const bool bInstalled = InstallPackage(hwndPage, hwndStatus, szAddress, package);
+    const bool bStopped = StopServer(hwndPage, hwndStatus);
+    return bInstalled && bStopped ? 0 : -1;
+}
+
+bool CInstallApkPage::ConnectToWatch(HWND hwndPage, HWND hwndStatus, PCWSTR pszAddress)
+{
+    CStringW szStatus;
+    ADB_EXIT_CODE nOutcome = CONNECT_CANNOT_CONNECT;
+    for (int nAttempt = 1; nAttempt <= kConnectAttempts && IsWorthAnotherConnect(nOutcome); ++nAttempt) {
+        szStatus.Format(L"Connecting to %s (attempt %d of %d)", pszAddress, nAttempt, kConnectAttempts);
+        SetWindowTextW(hwndStatus, szStatus);
+        std::string strOutput;
+        nOutcome = Connect(pszAddress, strOutput);
+    }
+
+    if (IsConnected(nOutcome)) {
+        szStatus.Format(L"Connected to %s", pszAddress);
+    } else if (IsWorthAnotherConnect(nOutcome)) {
+        szStatus.Format(L"Unable to connect to %s", pszAddress);
+    } else {
+        szStatus = DescribeAdbExitCode(nOutcome).pszMessage;
+        ReportUnexpectedOutcome(
+            hwndPage, L"An unexpected error has occurred when connecting to the device:\n\n%s\n\n%s (%d)", nOutcome);
+    }
+    SetWindowTextW(hwndStatus, szStatus);
+    return IsConnected(nOutcome);
+}
+
+// The package that the edit names. False when the page has no edit.
+bool CInstallApkPage::ReadPackage(HWND hwndPage, PACKAGE& package)
+{
+    const HWND hwndPath = GetDlgItem(hwndPage, IDC_APK_PATH);
+    if (hwndPath == nullptr) {
+        return false;
+    }
+    GetWindowTextW(hwndPath, package.szPath, ARRAYSIZE(package.szPath));
+    WCHAR szFileName[_MAX_FNAME] = {};
+    WCHAR szExtension[_MAX_EXT] = {};
+    _wsplitpath_s(package.szPath, nullptr, 0, nullptr, 0, szFileName, ARRAYSIZE(szFileName), szExtension,
+                  ARRAYSIZE(szExtension));
+    package.szName.Format(L"%s%s", szFileName, szExtension);
+    return true;
+}
+
+bool CInstallApkPage::InstallPackage(HWND hwndPage, HWND hwndStatus, PCWSTR pszAddress, const PACKAGE& package)
+{
+    CStringW szStatus;
+    ADB_EXIT_CODE nOutcome = INSTALL_FAILED;
+    for (int nAttempt = 1; nAttempt <= kInstallAttempts && IsWorthAnotherInstall(nOutcome); ++nAttempt) {
+        szStatus.Format(L"Installing %s (attempt %d of %d)", package.szName.GetString(), nAttempt, kInstallAttempts);
+        SetWindowTextW(hwndStatus, szStatus);
+        std::string strOutput;
+        nOutcome = Install(pszAddress, package.szPath, strOutput);
+    }
+
+    if (nOutcome == ADB_SUCCESS) {
+        szStatus.Format(L"Installed %s", package.szName.GetString());
+    } else {
+        szStatus = DescribeAdbExitCode(nOutcome).pszMessage;
+        if (!IsWorthAnotherInstall(nOutcome)) {
+            ReportInstallOutcome(hwndPage, nOutcome, package);
+        }
+    }
+    SetWindowTextW(hwndStatus, szStatus);
+    if (IsWatchAway(nOutcome)) {
+        ShowBox(hwndPage, L"Unable to install the APK, please press Next to try again");
+    }
+    return nOutcome == ADB_SUCCESS;
+}
+
+// Tells the user why the watch refused the package and what to do about it.
+void CInstallApkPage::ReportInstallOutcome(HWND hwndPage, ADB_EXIT_CODE nOutcome, const PACKAGE& package)
+{
+    switch (nOutcome) {
+    case INSTALL_FAILED_ALREADY_EXISTS:
+    case INSTALL_FAILED_UPDATE_INCOMPATIBLE: {
+        CStringW szText;
+        szText.Format(L"There is a version of %s already installed on the device.\n\n"
+                      L"Please manually uninstall it and then press Next.",
+                      package.szName.GetString());
+        ShowBox(hwndPage, szText);
+        break;
+    }
+    case INSTALL_FAILED_INVALID_APK:
+        ShowBox(hwndPage, L"The APK file is invalid. Please try downloading it again or ask KALVO for another copy.");
+        break;
+    case INSTALL_FAILED_INSUFFICIENT_STORAGE:
+        ShowBox(hwndPage, L"There is not enough storage space on the device to install the APK.\n\n"
+                          L"Remove data (e.g. pictures) or applications to free up storage space");
+        break;
+    case INSTALL_MORE_THAN_ONE_DEVICE:
+        ShowBox(hwndPage, L"More than one Android device is attached (USB, Bluetooth, Wi-Fi) to this computer. Please "
+                          L"disconnect all other Android devices.");
+        break;
+    default:
+        ReportUnexpectedOutcome(hwndPage, L"An unexpected error has occurred when installing the APK:\n\n%s\n\n%s (%d)",
+                                nOutcome);
+        break;
+    }
+}
+
+// False, after a box, unless a running server stopped: after an install there must have been one.
+bool CInstallApkPage::StopServer(HWND hwndPage, HWND hwndStatus)
+{
+    std::string strOutput;
+    if (KillServer(strOutput) == ADB_SUCCESS) {
+        return true;
+    }
+    MessageBoxW(hwndPage, L"Unable to stop the adb service. Please report this error to KALVO\n",
+                L"CInstallApkPage::OnNotify_PSN_WIZNEXT", MB_OK);
+    SetWindowTextW(hwndStatus, L"Unable to stop adb service");
+    return false;
+}

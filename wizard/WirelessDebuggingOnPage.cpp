@@ -1,0 +1,143 @@
+#include "wizard/WirelessDebuggingOnPage.h"
+
+#include "net/WinSockHelper.h"
+#include "res/resource.h"
+#include "wizard/IntegerEdit.h"
+
+#include <shlwapi.h>
+
+namespace {
+
+constexpr UINT kPortDigits = 5;
+constexpr int kFewestPortDigits = 4;
+constexpr LRESULT kAddressFields = 4;
+
+} // namespace
+
+INT_PTR CALLBACK CWirelessDebuggingOnPage::DialogProc(HWND hwndPage, UINT nMessage, WPARAM wParam, LPARAM lParam)
+{
+    switch (nMessage) {
+    case WM_INITDIALOG:
+        return OnInitDialog(hwndPage, lParam);
+    case WM_COMMAND:
+        if (LOWORD(wParam) == IDC_WATCH_PORT && HIWORD(wParam) == EN_CHANGE) {
+            UpdateWizardButtons(hwndPage);
+        }
+        return AnswerMessage(hwndPage, 0);
+    case WM_NOTIFY:
+        switch (reinterpret_cast<const NMHDR*>(lParam)->code) {
+        case PSN_SETACTIVE:
+        case IPN_FIELDCHANGED:
+            UpdateWizardButtons(hwndPage);
+            return AnswerMessage(hwndPage, 0);
+        case PSN_WIZNEXT:
+            return AnswerMessage(hwndPage, OnNotify_PSN_WIZNEXT(hwndPage));
+        default:
+            return AnswerMessage(hwndPage, 0);
+        }
+    default:
+        return FALSE;
+    }
+}
+
+BOOL CWirelessDebuggingOnPage::OnInitDialog(HWND hwndPage, LPARAM lParam)
+{
+    StoreWizardData(hwndPage, lParam);
+    LoadControlText(hwndPage, IDC_WIRELESS_DEBUGGING_ON_BODY, IDS_WIRELESS_DEBUGGING_ON_BODY);
+
+    const HWND hwndAddress = GetDlgItem(hwndPage, IDC_WATCH_ADDRESS);
+    const bool bPrefilled = hwndAddress != nullptr && PrefillAddress(hwndAddress);
+
+    const HWND hwndPort = GetDlgItem(hwndPage, IDC_WATCH_PORT);
+    if (hwndPort != nullptr) {
+        CIntegerEdit::Attach(hwndPort, kPortDigits, L"CWirelessDebuggingOnPage::OnInitDialog()",
+                             L"CIntegerEdit::SetWindowSubclass(hwndCtl, NULL)");
+    }
+    UpdateWizardButtons(hwndPage);
+    // FALSE: the focus is placed already.
+    return !bPrefilled;
+}
+
+// Fills in the first three octets of this computer's gateway, which the watch shares in a home
+// network of the usual size, and puts the caret into the last field.
+bool CWirelessDebuggingOnPage::PrefillAddress(HWND hwndAddress)
+{
+    WCHAR szGateway[CWinSockHelper::kIpv4TextLength];
+    if (!CWinSockHelper::GetDefaultGateway(szGateway)) {
+        return false;
+    }
+    if (const PWSTR pszLastDot = StrRChrW(szGateway, nullptr, L'.')) {
+        pszLastDot[1] = L'\0';
+    }
+    SetWindowTextW(hwndAddress, szGateway);
+    SetFocus(hwndAddress);
+    PostMessageW(hwndAddress, IPM_SETFOCUS, 3, 0);
+    return true;
+}
+
+void CWirelessDebuggingOnPage::UpdateWizardButtons(HWND hwndPage)
+{
+    DWORD dwAddress = 0;
+    const int cchPort = GetWindowTextLengthW(GetDlgItem(hwndPage, IDC_WATCH_PORT));
+    const LRESULT nFields =
+        SendDlgItemMessageW(hwndPage, IDC_WATCH_ADDRESS, IPM_GETADDRESS, 0, reinterpret_cast<LPARAM>(&dwAddress));
+    const bool bComplete = nFields >= kAddressFields && cchPort >= kFewestPortDigits;
+    ShowWizardButtons(hwndPage, bComplete ? kBackNextCancel : kBackCancel, kBackNextCancel);
+}
+
+// The typed address and port in network order. False, after a box, when they are not valid.
+bool CWirelessDebuggingOnPage::ReadAddress(HWND hwndPage, SOCKADDR_IN& address)
+{
+    DWORD dwAddress = 0xFFFFFFFF;
+    const LRESULT nFields =
+        SendDlgItemMessageW(hwndPage, IDC_WATCH_ADDRESS, IPM_GETADDRESS, 0, reinterpret_cast<LPARAM>(&dwAddress));
+    if (nFields != kAddressFields) {
+        MessageBoxW(hwndPage, L"Please enter a valid IP Address, e.g. 192.168.1.100", L"Invalid IP Address", MB_OK);
+        return false;
+    }
+    BOOL bTranslated = FALSE;
+    const UINT nPort = GetDlgItemInt(hwndPage, IDC_WATCH_PORT, &bTranslated, FALSE);
+    if (!bTranslated || !IsUserPort(nPort)) {
+        ReportInvalidPort(hwndPage);
+        return false;
+    }
+    address = {};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<u_short>(nPort));
+    address.sin_addr.s_addr = htonl(dwAddress);
+    return true;
+}
+
+LRESULT CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT(HWND hwndPage)
+{
+    SOCKADDR_IN address;
+    if (!ReadAddress(hwndPage, address)) {
+        return -1;
+    }
+    const HWND hwndStatus = GetDlgItem(hwndPage, IDC_WIRELESS_DEBUGGING_ON_STATUS);
+    LRESULT nResult = OnNotify_PSN_WIZNEXT_Ping(hwndPage, &address, hwndStatus);
+    if (nResult != 0) {
+        return nResult;
+    }
+    nResult = OnNotify_PSN_WIZNEXT_TcpConnect(hwndPage, &address, hwndStatus);
+    if (nResult == 0) {
+        memcpy(&GetWizardData(hwndPage).m_saWatchAddress, &address, sizeof(address));
+        return 0;
+    }
+
+    CStringW szAddress;
+    CWinSockHelper::AddressToString(reinterpret_cast<const SOCKADDR*>(&address), szAddress);
+    CStringW szStatus;
+    szStatus.Format(L"Could not connect to %s", szAddress.GetString());
+    SetWindowTextW(hwndStatus, szStatus);
+    MessageBoxW(hwndPage,
+                L"Could not connect to a watch at the IP address and port you entered.\n"
+                L"Please verify your workstation and watch are on the same network.\n"
+                L"Also verify you entered the correct IP address and port.\n\n"
+                L"If the above does not work, Steps to restart installation:\n"
+                L"1. Close this installer program.\n"
+                L"2. Power the watch off and then turn it on again.\n"
+                L"3. Run the installer program again.\n",
+                L"Wireless Debugging Connection", MB_OK);
+    return nResult;
+}
