@@ -9,7 +9,7 @@ namespace {
 
 CStringW GetExecutablePath()
 {
-    const CStringW szPath(CKalvoApkInstaller::GetInstance().m_szFullPath);
+    CStringW szPath(CKalvoApkInstaller::GetInstance().m_szFullPath);
     if (!szPath.IsEmpty()) {
         return szPath;
     }
@@ -25,14 +25,14 @@ CStringW GetFileVersion()
     DWORD dwHandle = 0;
     std::vector<BYTE> data(GetFileVersionInfoSizeExW(0, szPath, &dwHandle));
     if (data.empty()) {
-        return CStringW();
+        return {};
     }
     GetFileVersionInfoExW(0, szPath, dwHandle, static_cast<DWORD>(data.size()), data.data());
 
     VS_FIXEDFILEINFO* pInfo = nullptr;
     UINT cbInfo = 0;
     if (!VerQueryValueW(data.data(), L"\\", reinterpret_cast<void**>(&pInfo), &cbInfo) || pInfo == nullptr) {
-        return CStringW();
+        return {};
     }
     CStringW szVersion;
     szVersion.Format(L"%hu.%hu.%hu", HIWORD(pInfo->dwFileVersionMS), LOWORD(pInfo->dwFileVersionMS),

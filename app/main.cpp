@@ -44,7 +44,8 @@ PCWSTR RunInstaller(HINSTANCE hInstance)
 
 } // namespace
 
-int WINAPI wWinMain(_In_ HINSTANCE hInstance, _In_opt_ HINSTANCE, _In_ PWSTR, _In_ int)
+int WINAPI wWinMain(_In_ HINSTANCE hInstance, _In_opt_ HINSTANCE /*hPrevious*/, _In_ PWSTR /*pszCommandLine*/,
+                    _In_ int /*nShow*/)
 {
     CStringW szTitle;
     if (!szTitle.LoadStringW(IDS_APPLICATION_TITLE)) {

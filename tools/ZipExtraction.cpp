@@ -24,7 +24,7 @@ constexpr size_t kMaxPathBytes = 512;
 
 constexpr BYTE kHostUnix = 3;
 constexpr BYTE kHostMacOs = 19;
-constexpr mz_uint32 kUnixLinkBit = 1u << 29;
+constexpr mz_uint32 kUnixLinkBit = 1U << 29;
 constexpr mz_uint32 kDosDirectoryBit = 0x10;
 
 bool IsSeparator(char ch)

@@ -79,6 +79,27 @@ bool FindApkFile(PCWSTR pszDrive, PCWSTR pszDirectory, WIN32_FIND_DATAW& found)
     return true;
 }
 
+HRESULT SetUpDialog(IFileOpenDialog* pDialog)
+{
+    static constexpr COMDLG_FILTERSPEC kFileTypes[] = {{L"Android Package", L"*.apk"}, {L"All Files", L"*.*"}};
+
+    FILEOPENDIALOGOPTIONS nOptions = 0;
+    HRESULT hr = pDialog->GetOptions(&nOptions);
+    if (SUCCEEDED(hr)) {
+        hr = pDialog->SetOptions(nOptions | FOS_NOCHANGEDIR | FOS_FORCEFILESYSTEM | FOS_FORCESHOWHIDDEN);
+    }
+    if (SUCCEEDED(hr)) {
+        hr = pDialog->SetFileTypes(ARRAYSIZE(kFileTypes), kFileTypes);
+    }
+    if (SUCCEEDED(hr)) {
+        hr = pDialog->SetFileName(L"solvane.apk");
+    }
+    if (SUCCEEDED(hr)) {
+        hr = pDialog->SetFileTypeIndex(1);
+    }
+    return hr;
+}
+
 } // namespace
 
 INT_PTR CALLBACK CInstallApkPage::DialogProc(HWND hwndPage, UINT nMessage, WPARAM wParam, LPARAM lParam)
@@ -159,28 +180,26 @@ void CInstallApkPage::FindDefaultApkFile(HWND hwndPath)
 // user cancels is a failure like any other.
 HRESULT CInstallApkPage::BrowseForApkFile(HWND hwndPage, CStringW& szPath)
 {
-    static constexpr COMDLG_FILTERSPEC kFileTypes[] = {{L"Android Package", L"*.apk"}, {L"All Files", L"*.*"}};
-
     ComPtr<IFileOpenDialog> pDialog;
     HRESULT hr = CoCreateInstance(CLSID_FileOpenDialog, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&pDialog));
-    if (FAILED(hr)) {
-        return hr;
+    if (SUCCEEDED(hr)) {
+        hr = SetUpDialog(pDialog.Get());
     }
-    FILEOPENDIALOGOPTIONS nOptions = 0;
-    if (FAILED(hr = pDialog->GetOptions(&nOptions)) ||
-        FAILED(hr = pDialog->SetOptions(nOptions | FOS_NOCHANGEDIR | FOS_FORCEFILESYSTEM | FOS_FORCESHOWHIDDEN)) ||
-        FAILED(hr = pDialog->SetFileTypes(ARRAYSIZE(kFileTypes), kFileTypes)) ||
-        FAILED(hr = pDialog->SetFileName(L"solvane.apk")) || FAILED(hr = pDialog->SetFileTypeIndex(1)) ||
-        FAILED(hr = pDialog->Show(hwndPage))) {
-        return hr;
+    if (SUCCEEDED(hr)) {
+        hr = pDialog->Show(hwndPage);
     }
     ComPtr<IShellItem> pItem;
-    PWSTR pszPath = nullptr;
-    if (FAILED(hr = pDialog->GetResult(&pItem)) || FAILED(hr = pItem->GetDisplayName(SIGDN_FILESYSPATH, &pszPath))) {
-        return hr;
+    if (SUCCEEDED(hr)) {
+        hr = pDialog->GetResult(&pItem);
     }
-    szPath = pszPath;
-    CoTaskMemFree(pszPath);
+    PWSTR pszPath = nullptr;
+    if (SUCCEEDED(hr)) {
+        hr = pItem->GetDisplayName(SIGDN_FILESYSPATH, &pszPath);
+    }
+    if (SUCCEEDED(hr)) {
+        szPath = pszPath;
+        CoTaskMemFree(pszPath);
+    }
     return hr;
 }
 

@@ -39,6 +39,8 @@ LRESULT CALLBACK CIntegerEdit::SubclassProc(HWND hwnd, UINT nMessage, WPARAM wPa
         CloseClipboard();
         // The control's own paste follows on purpose: it inserts once more what still fits.
         break;
+    default:
+        break;
     }
     return DefSubclassProc(hwnd, nMessage, wParam, lParam);
 }
@@ -50,7 +52,7 @@ void CIntegerEdit::PasteDigits(HWND hwnd)
     if (hData == nullptr) {
         return;
     }
-    const WCHAR* pszText = static_cast<const WCHAR*>(GlobalLock(hData));
+    const auto* pszText = static_cast<const WCHAR*>(GlobalLock(hData));
     if (pszText == nullptr) {
         return;
     }

@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2034 # some of the names are for the scripts that source this
 # Shared by every script here: where things are, how they speak, how they stop.
 # Sourced, never run. Expects bash with `set -euo pipefail`.
 

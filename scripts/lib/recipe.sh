@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2034 # the names are for the script that sources this
 # What the toolchain root is made of. Its hash names the root, so that every change here
 # takes effect with the next scripts/setup. Sourced by scripts/setup.
 
@@ -6,7 +7,7 @@ root_suite=trixie
 root_packages=(
     # the compilers and what the lists files call
     g++-mingw-w64-x86-64 g++ cmake ninja-build
-    clang clang-format clang-tidy libclang-rt-19-dev
+    clang clang-format clang-tidy libclang-rt-19-dev shellcheck
     # libraries: the watch's TLS and SPAKE2, expressions, the archive's encoder, the tests' framework
     android-libboringssl-dev libctre-dev libzopfli-dev googletest
     # Windows to run on, and a display with a window manager to look at

@@ -1,0 +1,126 @@
+// set-load-config: makes the loader of Windows see a program's load configuration.
+//
+//   set-load-config PROGRAM.exe
+//
+// The program (64-bit) has the configuration in a section named .ldcfg; its linker knows nothing of
+// it. The section's address goes into the program's data directory. Exit status 0; 1 after a
+// failure, with a line on standard error, and then the program is as it was.
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <ios>
+#include <iterator>
+#include <stdexcept>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+// Offsets and sizes of the PE format, in bytes.
+constexpr std::size_t kPeOffsetAt = 0x3C;
+constexpr std::size_t kSectionCountAt = 6; // from the signature
+constexpr std::size_t kOptionalHeaderSizeAt = 20;
+constexpr std::size_t kOptionalHeaderAt = 24;
+constexpr std::size_t kDataDirectoryAt = 112; // from the optional header
+constexpr std::size_t kLoadConfigEntry = 10;
+constexpr std::size_t kDataDirectoryEntrySize = 8;
+constexpr std::size_t kSectionHeaderSize = 40;
+constexpr std::size_t kSectionNameSize = 8;
+constexpr std::size_t kSectionAddressAt = 12;
+constexpr std::size_t kSectionFileOffsetAt = 20;
+constexpr std::uint16_t kPe32Plus = 0x20B;
+constexpr std::string_view kSectionName = ".ldcfg";
+
+// A program file in memory. Every access outside it throws.
+class Image
+{
+public:
+    explicit Image(std::vector<char> bytes) : m_bytes(std::move(bytes)) {}
+
+    template<typename T>
+    [[nodiscard]] T Read(std::size_t offset) const
+    {
+        T value;
+        std::memcpy(&value, At(offset, sizeof(value)), sizeof(value));
+        return value;
+    }
+
+    [[nodiscard]] const char* At(std::size_t offset, std::size_t size) const
+    {
+        if (offset > m_bytes.size() || size > m_bytes.size() - offset) {
+            throw std::runtime_error("is cut short");
+        }
+        return m_bytes.data() + offset;
+    }
+
+private:
+    std::vector<char> m_bytes;
+};
+
+struct DirectoryEntry
+{
+    std::uint32_t address;
+    std::uint32_t size;
+};
+
+struct Patch
+{
+    std::size_t offset;
+    DirectoryEntry entry;
+};
+
+// The load configuration says its own size in its first word.
+DirectoryEntry FindLoadConfig(const Image& image, std::size_t sections, std::uint16_t count)
+{
+    for (std::uint16_t n = 0; n < count; ++n) {
+        const std::size_t header = sections + n * kSectionHeaderSize;
+        const char* name = image.At(header, kSectionNameSize);
+        if (std::string_view(name, strnlen(name, kSectionNameSize)) == kSectionName) {
+            return {image.Read<std::uint32_t>(header + kSectionAddressAt),
+                    image.Read<std::uint32_t>(image.Read<std::uint32_t>(header + kSectionFileOffsetAt))};
+        }
+    }
+    throw std::runtime_error("has no section .ldcfg");
+}
+
+Patch FindPatch(const Image& image)
+{
+    const std::size_t pe = image.Read<std::uint32_t>(kPeOffsetAt);
+    if (std::memcmp(image.At(pe, 4), "PE\0\0", 4) != 0 ||
+        image.Read<std::uint16_t>(pe + kOptionalHeaderAt) != kPe32Plus) {
+        throw std::runtime_error("is not a 64-bit program");
+    }
+    const std::size_t sections = pe + kOptionalHeaderAt + image.Read<std::uint16_t>(pe + kOptionalHeaderSizeAt);
+    return {pe + kOptionalHeaderAt + kDataDirectoryAt + kLoadConfigEntry * kDataDirectoryEntrySize,
+            FindLoadConfig(image, sections, image.Read<std::uint16_t>(pe + kSectionCountAt))};
+}
+
+void SetLoadConfig(const char* path)
+{
+    std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
+    const Patch patch = FindPatch(Image({std::istreambuf_iterator<char>(file), {}}));
+    file.clear();
+    file.seekp(static_cast<std::streamoff>(patch.offset));
+    file.write(reinterpret_cast<const char*>(&patch.entry), sizeof(patch.entry));
+    if (!file.flush()) {
+        throw std::runtime_error("cannot be written");
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc != 2) {
+        std::fputs("usage: set-load-config PROGRAM.exe\n", stderr);
+        return 2;
+    }
+    try {
+        SetLoadConfig(argv[1]);
+        return 0;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "set-load-config: %s %s\n", argv[1], error.what());
+        return 1;
+    }
+}
