@@ -61,6 +61,20 @@ void TrimDescription(PWSTR pszDescription, DWORD cchLength)
     }
 }
 
+void ShowComError(HRESULT hrCode, PCWSTR pszMethod)
+{
+    DWORD cchDescription = 0;
+    const CLocalText pDescription = DescribeError(static_cast<DWORD>(hrCode), &cchDescription);
+    if (cchDescription > 0) {
+        TrimDescription(pDescription.get(), cchDescription);
+        MessageBoxW(nullptr, pDescription.get(), pszMethod, MB_OK);
+    } else {
+        CStringW szText;
+        szText.Format(L"Unknown error: %ld", hrCode);
+        MessageBoxW(nullptr, szText, L"COM Error", MB_OK);
+    }
+}
+
 } // namespace
 
 DWORD ReportLastError(PCWSTR pszMethod)
@@ -85,16 +99,7 @@ void ReportFatalError(PCWSTR pszContext, PCWSTR pszDetail)
 
 void ReportComErrorAndExit(HRESULT hrCode, PCWSTR pszMethod)
 {
-    DWORD cchDescription = 0;
-    const CLocalText pDescription = DescribeError(static_cast<DWORD>(hrCode), &cchDescription);
-    if (cchDescription > 0) {
-        TrimDescription(pDescription.get(), cchDescription);
-        MessageBoxW(nullptr, pDescription.get(), pszMethod, MB_OK);
-    } else {
-        CStringW szText;
-        szText.Format(L"Unknown error: %ld", hrCode);
-        MessageBoxW(nullptr, szText, L"COM Error", MB_OK);
-    }
+    ShowComError(hrCode, pszMethod);
     ExitProcess(static_cast<UINT>(hrCode));
 }
 

@@ -8,7 +8,7 @@
 // held in place, more on the heap. Without a code page the text is converted for the ANSI code page
 // of the thread. m_psz is null for a null text. A text that cannot be converted, or memory that
 // cannot be had, ends in AtlThrow.
-template <int t_nBufferLength = 128>
+template<int t_nBufferLength = 128>
 class CW2AEX
 {
 public:

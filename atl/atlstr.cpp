@@ -28,11 +28,11 @@ struct CStringW::CHeader
 namespace {
 
 // The largest length: twice as many units, as bytes and with the header, still fit every integer used here.
-constexpr int c_nMaxLength = 1 << 30;
+constexpr int kMaxLength = 1 << 30;
 
 int CheckedSum(int nLength1, int nLength2)
 {
-    if (nLength2 > c_nMaxLength - nLength1) {
+    if (nLength2 > kMaxLength - nLength1) {
         AtlThrow(E_OUTOFMEMORY);
     }
     return nLength1 + nLength2;
@@ -40,7 +40,7 @@ int CheckedSum(int nLength1, int nLength2)
 
 int LengthOf(PCWSTR psz)
 {
-    return psz == nullptr ? 0 : static_cast<int>(std::min<size_t>(wcslen(psz), c_nMaxLength + 1));
+    return psz == nullptr ? 0 : static_cast<int>(std::min<size_t>(wcslen(psz), kMaxLength + 1));
 }
 
 void CopyUnits(PWSTR pchTo, PCWSTR pchFrom, int nCount)
@@ -51,10 +51,10 @@ void CopyUnits(PWSTR pchTo, PCWSTR pchFrom, int nCount)
 // Memory for nLength units, their NUL and what lies before them; pOld is moved there if given.
 void* AllocateFor(size_t cbHeader, int nLength, void* pOld)
 {
-    if (nLength > c_nMaxLength) {
+    if (nLength > kMaxLength) {
         AtlThrow(E_OUTOFMEMORY);
     }
-    const size_t cb = cbHeader + (static_cast<size_t>(nLength) + 1) * sizeof(WCHAR);
+    const size_t cb = cbHeader + ((static_cast<size_t>(nLength) + 1) * sizeof(WCHAR));
     void* const pNew =
         pOld == nullptr ? HeapAlloc(GetProcessHeap(), 0, cb) : HeapReAlloc(GetProcessHeap(), 0, pOld, cb);
     if (pNew == nullptr) {
@@ -130,7 +130,8 @@ void CStringW::Release()
     }
 }
 
-CStringW& CStringW::operator=(const CStringW& strSrc)
+// Strings that share are the same in every respect, a string and itself among them.
+CStringW& CStringW::operator=(const CStringW& strSrc) // NOLINT(cert-oop54-cpp)
 {
     if (m_pszData != strSrc.m_pszData) {
         if (strSrc.m_pszData != Nil()) {
@@ -172,7 +173,7 @@ void CStringW::Reserve(int nLength)
     CHeader* const pOld = Header();
     if (IsShared()) {
         const int nAllocLength = std::max(nLength, pOld->nLength);
-        const auto pNew = static_cast<CHeader*>(AllocateFor(sizeof(CHeader), nAllocLength, nullptr));
+        auto* const pNew = static_cast<CHeader*>(AllocateFor(sizeof(CHeader), nAllocLength, nullptr));
         pNew->nRefs = 1;
         pNew->nLength = pOld->nLength;
         pNew->nAllocLength = nAllocLength;
@@ -181,8 +182,8 @@ void CStringW::Reserve(int nLength)
         m_pszData = pNew->Characters();
     } else if (nLength > pOld->nAllocLength) {
         // Half as much again, so that a text made of many small pieces is not moved for each.
-        const int nAllocLength = std::max(nLength, std::min(pOld->nAllocLength / 2 * 3, c_nMaxLength));
-        const auto pNew = static_cast<CHeader*>(AllocateFor(sizeof(CHeader), nAllocLength, pOld));
+        const int nAllocLength = std::max(nLength, std::min(pOld->nAllocLength / 2 * 3, kMaxLength));
+        auto* const pNew = static_cast<CHeader*>(AllocateFor(sizeof(CHeader), nAllocLength, pOld));
         pNew->nAllocLength = nAllocLength;
         m_pszData = pNew->Characters();
     }
@@ -386,7 +387,7 @@ CStringW operator+(WCHAR ch1, const CStringW& str2)
     return strSum;
 }
 
-void CStringW::FormatArguments(PCWSTR pszFormat, ...)
+void CStringW::FormatArguments(PCWSTR pszFormat, ...) // NOLINT(cert-dcl50-cpp): FormatV takes a va_list
 {
     va_list args;
     va_start(args, pszFormat);

@@ -1,0 +1,122 @@
+"""What a command may rely on in a home, and the machine outside it."""
+
+import subprocess
+import time
+import unittest
+import uuid
+from pathlib import Path
+
+HOME = Path(__file__).with_name("home")
+TEMPLATE = Path("/wine-prefix")
+
+
+def in_home(script: str, *switches: str) -> subprocess.CompletedProcess[str]:
+    """Runs a shell script in a home of its own."""
+    command = [HOME, *switches, "bash", "-ec", script]
+    return subprocess.run(command, stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=60)
+
+
+def runs(mark: str) -> bool:
+    """Whether any process of this machine has the mark in its command line."""
+    for process in Path("/proc").glob("[0-9]*/cmdline"):
+        try:
+            if mark in process.read_text(errors="replace"):
+                return True
+        except OSError:  # it has just ended
+            pass
+    return False
+
+
+class Home(unittest.TestCase):
+    def check(self, script: str, *switches: str) -> str:
+        done = in_home(script, *switches)
+        self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
+        return done.stdout.strip()
+
+    def test_the_watch_answers_from_the_other_host(self) -> None:
+        self.check("ping -c 1 -W 2 192.168.1.100 && ping -c 1 -W 2 192.168.1.1", "--no-display")
+        addresses = self.check("$KALVO_WATCH_HOST hostname -I", "--no-display").split()
+        self.assertIn("192.168.1.100", addresses)
+        self.assertNotIn("192.168.1.2", addresses)
+
+    def test_nothing_leads_out_of_the_network(self) -> None:
+        script = "ip -o link | cut -d: -f2 | cut -d@ -f1"
+        for where in ("", "$KALVO_WATCH_HOST "):
+            self.assertEqual(self.check(f"{where}{script}", "--no-display").split(), ["lo", "lan"])
+        self.assertEqual(self.check("ip route show default", "--no-display").split()[:3], ["default", "via", "192.168.1.1"])
+        self.assertEqual(self.check("$KALVO_WATCH_HOST ip route show default", "--no-display"), "")
+
+    def test_the_computer_knows_its_own_name_and_no_name_server(self) -> None:
+        self.assertIn("192.168.1.2", self.check("getent hosts $(uname -n)", "--no-display"))
+        self.assertNotIn("nameserver", self.check("cat /etc/resolv.conf", "--no-display"))
+
+    def test_there_is_a_screen_with_a_window_manager(self) -> None:
+        self.check("xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'")
+        self.assertEqual(self.check("echo ${DISPLAY-none}", "--no-display"), "none")
+
+    def test_windows_is_a_copy_of_the_template(self) -> None:
+        mark = f"mark-{uuid.uuid4()}"
+        self.check(f'touch "$WINEPREFIX/drive_c/{mark}" && ls "$WINEPREFIX/system.reg"', "--no-display")
+        self.assertFalse((TEMPLATE / "drive_c" / mark).exists())
+
+    def test_windows_believes_in_the_resolution(self) -> None:
+        said = self.check(r"wine reg query 'HKCU\Control Panel\Desktop' /v LogPixels", "--no-display", "--dpi", "144")
+        self.assertIn("0x90", said)
+
+    def test_the_exit_status_is_the_commands(self) -> None:
+        self.assertEqual(in_home("exit 7", "--no-display").returncode, 7)
+        self.assertEqual(in_home("exit 7").returncode, 7)
+
+    def test_a_wrong_command_line_is_refused(self) -> None:
+        for arguments in ((), ("--no-display",), ("--dpi", "many", "true"), ("--dpi",), ("--other", "true")):
+            with self.subTest(arguments):
+                done = subprocess.run([HOME, *arguments], capture_output=True, text=True, timeout=30)
+                self.assertEqual(done.returncode, 125)
+                self.assertIn("usage: home", done.stderr)
+
+    def test_homes_stand_side_by_side(self) -> None:
+        listen = (
+            "import socket; s = socket.create_server(('192.168.1.100', 6000)); print('up', flush=True); "
+            "c, _ = s.accept(); c.sendall(b'{mark}')"
+        )
+        call = "import socket, time; time.sleep(1); print(socket.create_connection(('192.168.1.100', 6000)).recv(99).decode())"
+        homes = []
+        for mark in ("first", "second"):
+            script = f"""exec 3< <($KALVO_WATCH_HOST python3 -c "{listen.format(mark=mark)}"); read -u 3 -r; python3 -c "{call}" """
+            command = [HOME, "--no-display", "bash", "-ec", script]
+            homes.append(subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True))
+        self.assertEqual([home.communicate(timeout=60)[0].strip() for home in homes], ["first", "second"])
+
+    def test_what_it_started_ends_with_it(self) -> None:
+        mark = f"mark-{uuid.uuid4()}"
+        begin = time.monotonic()
+        # The sleeper holds the pipe that this test reads to its end.
+        self.check(f"(exec -a {mark} sleep 300) & wine cmd /c ver", "--no-display")
+        self.assertLess(time.monotonic() - begin, 30)
+        self.assertFalse(runs(mark))
+
+    def test_killing_it_ends_everything(self) -> None:
+        mark = f"mark-{uuid.uuid4()}"
+        home = subprocess.Popen([HOME, "bash", "-ec", f"exec -a {mark} sleep 300"], stdin=subprocess.DEVNULL)
+        end = time.monotonic() + 20
+        while not runs(f"{mark}\0") and time.monotonic() < end:
+            time.sleep(0.05)
+        self.assertTrue(runs(f"{mark}\0"))
+        home.kill()
+        home.wait(10)
+        while runs(mark) and time.monotonic() < end:
+            time.sleep(0.05)
+        self.assertFalse(runs(mark))
+
+    def test_no_mount_and_no_network_stays(self) -> None:
+        def state() -> tuple[str, str]:
+            mounts = Path("/proc/self/mounts").read_text()
+            return mounts, subprocess.run(["ip", "-o", "link"], capture_output=True, text=True, check=True).stdout
+
+        before = state()
+        self.check("true")
+        self.assertEqual(state(), before)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,255 @@
+// Replaces a function that the program imports, for the length of a scope:
+//
+//     REPLACED(WriteFile) write(Returns(FALSE, ERROR_DISK_FULL));
+//     EXPECT_FALSE(Save());
+//     EXPECT_EQ(write.Arg<2>(), 7u);
+//
+// A replacement that nobody called fails the test. See README.md.
+#pragma once
+
+#include "tests/kit/ImportTable.h"
+#include "tests/kit/Journal.h"
+#include "tests/kit/Unreplaced.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <optional>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+// The type of a replacement of a function, by the name under which it is imported (CreateFileW).
+#define REPLACED(function) kit::Replaced<#function, decltype(&::function)>
+
+namespace kit {
+
+// An answer: gives this result, and leaves this last error behind when there is one.
+template <typename T>
+auto Returns(T result, std::optional<DWORD> error = std::nullopt)
+{
+    return [result, error](auto&&...) {
+        if (error) {
+            unreplaced::SetLastError(*error);
+        }
+        return result;
+    };
+}
+
+// An answer: what the next replacement outside gives, or else the function itself.
+struct PassOn
+{
+};
+
+// Answers for the first, second, third call. One more call than answers fails the test and gets the
+// last answer again.
+template <typename... Answers>
+struct InTurn
+{
+    explicit InTurn(Answers... args) : answers(std::move(args)...) {}
+    std::tuple<Answers...> answers;
+};
+
+// Whether calls from the current thread are the test's. Calls from any other thread, such as those
+// of the test framework, reach the real function and leave no trace.
+bool IsTestThread();
+
+// Makes one more thread the test's: that of a body that may end the process.
+void SetBodyThread(DWORD dwThreadId);
+
+// A function's name as a template argument.
+template <size_t t_nSize>
+struct FunctionName
+{
+    // NOLINTNEXTLINE(google-explicit-constructor): a text literal stands for it
+    consteval FunctionName(const char (&szName)[t_nSize])
+    {
+        std::copy_n(szName, t_nSize, sz);
+    }
+    char sz[t_nSize];
+};
+
+// How an argument is kept: wide texts as they were at the time of the call, everything else as it is.
+template <typename T>
+struct KeptArgument
+{
+    using type = T;
+    static T From(T argument)
+    {
+        return argument;
+    }
+};
+
+template <>
+struct KeptArgument<const wchar_t*>
+{
+    using type = std::wstring;
+    // "(null)" for none, "#5" for a resource id.
+    static std::wstring From(const wchar_t* psz);
+};
+
+template <FunctionName t_name, typename Function>
+class Replaced;
+
+template <FunctionName t_name, typename Result, typename... Args>
+class Replaced<t_name, Result (*)(Args...)>
+{
+public:
+    using Answer = std::function<Result(Args...)>;
+
+    // Only listens: every call is passed on.
+    Replaced() : Replaced(PassOn()) {}
+
+    explicit Replaced(PassOn passOn) : m_answers{MakeAnswer(passOn)}
+    {
+        Install();
+    }
+
+    // One answer for every call: Returns(…), or anything that takes the arguments.
+    template <typename Callable>
+        requires std::is_invocable_v<Callable, Args...>
+    explicit Replaced(Callable answer) : m_answers{MakeAnswer(std::move(answer))}
+    {
+        Install();
+    }
+
+    template <typename... Answers>
+    explicit Replaced(InTurn<Answers...> inTurn) : m_bInTurn(true)
+    {
+        std::apply([this](auto&... answer) { (m_answers.push_back(MakeAnswer(std::move(answer))), ...); },
+                   inTurn.answers);
+        Install();
+    }
+
+    Replaced(const Replaced&) = delete;
+    Replaced& operator=(const Replaced&) = delete;
+
+    ~Replaced()
+    {
+        RestoreImport(m_slots);
+        s_pCurrent = m_pOuter;
+        if (m_calls.empty() && !m_bOptional) {
+            ADD_FAILURE() << t_name.sz << " was never called";
+        }
+    }
+
+    // Need not be called. Returns itself: REPLACED(Beep) beep; beep.Optional();
+    Replaced& Optional()
+    {
+        m_bOptional = true;
+        return *this;
+    }
+
+    // Leaves no lines in the journal.
+    Replaced& Unnoted()
+    {
+        m_bNoted = false;
+        return *this;
+    }
+
+    size_t Calls() const
+    {
+        return m_calls.size();
+    }
+
+    // Argument t_nIndex of a call, both counted from 0.
+    template <size_t t_nIndex>
+    auto Arg(size_t nCall = 0) const
+    {
+        if (nCall < m_calls.size()) {
+            return std::get<t_nIndex>(m_calls[nCall]);
+        }
+        ADD_FAILURE() << t_name.sz << " was called only " << m_calls.size() << " times";
+        return std::tuple_element_t<t_nIndex, Kept>();
+    }
+
+    // What would have been called without this replacement: the next one outside, or the function.
+    Result Next(Args... args) const
+    {
+        return m_pOuter != nullptr ? m_pOuter->Call(args...) : Real(args...);
+    }
+
+    // The function itself.
+    static Result Real(Args... args)
+    {
+        return s_pReal(args...);
+    }
+
+private:
+    using Function = Result (*)(Args...);
+    using Kept = std::tuple<typename KeptArgument<Args>::type...>;
+
+    Answer MakeAnswer(PassOn)
+    {
+        return [this](Args... args) { return Next(args...); };
+    }
+
+    template <typename Callable>
+    static Answer MakeAnswer(Callable answer)
+    {
+        return Answer(std::move(answer));
+    }
+
+    void Install()
+    {
+        m_pOuter = s_pCurrent;
+        s_pCurrent = this;
+        m_slots = RedirectImport(t_name.sz, reinterpret_cast<void*>(&Thunk));
+        if (m_slots.empty()) {
+            ADD_FAILURE() << t_name.sz << " is not imported: nothing calls it";
+        } else if (s_pReal == nullptr) {
+            s_pReal = reinterpret_cast<Function>(m_slots.front().pOriginal);
+        }
+    }
+
+    // What stands in the import table.
+    static Result Thunk(Args... args)
+    {
+        return IsTestThread() ? s_pCurrent->Call(args...) : s_pReal(args...);
+    }
+
+    // The answer finds the last error as the caller left it, and the caller as the answer left it.
+    Result Call(Args... args)
+    {
+        const DWORD dwLastError = unreplaced::GetLastError();
+        const Answer& answer = Keep(args...);
+        unreplaced::SetLastError(dwLastError);
+        return answer(args...);
+    }
+
+    const Answer& Keep(Args... args)
+    {
+        const size_t nCall = m_calls.size();
+        m_calls.emplace_back(KeptArgument<Args>::From(args)...);
+        if (m_bNoted) {
+            Note(t_name.sz);
+        }
+        if (m_bInTurn && nCall >= m_answers.size()) {
+            ADD_FAILURE() << t_name.sz << " was called more than " << m_answers.size() << " times";
+        }
+        return m_answers[std::min(nCall, m_answers.size() - 1)];
+    }
+
+    static inline Replaced* s_pCurrent = nullptr;
+    static inline Function s_pReal = nullptr;
+
+    std::vector<Answer> m_answers;
+    bool m_bInTurn = false;
+    bool m_bOptional = false;
+    bool m_bNoted = true;
+    std::vector<Kept> m_calls;
+    std::vector<ImportSlot> m_slots;
+    Replaced* m_pOuter = nullptr;
+};
+
+// Functions declared never to throw are replaced like any other.
+template <FunctionName t_name, typename Result, typename... Args>
+class Replaced<t_name, Result (*)(Args...) noexcept> : public Replaced<t_name, Result (*)(Args...)>
+{
+public:
+    using Replaced<t_name, Result (*)(Args...)>::Replaced;
+};
+
+} // namespace kit

@@ -1,0 +1,137 @@
+#include "tests/kit/Test.h"
+
+#include <stdexcept>
+
+namespace kit {
+
+namespace {
+
+struct Body
+{
+    std::function<void()> function;
+};
+
+DWORD WINAPI RunBody(void* pParameter)
+{
+    static_cast<Body*>(pParameter)->function();
+    return 0;
+}
+
+} // namespace
+
+Test::Test()
+    : m_messageBox([this](auto... args) { return OnMessageBox(args...); }),
+      m_exitProcess([this](UINT nExitCode) { OnExitProcess(nExitCode); }),
+      m_sleep([this](DWORD dwMilliseconds) { OnSleep(dwMilliseconds); })
+{
+    m_messageBox.Optional().Unnoted();
+    m_exitProcess.Optional().Unnoted();
+    m_sleep.Optional().Unnoted();
+    Journal().clear();
+}
+
+Test::~Test()
+{
+    for (const Box& box : m_boxes) {
+        ADD_FAILURE() << "nobody expected the box \"" << Narrow(box.strText) << "\", captioned \""
+                      << Narrow(box.strCaption) << '"';
+    }
+}
+
+void Test::ExpectBox(const std::wstring& strText, const std::wstring& strCaption, std::source_location where)
+{
+    ExpectBox(nullptr, strText, strCaption, where);
+}
+
+void Test::ExpectBox(HWND hwndOwner, const std::wstring& strText, const std::wstring& strCaption,
+                     std::source_location where)
+{
+    const testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()), "the box expected here");
+    if (m_boxes.empty()) {
+        ADD_FAILURE() << "no box was shown";
+        return;
+    }
+    const Box box = TakeBox(where);
+    EXPECT_EQ(box.strText, strText);
+    EXPECT_EQ(box.strCaption, strCaption);
+    EXPECT_EQ(box.hwndOwner, hwndOwner);
+    EXPECT_EQ(box.nFlags, static_cast<UINT>(MB_OK));
+}
+
+Box Test::TakeBox(std::source_location where)
+{
+    if (m_boxes.empty()) {
+        const testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()), "the box asked for here");
+        ADD_FAILURE() << "no box was shown";
+        return {};
+    }
+    Box box = std::move(m_boxes.front());
+    m_boxes.pop_front();
+    return box;
+}
+
+void Test::WhenBoxShows(std::function<void(const Box&)> action)
+{
+    m_onBox = std::move(action);
+}
+
+std::optional<UINT> Test::ExitCodeOf(std::function<void()> function)
+{
+    Body body{std::move(function)};
+    m_exitCode.reset();
+    DWORD dwThread = 0;
+    const HANDLE hThread =
+        unreplaced::CreateThread(nullptr, 0, RunBody, &body, CREATE_SUSPENDED, &dwThread);
+    if (hThread == nullptr) {
+        throw std::runtime_error("no thread for the body");
+    }
+    m_dwBodyThread = dwThread;
+    SetBodyThread(dwThread);
+    unreplaced::ResumeThread(hThread);
+    unreplaced::WaitForSingleObject(hThread, INFINITE);
+    SetBodyThread(0);
+    m_dwBodyThread = 0;
+    unreplaced::CloseHandle(hThread);
+    return m_exitCode;
+}
+
+int Test::OnMessageBox(HWND hwndOwner, PCWSTR pszText, PCWSTR pszCaption, UINT nFlags)
+{
+    using Text = KeptArgument<const wchar_t*>;
+    const Box box{hwndOwner, Text::From(pszText), Text::From(pszCaption), nFlags};
+    Note("box \"" + Narrow(box.strText) + '"');
+    m_boxes.push_back(box);
+    if (m_onBox) {
+        m_onBox(box);
+    }
+    return IDOK;
+}
+
+void Test::OnExitProcess(UINT nExitCode)
+{
+    Note("exit " + std::to_string(nExitCode));
+    if (unreplaced::GetCurrentThreadId() == m_dwBodyThread) {
+        m_exitCode = nExitCode;
+        unreplaced::ExitThread(0);
+    }
+    // The caller counts on not coming back. The framework catches this, or it ends the program.
+    throw std::runtime_error("the process was ended with exit code " + std::to_string(nExitCode) +
+                             " where nobody expected it");
+}
+
+void Test::OnSleep(DWORD dwMilliseconds)
+{
+    Note("sleep " + std::to_string(dwMilliseconds));
+    m_sleeps.push_back(dwMilliseconds);
+}
+
+std::string Narrow(const std::wstring& str)
+{
+    const int cch = static_cast<int>(str.size());
+    std::string strNarrow(str.size() * 3, '\0');
+    strNarrow.resize(static_cast<size_t>(unreplaced::WideCharToMultiByte(
+        CP_UTF8, 0, str.data(), cch, strNarrow.data(), static_cast<int>(strNarrow.size()), nullptr, nullptr)));
+    return strNarrow;
+}
+
+} // namespace kit

@@ -1,0 +1,194 @@
+// What a person sees of the windows on the screen, for the tests that act like one: it reads, it never acts.
+//
+// A request is a line on standard input, its answer a line of JSON (UTF-8) on standard output:
+//   look           every visible top-level window with everything in it, from top to bottom; inside a window
+//                  in tab order. Asks nothing of the windows, so a program that is busy does not hold it up.
+//   read HANDLE    what a control holds: the text of an edit or combo box, the state of a check box. Null where
+//                  the program is too busy to say it.
+// The end of the input ends it.
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <cstdio>
+#include <format>
+#include <iostream>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace {
+
+// Longer than any text of a window that is looked at; what is longer is cut.
+constexpr int nTextCapacity = 8192;
+
+// A program that does not answer for so long is busy. Short, because the person waits meanwhile.
+constexpr UINT nPatienceMs = 500;
+
+std::string ToUtf8(std::wstring_view text)
+{
+    const int nLength = static_cast<int>(text.size());
+    std::string utf8(static_cast<size_t>(nLength) * 3, '\0');
+    utf8.resize(static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, text.data(), nLength, utf8.data(),
+                                                        static_cast<int>(utf8.size()), nullptr, nullptr)));
+    return utf8;
+}
+
+std::string Quoted(std::wstring_view text)
+{
+    std::string quoted = "\"";
+    for (const char c : ToUtf8(text)) {
+        if (c == '"' || c == '\\') {
+            quoted += '\\';
+            quoted += c;
+        } else if (static_cast<unsigned char>(c) < 0x20) {
+            quoted += std::format("\\u{:04x}", static_cast<unsigned>(c));
+        } else {
+            quoted += c;
+        }
+    }
+    return quoted + '"';
+}
+
+// The window of the display server that shows it; zero for a control, which has none.
+unsigned long ScreenWindow(HWND hwnd)
+{
+    return HandleToULong(GetPropW(hwnd, L"__wine_x11_whole_window"));
+}
+
+// Window handles have 32 significant bits, whatever the program's width.
+unsigned long Number(HWND hwnd)
+{
+    return HandleToULong(hwnd);
+}
+
+const char* Truth(bool b)
+{
+    return b ? "true" : "false";
+}
+
+std::wstring ClassOf(HWND hwnd)
+{
+    wchar_t szClass[256];
+    const int nLength = GetClassNameW(hwnd, szClass, ARRAYSIZE(szClass));
+    return {szClass, static_cast<size_t>(nLength)};
+}
+
+// The text that the system keeps for the window. GetWindowText would send a message instead.
+std::wstring TitleOf(HWND hwnd)
+{
+    std::wstring title(nTextCapacity, L'\0');
+    title.resize(static_cast<size_t>(InternalGetWindowText(hwnd, title.data(), nTextCapacity)));
+    return title;
+}
+
+std::string Describe(HWND hwnd)
+{
+    RECT rect = {};
+    GetWindowRect(hwnd, &rect);
+    DWORD dwProcess = 0;
+    GetWindowThreadProcessId(hwnd, &dwProcess);
+    const LONG nStyle = GetWindowLongW(hwnd, GWL_STYLE);
+    // The menu field of a window that is no child is no id.
+    const int nId = nStyle & WS_CHILD ? GetDlgCtrlID(hwnd) : 0;
+
+    std::string json =
+        std::format(R"({{"handle":{},"owner":{},"process":{},"screen_window":{},"class":{},"id":{},"text":{},)",
+                    Number(hwnd), Number(GetWindow(hwnd, GW_OWNER)), dwProcess, ScreenWindow(hwnd),
+                    Quoted(ClassOf(hwnd)), nId, Quoted(TitleOf(hwnd)));
+    json +=
+        std::format(R"("x":{},"y":{},"width":{},"height":{},"style":{},"extended":{},"visible":{},"enabled":{},)",
+                    rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,
+                    static_cast<unsigned long>(nStyle), static_cast<unsigned long>(GetWindowLongW(hwnd, GWL_EXSTYLE)),
+                    Truth(IsWindowVisible(hwnd)), Truth(IsWindowEnabled(hwnd)));
+    json += R"("children":[)";
+    bool bFirst = true;
+    for (HWND child = GetWindow(hwnd, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+        json += std::exchange(bFirst, false) ? "" : ",";
+        json += Describe(child);
+    }
+    return json + "]}";
+}
+
+std::string Look()
+{
+    // The thread that has the keyboard; zero names it.
+    GUITHREADINFO thread = {};
+    thread.cbSize = sizeof thread;
+    GetGUIThreadInfo(0, &thread);
+
+    std::string windows;
+    const auto add = [](HWND hwnd, LPARAM lParam) -> BOOL {
+        auto& list = *reinterpret_cast<std::string*>(lParam);
+        if (IsWindowVisible(hwnd)) {
+            list += list.empty() ? "" : ",";
+            list += Describe(hwnd);
+        }
+        return TRUE;
+    };
+    EnumWindows(add, reinterpret_cast<LPARAM>(&windows));
+    return std::format(R"({{"foreground":{},"focus":{},"caret":{},"windows":[{}]}})", Number(GetForegroundWindow()),
+                       Number(thread.hwndFocus), Number(thread.hwndCaret), windows);
+}
+
+bool Ask(HWND hwnd, UINT nMessage, WPARAM wParam, LPARAM lParam, DWORD_PTR* pnAnswer)
+{
+    return SendMessageTimeoutW(hwnd, nMessage, wParam, lParam, SMTO_ABORTIFHUNG | SMTO_BLOCK, nPatienceMs, pnAnswer) !=
+           0;
+}
+
+std::string ReadText(HWND hwnd)
+{
+    std::wstring text(nTextCapacity, L'\0');
+    DWORD_PTR nLength = 0;
+    if (!Ask(hwnd, WM_GETTEXT, nTextCapacity, reinterpret_cast<LPARAM>(text.data()), &nLength)) {
+        return "null";
+    }
+    text.resize(nLength);
+    return Quoted(text);
+}
+
+bool IsClass(HWND hwnd, PCWSTR szClass)
+{
+    return CompareStringOrdinal(ClassOf(hwnd).c_str(), -1, szClass, -1, TRUE) == CSTR_EQUAL;
+}
+
+// Only of these controls Look does not tell all.
+std::string Read(HWND hwnd)
+{
+    if (IsClass(hwnd, WC_EDITW) || IsClass(hwnd, WC_COMBOBOXW)) {
+        return ReadText(hwnd);
+    }
+    DWORD_PTR nState = 0;
+    if (IsClass(hwnd, WC_BUTTONW) && Ask(hwnd, BM_GETCHECK, 0, 0, &nState)) {
+        return Truth(nState == BST_CHECKED);
+    }
+    return "null";
+}
+
+std::string Answer(const std::string& request)
+{
+    unsigned long nHandle = 0;
+    if (request == "look") {
+        return Look();
+    }
+    if (std::sscanf(request.c_str(), "read %lu", &nHandle) == 1) {
+        return std::format(R"({{"holds":{}}})", Read(static_cast<HWND>(ULongToHandle(nHandle))));
+    }
+    return R"({"error":"the requests are: look, read HANDLE"})";
+}
+
+} // namespace
+
+int main()
+{
+    // The pixels of the screen, at any resolution.
+    SetProcessDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
+    for (std::string request; std::getline(std::cin, request);) {
+        if (request.ends_with('\r')) {
+            request.pop_back();
+        }
+        std::cout << Answer(request) << '\n' << std::flush;
+    }
+    return 0;
+}

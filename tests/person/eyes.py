@@ -1,0 +1,129 @@
+"""What is on the screen, read without asking the programs that show it."""
+
+import json
+import subprocess
+import threading
+from collections.abc import Iterator
+from dataclasses import dataclass, field
+from typing import Any
+
+import places
+
+# Windows' own numbers.
+BUTTON_KINDS = 0xF
+DEFAULT_BUTTON = 0x1
+CHECK_BOXES = (0x2, 0x3)
+DIALOG_CLASS = "#32770"
+
+
+@dataclass(frozen=True)
+class Window:
+    """A window or control as it was when looked at. Rectangles are pixels of the screen."""
+
+    handle: int
+    owner: int
+    process: int
+    screen_window: int
+    class_name: str
+    id: int
+    text: str
+    x: int
+    y: int
+    width: int
+    height: int
+    style: int
+    extended: int
+    visible: bool
+    enabled: bool
+    children: tuple["Window", ...] = field(repr=False)
+
+    @classmethod
+    def from_json(cls, answer: dict[str, Any]) -> "Window":
+        own = {**answer, "class_name": answer["class"], "children": tuple(map(cls.from_json, answer["children"]))}
+        del own["class"]
+        return cls(**own)
+
+    def descendants(self) -> Iterator["Window"]:
+        """Everything inside it, in tab order."""
+        for child in self.children:
+            yield child
+            yield from child.descendants()
+
+    def find(self, control_id: int) -> "Window | None":
+        """The control with that id, at any depth."""
+        return next((window for window in self.descendants() if window.id == control_id), None)
+
+    def is_kind(self, class_name: str) -> bool:
+        """Windows compares the names of classes without regard to case."""
+        return self.class_name.lower() == class_name.lower()
+
+    @property
+    def is_check_box(self) -> bool:
+        return self.is_kind("Button") and self.style & BUTTON_KINDS in CHECK_BOXES
+
+    @property
+    def is_default_button(self) -> bool:
+        return self.is_kind("Button") and self.style & BUTTON_KINDS == DEFAULT_BUTTON
+
+    @property
+    def middle(self) -> tuple[int, int]:
+        return self.x + self.width // 2, self.y + self.height // 2
+
+
+@dataclass(frozen=True)
+class View:
+    """One look at the screen: the visible top-level windows from top to bottom, and who has the keyboard."""
+
+    foreground: int
+    focus: int
+    caret: int
+    windows: tuple[Window, ...]
+
+    def focused(self) -> Window | None:
+        """The control that the keyboard goes to."""
+        for top in self.windows:
+            for window in (top, *top.descendants()):
+                if window.handle == self.focus:
+                    return window
+        return None
+
+
+class Eyes:
+    """The reader of windows. A context manager; one serves for a whole test."""
+
+    def __enter__(self) -> "Eyes":
+        self._process = subprocess.Popen(
+            ["wine", places.eyes()], stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True
+        )
+        return self
+
+    def __exit__(self, *_: object) -> None:
+        assert self._process.stdin and self._process.stdout
+        self._process.stdin.close()
+        self._process.stdout.close()
+        try:
+            self._process.wait(10)
+        except subprocess.TimeoutExpired:
+            self._process.kill()
+            self._process.wait()
+
+    def look(self) -> View:
+        """The whole screen."""
+        answer = self._ask("look")
+        return View(**{**answer, "windows": tuple(map(Window.from_json, answer["windows"]))})
+
+    def read(self, control: Window) -> str | bool | None:
+        """An edit's text, a check box's state. None when the program is too busy to say."""
+        return self._ask(f"read {control.handle}")["holds"]
+
+    def _ask(self, request: str) -> dict[str, Any]:
+        assert self._process.stdin and self._process.stdout
+        patience = threading.Timer(30, self._process.kill)
+        patience.start()
+        self._process.stdin.write(request + "\n")
+        self._process.stdin.flush()
+        answer = self._process.stdout.readline()
+        patience.cancel()
+        if not answer:
+            raise RuntimeError(f"eyes.exe ended with {self._process.wait()} when asked to {request}")
+        return json.loads(answer)

@@ -1,0 +1,45 @@
+"""What the person's tests have in common: a watch, an installer with a package beside it, and somebody in front of it."""
+
+import shutil
+import unittest
+from pathlib import Path
+
+import pictures
+import places
+import program as programs
+from eyes import Eyes
+from package import write_package
+from person import Person
+from program import Program, left_behind
+from watch import Watch
+
+# Wine itself starts in this time, too.
+START = 60.0
+
+
+class InstallationTest(unittest.TestCase):
+    """Every test starts the installer anew; a test that fails leaves a picture of the screen in the build folder."""
+
+    # For the emulated watch.
+    watch_switches: tuple[str, ...] = ()
+
+    def setUp(self) -> None:
+        self.addCleanup(shutil.rmtree, programs.working_folder(), ignore_errors=True)
+        self.watch = self.enterContext(Watch(*self.watch_switches))
+        self.program = self.enterContext(Program())
+        self.package = write_package(self.program.folder)
+        self.person = Person(self.enterContext(Eyes()))
+        # Runs before the installer is stopped.
+        self.addCleanup(self._keep_picture_of_failure)
+        self.person.wait_for_page(1, START)
+
+    def finish(self) -> None:
+        """Checks that the installer ended as it should, with nothing left behind."""
+        self.assertEqual(self.program.wait(), 0)
+        self.assertEqual(left_behind(), [])
+
+    def _keep_picture_of_failure(self) -> None:
+        outcome = self._outcome
+        if outcome and not outcome.success:
+            pictures.save_screen(places.build() / "failures" / f"{self.id()}.png")
+            print("the installer printed:", self.program.said)

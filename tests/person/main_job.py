@@ -1,0 +1,86 @@
+"""The main job, as a user does it: through all pages of the wizard, with a package that a watch receives.
+
+    main_job.py FOLDER    keeps a picture of every page in the folder
+
+Prints every page's title, the status lines and what came of it. Ends with 0 only when all of it is right.
+"""
+
+import sys
+from pathlib import Path
+
+import pages
+from eyes import Eyes
+from journey import go_on, go_to_page
+from package import write_package
+from person import Person
+from program import Program, left_behind
+from watch import Watch
+from wizard import Sight
+
+# Wine itself starts in this time, too.
+START = 60.0
+
+
+class Report:
+    """Says what happens, and remembers what is wrong."""
+
+    def __init__(self, person: Person, folder: Path) -> None:
+        self._person = person
+        self._folder = folder
+        self._told = 0
+        self.faults = 0
+
+    def check(self, right: bool, good: str, bad: str) -> None:
+        print(f"   {good}" if right else f"   WRONG: {bad}", flush=True)
+        self.faults += not right
+
+    def page(self, sight: Sight) -> None:
+        """A page that is filled in and about to be left."""
+        assert sight.page
+        self._tell_statuses(before=sight.number)
+        print(f"page {sight.number:2}: {sight.title}", flush=True)
+        self._tell_statuses()
+        if sight.title != sight.page.title:
+            self.check(False, "", f'its title should be "{sight.page.title}"')
+        self._person.picture(self._folder / f"page-{sight.number:02}.png")
+
+    def _tell_statuses(self, before: int = 99) -> None:
+        """The status lines seen since the last call, up to those of a page."""
+        lines = self._person.statuses
+        while self._told < len(lines) and lines[self._told][0] < before:
+            print(f"   status: {lines[self._told][1]}", flush=True)
+            self._told += 1
+
+
+def install(folder: Path) -> int:
+    with Watch() as watch, Eyes() as eyes, Program() as program:
+        package = write_package(program.folder)
+        person = Person(eyes)
+        report = Report(person, folder)
+        person.wait_for_page(1, START)
+        go_to_page(person, len(pages.PAGES), watch, report.page)
+        go_on(person, watch, report.page)
+        code = program.wait()
+        report.check(code == 0, "the program ended with 0", f"the program ended with {code}: {program.said}")
+        report.check(
+            watch.has_received(package),
+            f"the watch received the package byte for byte ({package.stat().st_size} bytes)",
+            f"the watch did not receive the package: {watch.events}",
+        )
+        left = left_behind()
+        report.check(not left, "nothing is left in the working folder", f"left behind: {', '.join(left)}")
+        return report.faults
+
+
+def main() -> int:
+    if len(sys.argv) != 2:
+        print("usage: main_job.py FOLDER", file=sys.stderr)
+        return 2
+    folder = Path(sys.argv[1])
+    for old in folder.glob("page-*.png"):
+        old.unlink()
+    return 1 if install(folder) else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,35 @@
+"""Text on its way to the clipboard, through a program that everybody has."""
+
+import subprocess
+
+from eyes import View, Window
+from person import Person
+from waiting import wait_for
+
+CLASS = "Notepad"
+
+
+def copy_to_clipboard(person: Person, text: str) -> None:
+    """Types the text into a new Notepad, copies it and closes Notepad. The window before comes back to the front."""
+    before = person.look().view.foreground
+    notepad = subprocess.Popen(
+        ["wine", "notepad"], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL
+    )
+    person.wait_until("Notepad", lambda sight: _sheet(sight.view), 20)
+    sheet = _sheet(person.rest().view)
+    assert sheet, "Notepad went away"
+    person.type(text)
+    wait_for("the text in Notepad", lambda: person.eyes.read(sheet) == text)
+    person.press("ctrl+a", "ctrl+c", "BackSpace")
+    # Emptied, it closes without a question.
+    wait_for("Notepad to be empty", lambda: person.eyes.read(sheet) == "")
+    person.press("alt+F4")
+    notepad.wait(20)
+    person.wait_until("the window before in front again", lambda sight: sight.view.foreground == before)
+
+
+def _sheet(view: View) -> Window | None:
+    """Where text goes, once Notepad has the keyboard."""
+    focused = view.focused()
+    in_front = any(window.handle == view.foreground and window.is_kind(CLASS) for window in view.windows)
+    return focused if focused and in_front and focused.is_kind("Edit") else None

@@ -1,0 +1,159 @@
+"""The person at the computer. Looks at the screen, presses keys, moves the mouse; has no other way in."""
+
+import time
+from collections.abc import Callable
+from pathlib import Path
+
+import hands
+import pages
+import pictures
+from eyes import Eyes, Window
+from waiting import wait_for
+from wizard import MessageBox, Sight, recognise
+
+# The slowest step of the wizard: an address that stays silent, three times adb, each with its pauses.
+LONGEST_STEP = 90.0
+
+# A screen that has not changed for so long has come to rest.
+REST = 0.15
+
+# Tabs from any control of a page to any other, and then some.
+MOST_TABS = 12
+
+
+class Person:
+    """Someone with the watch in one hand. Every wait ends, with what was waited for in the message."""
+
+    def __init__(self, eyes: Eyes) -> None:
+        self.eyes = eyes
+        # The status lines seen, with the page's number, in the order of their appearance.
+        self.statuses: list[tuple[int, str]] = []
+
+    # Looking
+
+    def look(self) -> Sight:
+        """One look at the wizard. A status line that is new is remembered."""
+        sight = recognise(self.eyes.look())
+        line = (sight.number, sight.status)
+        if line[1] and (not self.statuses or self.statuses[-1] != line):
+            self.statuses.append(line)
+        return sight
+
+    def wait_until(self, what: str, seen: Callable[[Sight], object], seconds: float = 10.0) -> Sight:
+        """Looks until what is seen pleases."""
+
+        def look() -> Sight | None:
+            nonlocal last
+            last = self.look()
+            return last if seen(last) else None
+
+        last: Sight | None = None
+        try:
+            found = wait_for(what, look, seconds)
+        except AssertionError as error:
+            raise type(error)(f"{error}; on the screen: {last}") from None
+        assert found
+        return found
+
+    def wait_for_page(self, number: int, seconds: float = LONGEST_STEP) -> Sight:
+        """Until the wizard shows that page and has come to rest. A message box in between is a failure."""
+        self.wait_until(f"page {number}", lambda sight: sight.number == number or sight.boxes, seconds)
+        sight = self.rest()
+        assert sight.number == number and not sight.boxes, f"page {number} was to come, but there is {sight}"
+        return sight
+
+    def wait_for_box(self, caption: str, seconds: float = LONGEST_STEP) -> MessageBox:
+        """Until a message box is there; it must be the one with that caption."""
+        self.wait_until(f'the box "{caption}"', lambda sight: sight.boxes, seconds)
+        box = self.rest().boxes[0]
+        assert box.caption == caption, f'the box "{caption}" was to come, but there is {box}'
+        return box
+
+    def rest(self) -> Sight:
+        """Until nothing changes any more on the screen."""
+        last = self.look()
+        since = time.monotonic()
+
+        def at_rest() -> bool:
+            nonlocal last, since
+            now = self.look()
+            if now.view != last.view:
+                last, since = now, time.monotonic()
+            return time.monotonic() - since >= REST
+
+        wait_for("the screen to come to rest", at_rest)
+        return last
+
+    def holds(self, control_id: int) -> str | bool | None:
+        """What a control of the page holds: an edit's text, a check box's state, an address as far as it is filled in."""
+        control = self.look().control(control_id)
+        if control.is_kind("SysIPAddress32"):
+            fields = sorted(control.children, key=lambda window: window.x)
+            return ".".join(str(self.eyes.read(window)) for window in fields)
+        return self.eyes.read(control)
+
+    def expect(self, control_id: int, content: str | bool) -> None:
+        """Until a control of the page holds that."""
+        wait_for(f"{content!r} in control {control_id}", lambda: self.holds(control_id) == content)
+
+    def picture(self, file: Path, window: Window | None = None) -> None:
+        """Keeps a picture of a window, by default the wizard's."""
+        window = window or self.look().frame
+        assert window, "there is no wizard to take a picture of"
+        hands.move_mouse_away()
+        self.rest()
+        pictures.save_picture(window, file)
+
+    # Acting
+
+    def press(self, *keys: str) -> None:
+        hands.press(*keys)
+
+    def type(self, text: str) -> None:
+        hands.type_text(text)
+
+    def click(self, window: Window, times: int = 1) -> None:
+        hands.click(*window.middle, times)
+
+    def click_control(self, control_id: int) -> None:
+        self.click(self.look().control(control_id))
+
+    def click_button(self, name: str) -> None:
+        """Clicks a button of the wizard's frame, as soon as it is there."""
+        button = self.wait_until(f"the {name} button", lambda sight: sight.button(name)).button(name)
+        assert button
+        self.click(button)
+
+    def tab_to(self, control_id: int) -> None:
+        """Presses Tab until the control has the keyboard."""
+        for _ in range(MOST_TABS):
+            if self.look().focus_id == control_id:
+                return
+            self.press("Tab")
+            self.rest()
+        raise AssertionError(f"{MOST_TABS} tabs did not lead to control {control_id}")
+
+    def write(self, control_id: int, text: str) -> None:
+        """Goes to an empty field with Tab, types, and looks whether the text is there."""
+        self.tab_to(control_id)
+        self.type(text)
+        self.expect(control_id, text)
+
+    def tick_by_key(self, control_id: int) -> None:
+        """Ticks a check box with the Space bar."""
+        self.tab_to(control_id)
+        self.press("space")
+        self.expect(control_id, True)
+
+    def enter_when_offered(self, button: str = "Next") -> None:
+        """Waits for a button to appear, then presses Enter."""
+        self.wait_until(f"the {button} button", lambda sight: button in sight.buttons)
+        self.press("Return")
+
+    def dismiss(self, box: MessageBox) -> None:
+        """Presses Enter on a message box and waits until it is gone."""
+        self.press("Return")
+        self.wait_until(
+            f'the box "{box.caption}" to go',
+            lambda sight: all(other.window.handle != box.window.handle for other in sight.boxes),
+        )

@@ -1,0 +1,88 @@
+"""The installer as the user has it: a downloaded program with the package beside it."""
+
+import shutil
+import subprocess
+from pathlib import Path
+
+import places
+
+
+def downloads() -> Path:
+    """The user's folder of downloads, made when it is missing."""
+    folder = places.prefix() / "drive_c" / "users" / "root" / "Downloads"
+    folder.mkdir(parents=True, exist_ok=True)
+    return folder
+
+
+def windows_path(path: Path) -> str:
+    """How a program of the home's Windows names a file on its drive C."""
+    return "C:\\" + "\\".join(path.relative_to(places.prefix() / "drive_c").parts)
+
+
+class Program:
+    """The installer, copied into a folder and started there. A context manager: it does not outlive the test."""
+
+    def __init__(self, folder: Path | None = None) -> None:
+        self.folder = folder or downloads()
+        self.file = self.folder / "KalvoApkInstaller.exe"
+        self._log = Path("/tmp/installer.log")
+
+    def __enter__(self) -> "Program":
+        shutil.copy(places.installer(), self.file)
+        # Into a file: adb's server would hold a pipe open for as long as it lives.
+        with self._log.open("w") as log:
+            self._process = subprocess.Popen(
+                ["wine", places.launcher(), windows_path(self.file)],
+                cwd=self.folder,
+                stdin=subprocess.DEVNULL,
+                stdout=log,
+                stderr=subprocess.STDOUT,
+            )
+        return self
+
+    def __exit__(self, *_: object) -> None:
+        if self._process.poll() is None:
+            # The installer is a child of the launcher and adb's server one of the installer: with the
+            # home's Windows all of them end.
+            subprocess.run(["wineserver", "--kill"], check=False, timeout=30)
+            self._process.wait(30)
+
+    def wait(self, seconds: float = 60.0) -> int:
+        """Until the program has ended; returns its exit code."""
+        try:
+            return self._process.wait(seconds)
+        except subprocess.TimeoutExpired:
+            raise AssertionError(f"the installer did not end within {seconds:g} s") from None
+
+    @property
+    def has_ended(self) -> bool:
+        return self._process.poll() is not None
+
+    @property
+    def said(self) -> str:
+        """What it or its launcher printed, which is nothing when all is well."""
+        return self._log.read_text()
+
+
+def working_folder() -> Path:
+    """Where the installer keeps its tools while it runs."""
+    return places.prefix() / "drive_c" / "users" / "root" / "AppData" / "Local" / "KALVO_ApkInstaller"
+
+
+def left_behind() -> list[str]:
+    """What is in the working folder, and an adb that still runs."""
+    folder = working_folder()
+    files = [str(path.relative_to(folder)) for path in folder.rglob("*")] if folder.is_dir() else []
+    return files + ["a running adb.exe"] * adb_is_running()
+
+
+def adb_is_running() -> bool:
+    """Whether adb's server is among the processes of this home."""
+    return any("adb.exe" in _command_line(process) for process in Path("/proc").glob("[0-9]*"))
+
+
+def _command_line(process: Path) -> str:
+    try:
+        return (process / "cmdline").read_text(errors="replace")
+    except OSError:  # it has just ended
+        return ""

@@ -1,0 +1,98 @@
+"""The fields that take digits, and the address that is there before anything is typed."""
+
+import unittest
+
+import pages
+from installation import InstallationTest
+from journey import go_to_page
+from notepad import copy_to_clipboard
+
+
+class FieldsTest(InstallationTest):
+    def expect_stays(self, control: int, text: str) -> None:
+        self.person.rest()
+        self.assertEqual(self.person.holds(control), text)
+
+    def enter(self, control: int, *keys: str) -> None:
+        """Empties a field, then presses keys in it."""
+        self.person.click_control(control)
+        self.person.press("ctrl+a", "BackSpace", *keys)
+
+
+class TheWatchsAddress(FieldsTest):
+    def setUp(self) -> None:
+        super().setUp()
+        go_to_page(self.person, 5, self.watch)
+
+    def test_begins_like_the_gateway_with_the_caret_in_the_last_field(self) -> None:
+        self.person.expect(pages.ADDRESS, "192.168.1.")
+        sight = self.person.rest()
+        fields = sorted(sight.control(pages.ADDRESS).children, key=lambda field: field.x)
+        self.assertEqual(sight.view.focus, fields[3].handle)
+        self.assertEqual(sight.view.caret, fields[3].handle)
+        self.person.type("7")
+        self.person.expect(pages.ADDRESS, "192.168.1.7")
+
+    def test_next_needs_four_numbers_and_four_digits_of_a_port(self) -> None:
+        self.person.type("100")
+        self.enter(pages.PORT, "4", "3", "2")
+        self.assertEqual(self.person.rest().buttons, {"Back", "Cancel"})
+        self.person.press("1")
+        self.person.wait_until("Next", lambda sight: "Next" in sight.buttons)
+        last = max(self.person.look().control(pages.ADDRESS).children, key=lambda field: field.x)
+        self.person.click(last, times=2)
+        self.person.press("BackSpace")
+        self.person.wait_until("Next to go", lambda sight: "Next" not in sight.buttons)
+
+    def test_the_port_takes_digits_only_and_five_of_them(self) -> None:
+        self.enter(pages.PORT, "a", "4", "minus", "3", "period", "x", "2", "space", "1", "0", "9")
+        self.person.expect(pages.PORT, "43210")
+        self.person.press("BackSpace", "BackSpace")
+        self.person.expect(pages.PORT, "432")
+
+    def test_pasting_keeps_the_digits(self) -> None:
+        for copied, expected in (("43210", "43210"), ("port 4-3-2-1-0!", "43210"), ("4321099", "43210")):
+            with self.subTest(copied):
+                copy_to_clipboard(self.person, copied)
+                self.enter(pages.PORT, "ctrl+v")
+                self.expect_stays(pages.PORT, expected)
+
+
+class ThePairing(FieldsTest):
+    def setUp(self) -> None:
+        super().setUp()
+        go_to_page(self.person, 6, self.watch)
+
+    def test_shows_the_address_and_does_not_take_another(self) -> None:
+        self.person.expect(pages.ADDRESS_SHOWN, self.watch.address)
+        self.assertFalse(self.person.look().control(pages.ADDRESS_SHOWN).enabled)
+
+    def test_code_and_port_take_digits_only(self) -> None:
+        self.enter(pages.PAIRING_CODE, "o", "0", "1", "2", "x", "3", "4", "5", "6")
+        self.person.expect(pages.PAIRING_CODE, "012345")
+        self.enter(pages.PAIRING_PORT, "3", "7", "h", "0")
+        self.person.expect(pages.PAIRING_PORT, "370")
+        self.assertEqual(self.person.rest().buttons, {"Back", "Cancel"})
+        self.person.press("9")
+        self.person.wait_until("Next", lambda sight: "Next" in sight.buttons)
+        self.enter(pages.PAIRING_CODE, "1", "2", "3", "4", "5")
+        self.person.wait_until("Next to go", lambda sight: "Next" not in sight.buttons)
+
+    def test_a_short_paste_arrives_twice(self) -> None:
+        copy_to_clipboard(self.person, "12")
+        self.enter(pages.PAIRING_CODE, "ctrl+v")
+        self.expect_stays(pages.PAIRING_CODE, "1212")
+
+    def test_skipping_empties_both_and_offers_next(self) -> None:
+        self.enter(pages.PAIRING_CODE, "1", "2", "3")
+        self.enter(pages.PAIRING_PORT, "4", "5")
+        for skip in (True, False):
+            self.person.click_control(pages.SKIP_PAIRING)
+            self.person.wait_until("Next to follow", lambda sight: ("Next" in sight.buttons) is skip)
+            for control in (pages.PAIRING_CODE, pages.PAIRING_PORT):
+                self.person.expect(control, "")
+                self.assertIs(self.person.look().control(control).enabled, not skip)
+
+
+if __name__ == "__main__":
+    unittest.main()

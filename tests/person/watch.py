@@ -1,0 +1,68 @@
+"""The watch on the other host of the home: a program that plays its side."""
+
+import os
+import subprocess
+import tempfile
+from pathlib import Path
+
+import places
+from waiting import wait_for
+
+
+class Watch:
+    """An emulated watch with wireless debugging turned on. A context manager: it is switched off at the end."""
+
+    address = "192.168.1.100"
+
+    def __init__(
+        self, *switches: str, port: int = 43210, pairing_port: int = 37099, code: str = "482915", folder: Path | None = None
+    ) -> None:
+        self.port = port
+        self.pairing_port = pairing_port
+        self.code = code
+        self._switches = switches
+        self._folder = folder or Path(tempfile.mkdtemp(prefix="watch-"))
+        self.store = self._folder / "installed.apk"
+        self._log = self._folder / "events.txt"
+
+    def __enter__(self) -> "Watch":
+        command = [*os.environ["KALVO_WATCH_HOST"].split(), str(places.emulated_watch())]
+        command += ["--address", self.address, "--port", str(self.port), "--pairing-port", str(self.pairing_port)]
+        command += ["--code", self.code, "--store", str(self.store), *self._switches]
+        with self._log.open("w") as log:
+            self._process = subprocess.Popen(command, stdout=log, stderr=subprocess.STDOUT)
+        self.wait_for_event("listening ")
+        return self
+
+    def __exit__(self, *_: object) -> None:
+        self.switch_off()
+
+    def switch_off(self) -> None:
+        """Ends wireless debugging and everything that goes on with it."""
+        self._process.terminate()
+        try:
+            self._process.wait(10)
+        except subprocess.TimeoutExpired:
+            self._process.kill()
+            self._process.wait()
+
+    @property
+    def events(self) -> list[str]:
+        """What happened to it, a line each, from the start."""
+        return self._log.read_text().splitlines()
+
+    def wait_for_event(self, start: str, seconds: float = 10.0) -> str:
+        """Until an event that starts so has happened; returns the first."""
+
+        def find() -> str | None:
+            if self._process.poll() is not None:
+                raise AssertionError(f"the watch ended with {self._process.returncode}: {self.events}")
+            return next((event for event in self.events if event.startswith(start)), None)
+
+        found = wait_for(f'the watch to say "{start}"', find, seconds)
+        assert found
+        return found
+
+    def has_received(self, package: Path) -> bool:
+        """Whether what was installed is that package, byte for byte."""
+        return self.store.is_file() and self.store.read_bytes() == package.read_bytes()

@@ -1,0 +1,1012 @@
+// What the built program carries: its texts, pages, icon, version, manifest and the archive of the platform tools, and
+// what it asks of Windows to be started at all. Everything is read from the file itself, never from the sources that
+// it was made of; the tables here were written by hand and use the numbers, not the names that the program uses.
+//
+// The program is the one that the environment variable KALVO_EXE names, else KalvoApkInstaller.exe beside this test.
+#include <windows.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstddef>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <set>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <miniz.h>
+
+namespace {
+
+using Bytes = std::span<const BYTE>;
+
+constexpr WORD kEnglish = MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US);
+
+std::wstring ProgramPath()
+{
+    WCHAR szPath[MAX_PATH] = L"";
+    if (GetEnvironmentVariableW(L"KALVO_EXE", szPath, MAX_PATH) != 0) {
+        return szPath;
+    }
+    GetModuleFileNameW(nullptr, szPath, MAX_PATH);
+    const std::wstring path = szPath;
+    return path.substr(0, path.rfind(L'\\') + 1) + L"KalvoApkInstaller.exe";
+}
+
+// Reads little-endian fields one after the other; what lies behind the end throws.
+class CReader
+{
+public:
+    explicit CReader(Bytes data) : m_data(data) {}
+
+    template<typename Value>
+    Value Take()
+    {
+        if (m_iNext + sizeof(Value) > m_data.size()) {
+            throw std::out_of_range("the data end too early");
+        }
+        Value value;
+        memcpy(&value, m_data.data() + m_iNext, sizeof(value));
+        m_iNext += sizeof(value);
+        return value;
+    }
+
+    std::wstring TakeText()
+    {
+        std::wstring text;
+        while (const auto ch = Take<WCHAR>()) {
+            text += ch;
+        }
+        return text;
+    }
+
+    std::wstring TakeText(size_t nLength)
+    {
+        std::wstring text;
+        for (size_t i = 0; i < nLength; i++) {
+            text += Take<WCHAR>();
+        }
+        return text;
+    }
+
+    void Align(size_t nUnit)
+    {
+        m_iNext = (m_iNext + nUnit - 1) / nUnit * nUnit;
+    }
+
+    bool AtEnd() const
+    {
+        return m_iNext >= m_data.size();
+    }
+
+private:
+    Bytes m_data;
+    size_t m_iNext = 0;
+};
+
+// The program, mapped as a file of data; nothing of it runs.
+class CProgram : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        m_hModule = LoadLibraryExW(m_path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE);
+        ASSERT_NE(nullptr, m_hModule) << "cannot open the program, error " << GetLastError();
+    }
+
+    void TearDown() override
+    {
+        if (m_hModule != nullptr) {
+            FreeLibrary(m_hModule);
+        }
+    }
+
+    // A resource in US English; throws when there is none.
+    Bytes Resource(PCWSTR pszType, WORD nId, WORD nLanguage = kEnglish) const
+    {
+        const HRSRC hResource = FindResourceExW(m_hModule, pszType, MAKEINTRESOURCEW(nId), nLanguage);
+        const HGLOBAL hData = hResource == nullptr ? nullptr : LoadResource(m_hModule, hResource);
+        if (hData == nullptr) {
+            throw std::runtime_error("there is no resource " + std::to_string(nId));
+        }
+        return {static_cast<const BYTE*>(LockResource(hData)), SizeofResource(m_hModule, hResource)};
+    }
+
+    // The numbers of all resources of a type; one with a name instead counts as 0.
+    std::set<int> Ids(PCWSTR pszType) const
+    {
+        std::set<int> ids;
+        const auto add = [](HMODULE, PCWSTR, PWSTR pszName, LONG_PTR lParam) -> BOOL {
+            reinterpret_cast<std::set<int>*>(lParam)->insert(
+                IS_INTRESOURCE(pszName) ? static_cast<int>(reinterpret_cast<ULONG_PTR>(pszName)) : 0);
+            return TRUE;
+        };
+        EnumResourceNamesW(m_hModule, pszType, add, reinterpret_cast<LONG_PTR>(&ids));
+        return ids;
+    }
+
+    const std::wstring m_path = ProgramPath();
+    HMODULE m_hModule = nullptr;
+};
+
+class Resources : public CProgram
+{
+};
+
+TEST_F(Resources, AreOfTheseTypesOnly)
+{
+    std::set<ULONG_PTR> types;
+    const auto add = [](HMODULE, PWSTR pszType, LONG_PTR lParam) -> BOOL {
+        reinterpret_cast<std::set<ULONG_PTR>*>(lParam)->insert(reinterpret_cast<ULONG_PTR>(pszType));
+        return TRUE;
+    };
+    ASSERT_TRUE(EnumResourceTypesW(m_hModule, add, reinterpret_cast<LONG_PTR>(&types)));
+    const auto number = [](PCWSTR pszType) { return reinterpret_cast<ULONG_PTR>(pszType); };
+    EXPECT_EQ((std::set<ULONG_PTR>{number(RT_ICON), number(RT_GROUP_ICON), number(RT_DIALOG), number(RT_STRING),
+                                   number(RT_RCDATA), number(RT_VERSION), number(RT_MANIFEST)}),
+              types);
+}
+
+struct CText
+{
+    int m_nId;
+    PCWSTR m_pszText;
+};
+
+constexpr CText kTexts[] = {
+    // clang-format off
+    {201, L"KALVO Solvane Android Watch Installer"},
+    {202, L"Turn on Wireless debugging"},
+    {203,
+     L"The Solvane application is now installed on the watch.   You may now turn off wireless debugging.   Use "
+     L"the following steps to turn off wireless debugging:\n\n"
+     L"\t1. Open the watch Settings.\n\n"
+     L"\t2. Scroll down and tap Developer options.\n\n"
+     L"\t3. Scroll down and turn off Wireless debugging."},
+    {204, L"Turn on developer options"},
+    {205,
+     L"Developer options needs to be enabled on the watch for the installation.  It only needs to be turned on "
+     L"during the installation and should be turned off after the installation.\n\n"
+     L"Use the following steps to enable developer options: \n\n"
+     L"\t1. Open the watch Settings.\n\n"
+     L"\t2. Scroll down and tap About watch.\n\n"
+     L"\t3. Scroll down and tap Software information.\n\n"
+     L"\t4. Repeatedly tap Software version until popup saying \"Developer mode turned on.\""},
+    {206, L" I have enabled developer options on the Android watch"},
+    {207, L"Finished Solvane application installation"},
+    {208, L"You may now close this application by pressing the Finish button."},
+    {209, L" I want to install Solvane on another watch"},
+    {210, L"Install Solvane client (APK file)"},
+    {211,
+     L"You are now ready to install a Solvane application APK file on the watch.  You may press the Next button "
+     L"to install the APK file listed below or press the browse button to choose a different APK file.\n\n\n"
+     L"Note: it can take up to 45 seconds for the installation process to complete.\n\n\n"
+     L"Tip: if installation fails with status \"adb install - device offline\", then try pressing the Next "
+     L"button again. It might take several trys for installation to complete."},
+    {212, L"Status: connecting to watch at IP address %s using port %d"},
+    {213, L"Status: successfully connected to watch, please press Next button"},
+    {214, L"Status: unable to connect to watch at IP address %s using port %d"},
+    {215, L"Pair watch to workstation"},
+    {216,
+     L"To use wireless debugging, you must pair your watch to your workstation using a pairing code. During the "
+     L"process you will need to take note of the watch six digit pairing code and five digit pairing port "
+     L"(located under the pairing code).\n\n"
+     L"Use the following steps to pair your watch to your workstation:\n\n"
+     L"\t1. Open the watch Settings.\n\n"
+     L"\t2. Scroll down and tap Developer options.\n\n"
+     L"\t3. Scroll down and tap Wireless debugging.\n\n"
+     L"\t4. Scroll down and tap Pair new device.\n\n"
+     L"\t5. A six digit Wi-Fi pairing code is displayed along with the IP address and port.\n\n"
+     L"\t7. Note: the port will be different from port entered in previous step."},
+    {217, L"Welcome to the Solvane Android watch installer"},
+    {218,
+     L"This application will install the Solvane Android watch client on to a Samsung Galaxy Watch.\n\n"
+     L"For proper installation, the Samsung Galaxy Watch be model 5 or newer and have the most recent Android "
+     L"updates installed.\n\n"
+     L"The following steps will be done on the watch during the installation process:\n\n"
+     L"\t1. Connect a to Wi-Fi network.\n\n"
+     L"\t2. Turn on developer options.\n\n"
+     L"\t3. Turn on \"Stay awake while charging\" developer option.\n\n"
+     L"\t4. Turn on Wireless debugging developer option.\n\n"
+     L"\t5. Pair watch to workstation.\n\n"
+     L"\t6. Install Solvane client (APK file).\n\n"
+     L"Click Next to continue, or About to display information about the application, or Cancel to exit the "
+     L"application.\n\n"
+     L"Tip: while going through these forms, you can use the Enter Key (instead of the mouse) to press the Next "
+     L"button and use the Space Bar to check / uncheck checkboxes."},
+    {219, L"Connect to Wi-Fi network"},
+    {220,
+     L"The watch and your computer must be connected to the same network.  Not all Wi-Fi access points may be "
+     L"suitable for the installation.  For example you may need to use an access point whose firewall does have "
+     L"\"client isolation\" enabled.\n\n"
+     L"Use the following steps to connect the watch to a Wi-Fi network:\n\n"
+     L"\t1. Open the watch Settings.\n\n"
+     L"\t2. Tap Connections\n\n"
+     L"\t3. Tap Wi-Fi\n\n"
+     L"\t4. Scroll down, choose a Wi-Fi network, and enter Wi-Fi password if necessary.\n\n"},
+    {221, L" I have connected the Android watch to a Wi-Fi network"},
+    {222, L"Turn on Wireless debugging"},
+    {223,
+     L"Wireless debugging needs to be enabled on the watch for the installation.  It only needs to be enabled "
+     L"during the installation and should be turned off after the installation.  During the process you will "
+     L"need to take note of the watch IP address (e.g. 192.168.1.100) and port (e.g. 43210).\n\n"
+     L"Use the following steps to enable Wireless debugging:\n\n"
+     L"\t1. Open the watch Settings.\n\n"
+     L"\t2. Scroll down and tap Developer options.\n\n"
+     L"\t3. Scroll down and tap Wireless debugging (do not confuse with \"ADB debugging\").\n\n"
+     L"\t4. Turn on Wireless debugging.\n\n"
+     L"\t5. Scroll down and check \"Always allow on this network.\" and tap \"Allow\" button\n\n"
+     L"\t6. The previous screen is now displayed, scroll down to show the watch IP address and port.\n\n"
+     L"Important - if the watch's IP subnet does not match the IP subnet shown below, then your watch might not "
+     L"be on the same network as your computer."},
+    {224, L"Turn off developer options"},
+    {225,
+     L"The Solvane application is now installed on the watch.  You may now turn off developer options on the "
+     L"watch.\n\n"
+     L"Use the following steps to turn off developer options: \n\n"
+     L"\t1. Open the watch Settings.\n\n"
+     L"\t2. Scroll down and tap About watch.\n\n"
+     L"\t3. Scroll down and tap Software info\n\n"
+     L"\t4. Repeatedly tap Software version.\n\n"
+     L"\t5. The watch model under Software version will disappear indicating developer options is turned off."},
+    {226, L" I have turned off developer options on the Android watch or want to leave it turned on"},
+    {227, L"Disconnect from Wi-Fi network"},
+    {228,
+     L"You may now turn off Wi-Fi on the watch if it is no longer required.\n\n"
+     L"Use the following steps to turn off Wi-Fi on the watch:\n\n"
+     L"\t1. Open the watch Settings.\n\n"
+     L"\t2. Tap Connections.\n\n"
+     L"\t3. Tap Wi-Fi.\n\n"
+     L"\t4. Tap on the connected Wi-Fi access point.\n\n"
+     L"\t5. Scroll down and tap Forget button.\n\n"
+     L"\t6. Change the Wi-Fi slider to Off."},
+    {229, L" I have turned off Wi-Fi on the Android watch or want to leave it on"},
+    {230, L"Turn on stay awake when charging"},
+    {231,
+     L"It is very important to enable the \"Stay awake when charging\" developer option.  Failure to do so will "
+     L"result in making it difficult to install the application.    It only needs to be enabled during the "
+     L"installation and should be turned off after the installation.\n\n"
+     L"Use the following steps to enable Stay awake while charging:\n\n"
+     L"\t1. Plug in the watch charger and keep the watch placed on the charger\n\n"
+     L"\t2. Open the watch Settings.\n\n"
+     L"\t3. Scroll down and tap \"Developer options.\"\n\n"
+     L"\t4. Turn on \"Stay awake while charging.\""},
+    {232, L" IMPORTANT - I have turned on the \"Stay awake when charging\" developer option"},
+    {233, L"Revoke ebugging authorizations"},
+    {234,
+     L"The Solvane application is now installed on the watch.  You may now revoke debugging authorizations (e.g. "
+     L"pairings) created during the installation process.\n\n"
+     L"Use the following steps to revoke debugging authorizations:\n\n"
+     L"\t1. Open the watch Settings.\n\n"
+     L"\t2. Scroll down and tap Developer options\n\n"
+     L"\t3. Scroll down and tap \"Revoke debugging authorizations.\"\n\n"
+     L"\t4. Press the blue button to confirm you are sure."},
+    {235, L" I have revoked debugging authorizations or want to leave them on the watch."},
+    {236, L"Turn off stay awake when charging"},
+    {237,
+     L"The Solvane application is now installed on the watch.  You may now turn off the \"Stay awake when "
+     L"charging\" developer option.\n\n"
+     L"Use the following steps to turn off \"Stay awake when charging\":\n\n"
+     L"\t1. Open the watch Settings.\n\n"
+     L"\t2. Scroll down and tap Developer options.\n\n"
+     L"\t3. Turn off \"Stay awake when charging.\""},
+    {238, L" I have turned off the \"Stay awake when charging\" option or want to leave it turned on"},
+    {239, L" I have turned off Wireless debugging or want to leave it turned on"},
+    {240, L"Solvane client installed"},
+    {241,
+     L"The Solvane client application is now installed on the watch.\n\n"
+     L"Click the Next button for instructions how to undo changes made in previous steps."},
+    // clang-format on
+};
+
+class Texts : public CProgram
+{
+protected:
+    // A block of the string table holds sixteen texts, absent ones with length 0.
+    static constexpr int kBlockSize = 16;
+
+    std::map<int, std::wstring> TextsInBlock(int nBlock) const
+    {
+        std::map<int, std::wstring> texts;
+        CReader reader(Resource(RT_STRING, static_cast<WORD>(nBlock)));
+        for (int i = 0; i < kBlockSize; i++) {
+            if (const auto nLength = reader.Take<WORD>()) {
+                texts[((nBlock - 1) * kBlockSize) + i] = reader.TakeText(nLength);
+            }
+        }
+        return texts;
+    }
+
+    std::map<int, std::wstring> AllTexts() const
+    {
+        std::map<int, std::wstring> texts;
+        for (const int nBlock : Ids(RT_STRING)) {
+            texts.merge(TextsInBlock(nBlock));
+        }
+        return texts;
+    }
+};
+
+TEST_F(Texts, AreExactlyThese)
+{
+    const std::map<int, std::wstring> texts = AllTexts();
+    for (const CText& expected : kTexts) {
+        const auto it = texts.find(expected.m_nId);
+        ASSERT_NE(texts.end(), it) << expected.m_nId;
+        EXPECT_EQ(expected.m_pszText, it->second) << expected.m_nId;
+    }
+}
+
+TEST_F(Texts, AreNumberedFrom201To241AndNoOtherIsThere)
+{
+    std::vector<int> expected;
+    for (int i = 201; i <= 241; i++) {
+        expected.push_back(i);
+    }
+    std::vector<int> found;
+    for (const auto& [nId, text] : AllTexts()) {
+        found.push_back(nId);
+    }
+    EXPECT_EQ(expected, found);
+    EXPECT_EQ(expected.size(), std::size(kTexts)) << "this test's own table";
+}
+
+constexpr DWORD kVisible = WS_CHILD | WS_VISIBLE;
+constexpr DWORD kStatic = kVisible | WS_GROUP | SS_LEFT;
+constexpr DWORD kButton = kVisible | WS_TABSTOP | BS_PUSHBUTTON;
+constexpr DWORD kCheckBox = kVisible | WS_TABSTOP | BS_AUTOCHECKBOX;
+constexpr DWORD kHiddenCheckBox = WS_CHILD | WS_TABSTOP | BS_AUTOCHECKBOX;
+constexpr DWORD kNumber = kVisible | WS_TABSTOP | WS_BORDER | ES_LEFT | ES_NUMBER;
+constexpr DWORD kPath = kVisible | WS_TABSTOP | WS_BORDER | ES_LEFT | ES_AUTOHSCROLL;
+constexpr DWORD kAddress = kVisible | WS_TABSTOP;
+
+constexpr DWORD kNoId = static_cast<DWORD>(-1);
+
+struct CControl
+{
+    std::wstring m_class; // in upper case
+    DWORD m_nId;
+    short m_x, m_y, m_cx, m_cy;
+    DWORD m_nStyle;
+    std::wstring m_text;
+    DWORD m_nExtendedStyle = 0;
+    DWORD m_nHelpId = 0;
+    WORD m_nExtraBytes = 0;
+
+    bool operator==(const CControl&) const = default;
+};
+
+void PrintTo(const CControl& control, std::ostream* pStream)
+{
+    *pStream << testing::PrintToString(control.m_class) << " " << static_cast<int>(control.m_nId) << " (" << control.m_x
+             << ", " << control.m_y << ", " << control.m_cx << ", " << control.m_cy << ") style 0x" << std::hex
+             << control.m_nStyle << "/0x" << control.m_nExtendedStyle << std::dec << " "
+             << testing::PrintToString(control.m_text);
+}
+
+struct CDialog
+{
+    DWORD m_nHelpId = 0;
+    DWORD m_nStyle = 0;
+    DWORD m_nExtendedStyle = 0;
+    short m_x = 0, m_y = 0, m_cx = 0, m_cy = 0;
+    std::wstring m_menu, m_class, m_title;
+    WORD m_nPoints = 0;
+    WORD m_nWeight = 0;
+    BYTE m_bItalic = 0;
+    BYTE m_nCharset = 0;
+    std::wstring m_font;
+    std::vector<CControl> m_controls;
+};
+
+std::wstring UpperCase(std::wstring text)
+{
+    CharUpperBuffW(text.data(), static_cast<DWORD>(text.size()));
+    return text;
+}
+
+// A name, or 0xFFFF and a number that stands for one.
+std::wstring TakeNameOrNumber(CReader& reader)
+{
+    const auto ch = reader.Take<WCHAR>();
+    if (ch == 0xFFFF) {
+        return L"#" + std::to_wstring(reader.Take<WORD>());
+    }
+    return ch == L'\0' ? L"" : ch + reader.TakeText();
+}
+
+std::wstring TakeClass(CReader& reader)
+{
+    static const std::map<std::wstring, std::wstring> names = {
+        {L"#128", L"BUTTON"}, {L"#129", L"EDIT"}, {L"#130", L"STATIC"}};
+    const std::wstring name = TakeNameOrNumber(reader);
+    const auto it = names.find(name);
+    return it == names.end() ? UpperCase(name) : it->second;
+}
+
+CControl TakeControl(CReader& reader)
+{
+    reader.Align(sizeof(DWORD));
+    CControl control{};
+    control.m_nHelpId = reader.Take<DWORD>();
+    control.m_nExtendedStyle = reader.Take<DWORD>();
+    control.m_nStyle = reader.Take<DWORD>();
+    control.m_x = reader.Take<short>();
+    control.m_y = reader.Take<short>();
+    control.m_cx = reader.Take<short>();
+    control.m_cy = reader.Take<short>();
+    control.m_nId = reader.Take<DWORD>();
+    control.m_class = TakeClass(reader);
+    control.m_text = TakeNameOrNumber(reader);
+    control.m_nExtraBytes = reader.Take<WORD>();
+    return control;
+}
+
+// Reads the newer of the two formats of a dialog template (DIALOGEX); throws for the older.
+CDialog ReadDialog(Bytes data)
+{
+    CReader reader(data);
+    if (reader.Take<WORD>() != 1 || reader.Take<WORD>() != 0xFFFF) {
+        throw std::runtime_error("not a DLGTEMPLATEEX");
+    }
+    CDialog dialog;
+    dialog.m_nHelpId = reader.Take<DWORD>();
+    dialog.m_nExtendedStyle = reader.Take<DWORD>();
+    dialog.m_nStyle = reader.Take<DWORD>();
+    const auto nControls = reader.Take<WORD>();
+    dialog.m_x = reader.Take<short>();
+    dialog.m_y = reader.Take<short>();
+    dialog.m_cx = reader.Take<short>();
+    dialog.m_cy = reader.Take<short>();
+    dialog.m_menu = TakeNameOrNumber(reader);
+    dialog.m_class = TakeNameOrNumber(reader);
+    dialog.m_title = reader.TakeText();
+    if (dialog.m_nStyle & DS_SETFONT) {
+        dialog.m_nPoints = reader.Take<WORD>();
+        dialog.m_nWeight = reader.Take<WORD>();
+        dialog.m_bItalic = reader.Take<BYTE>();
+        dialog.m_nCharset = reader.Take<BYTE>();
+        dialog.m_font = reader.TakeText();
+    }
+    for (int i = 0; i < nControls; i++) {
+        dialog.m_controls.push_back(TakeControl(reader));
+    }
+    reader.Align(sizeof(DWORD));
+    if (!reader.AtEnd()) {
+        throw std::runtime_error("more data than controls");
+    }
+    return dialog;
+}
+
+CControl Label(short x, short y, short cx, PCWSTR pszText, DWORD nId = kNoId)
+{
+    return {L"STATIC", nId, x, y, cx, 8, kStatic, pszText};
+}
+
+CControl Body(DWORD nId, short cy)
+{
+    return {L"STATIC", nId, 7, 7, 353, cy, kStatic, L"Static"};
+}
+
+// A page with a text and a box to tick.
+std::vector<CControl> InstructionPage(DWORD nBody, DWORD nCheck, DWORD nCheckStyle = kCheckBox)
+{
+    return {Body(nBody, 173), {L"BUTTON", nCheck, 7, 206, 295, 10, nCheckStyle, L"Check1"}};
+}
+
+const std::map<int, std::vector<CControl>>& ExpectedPages()
+{
+    static const std::map<int, std::vector<CControl>> pages = {
+        {202, InstructionPage(1010, 1012)},
+        {203, InstructionPage(1014, 1015)},
+        {204,
+         {Body(1016, 173),
+          Label(8, 189, 75, L"Watch IP Address"),
+          Label(111, 189, 34, L"Port"),
+          {L"SYSIPADDRESS32", 1018, 7, 201, 100, 15, kAddress, L""},
+          {L"EDIT", 1030, 110, 201, 33, 15, kNumber | ES_AUTOHSCROLL, L""},
+          Label(181, 190, 23, L"Status:"),
+          Label(181, 202, 179, L"Enter watch IP address and port, then press next.", 1031)}},
+        {206,
+         {Body(1019, 173),
+          Label(7, 177, 84, L"APK file to install on watch"),
+          {L"EDIT", 1038, 7, 187, 297, 14, kPath, L""},
+          {L"BUTTON", 1022, 310, 186, 50, 14, kButton, L"Browse ..."},
+          Label(7, 208, 23, L"Status:"),
+          Label(34, 208, 326, L"Enter path to APK and then press Next button.", 1021)}},
+        {214, {Body(1028, 193), {L"BUTTON", 1039, 310, 202, 50, 14, kButton, L"About ..."}}},
+        {215,
+         {Body(1034, 173),
+          Label(7, 189, 43, L"Pairing Code"),
+          Label(60, 190, 75, L"Watch IP Address"),
+          Label(162, 189, 31, L"Port"),
+          {L"EDIT", 1032, 7, 201, 44, 15, kNumber, L""},
+          {L"SYSIPADDRESS32", 1035, 59, 201, 100, 15, kAddress | WS_DISABLED, L""},
+          {L"EDIT", 1036, 161, 201, 33, 15, kNumber, L""},
+          {L"BUTTON", 1037, 7, 173, 264, 10, kCheckBox,
+           L"Skip this step, the watch is already paired to this workstation."},
+          Label(204, 190, 23, L"Status:"),
+          Label(204, 202, 156, L"Enter port number and pairing code", 1033)}},
+        {216, InstructionPage(1040, 1041, kHiddenCheckBox)},
+        {217, InstructionPage(1042, 1043)},
+        {218, InstructionPage(1044, 1045)},
+        {219, InstructionPage(1046, 1047)},
+        {220, InstructionPage(1048, 1049)},
+        {221, InstructionPage(1050, 1051)},
+        {222, InstructionPage(1052, 1053)},
+        {224, {Body(1054, 193)}},
+    };
+    return pages;
+}
+
+class Pages : public CProgram
+{
+};
+
+TEST_F(Pages, AreFourteenAndNoLayoutSketchIsAmongThem)
+{
+    std::set<int> expected;
+    for (const auto& [nId, controls] : ExpectedPages()) {
+        expected.insert(nId);
+    }
+    EXPECT_EQ(14U, expected.size()) << "this test's own table";
+    EXPECT_EQ(expected, Ids(RT_DIALOG));
+    EXPECT_FALSE(Ids(RT_DIALOG).contains(201));
+    EXPECT_FALSE(Ids(RT_DIALOG).contains(213));
+}
+
+TEST_F(Pages, HaveOneSizeStyleAndFont)
+{
+    for (const auto& [nId, controls] : ExpectedPages()) {
+        SCOPED_TRACE(nId);
+        const CDialog dialog = ReadDialog(Resource(RT_DIALOG, static_cast<WORD>(nId)));
+        EXPECT_EQ(static_cast<DWORD>(WS_CHILD | WS_CAPTION | DS_SETFONT | DS_FIXEDSYS), dialog.m_nStyle);
+        EXPECT_EQ(0U, dialog.m_nExtendedStyle);
+        EXPECT_EQ(0U, dialog.m_nHelpId);
+        EXPECT_EQ(0, dialog.m_x);
+        EXPECT_EQ(0, dialog.m_y);
+        EXPECT_EQ(367, dialog.m_cx);
+        EXPECT_EQ(223, dialog.m_cy);
+        EXPECT_EQ(L"", dialog.m_menu);
+        EXPECT_EQ(L"", dialog.m_class);
+        EXPECT_EQ(L"", dialog.m_title);
+        EXPECT_EQ(9, dialog.m_nPoints);
+        EXPECT_EQ(FW_NORMAL, dialog.m_nWeight);
+        EXPECT_EQ(0, dialog.m_bItalic);
+        EXPECT_EQ(DEFAULT_CHARSET, dialog.m_nCharset);
+        EXPECT_EQ(L"MS Shell Dlg", dialog.m_font);
+    }
+}
+
+TEST_F(Pages, HaveTheseControlsInThisOrder)
+{
+    for (const auto& [nId, controls] : ExpectedPages()) {
+        SCOPED_TRACE(nId);
+        EXPECT_EQ(controls, ReadDialog(Resource(RT_DIALOG, static_cast<WORD>(nId))).m_controls);
+    }
+}
+
+TEST_F(Pages, KeepTheirControlsInside)
+{
+    for (const auto& [nId, controls] : ExpectedPages()) {
+        const CDialog dialog = ReadDialog(Resource(RT_DIALOG, static_cast<WORD>(nId)));
+        for (const CControl& control : dialog.m_controls) {
+            EXPECT_LE(control.m_x + control.m_cx, dialog.m_cx) << nId << " " << testing::PrintToString(control);
+            EXPECT_LE(control.m_y + control.m_cy, dialog.m_cy) << nId << " " << testing::PrintToString(control);
+        }
+    }
+}
+
+struct CIconImage
+{
+    int m_nSize;
+    WORD m_nBitsPerPixel;
+    DWORD m_cb;
+    WORD m_nId;
+};
+
+class Icon : public CProgram
+{
+protected:
+    std::vector<CIconImage> Images() const
+    {
+        CReader reader(Resource(RT_GROUP_ICON, 206));
+        EXPECT_EQ(0, reader.Take<WORD>());
+        EXPECT_EQ(1, reader.Take<WORD>()) << "an icon, not a cursor";
+        const auto nImages = reader.Take<WORD>();
+        std::vector<CIconImage> images;
+        for (int i = 0; i < nImages; i++) {
+            const auto nWidth = reader.Take<BYTE>();
+            const auto nHeight = reader.Take<BYTE>();
+            EXPECT_EQ(nWidth, nHeight);
+            reader.Take<WORD>(); // colours and a reserved byte
+            reader.Take<WORD>(); // planes
+            CIconImage image{};
+            image.m_nSize = nWidth == 0 ? 256 : nWidth;
+            image.m_nBitsPerPixel = reader.Take<WORD>();
+            image.m_cb = reader.Take<DWORD>();
+            image.m_nId = reader.Take<WORD>();
+            images.push_back(image);
+        }
+        return images;
+    }
+};
+
+TEST_F(Icon, IsTheOnlyOneAndHasAllUsualSizes)
+{
+    EXPECT_EQ(std::set<int>{206}, Ids(RT_GROUP_ICON));
+    std::vector<int> sizes;
+    for (const CIconImage& image : Images()) {
+        sizes.push_back(image.m_nSize);
+        EXPECT_EQ(32, image.m_nBitsPerPixel) << image.m_nSize;
+    }
+    EXPECT_EQ((std::vector<int>{16, 20, 24, 32, 40, 48, 64, 96, 128, 256}), sizes);
+}
+
+TEST_F(Icon, HasAnImageThatWindowsCanShowInEverySize)
+{
+    for (const CIconImage& image : Images()) {
+        SCOPED_TRACE(image.m_nSize);
+        const Bytes data = Resource(RT_ICON, image.m_nId);
+        EXPECT_EQ(image.m_cb, data.size());
+        const HICON hIcon = CreateIconFromResourceEx(const_cast<BYTE*>(data.data()), static_cast<DWORD>(data.size()),
+                                                     TRUE, 0x00030000, 0, 0, 0);
+        ASSERT_NE(nullptr, hIcon);
+        ICONINFO info{};
+        ASSERT_TRUE(GetIconInfo(hIcon, &info));
+        BITMAP bitmap{};
+        EXPECT_NE(0, GetObjectW(info.hbmColor, sizeof(bitmap), &bitmap));
+        EXPECT_EQ(image.m_nSize, bitmap.bmWidth);
+        EXPECT_EQ(image.m_nSize, bitmap.bmHeight);
+        DeleteObject(info.hbmColor);
+        DeleteObject(info.hbmMask);
+        DestroyIcon(hIcon);
+    }
+}
+
+class Version : public CProgram
+{
+protected:
+    void SetUp() override
+    {
+        CProgram::SetUp();
+        if (HasFatalFailure()) {
+            return;
+        }
+        DWORD nHandle = 0;
+        m_data.resize(GetFileVersionInfoSizeExW(0, m_path.c_str(), &nHandle));
+        ASSERT_FALSE(m_data.empty());
+        ASSERT_TRUE(
+            GetFileVersionInfoExW(0, m_path.c_str(), nHandle, static_cast<DWORD>(m_data.size()), m_data.data()));
+    }
+
+    std::wstring Text(PCWSTR pszName)
+    {
+        const std::wstring path = std::wstring(L"\\StringFileInfo\\040904b0\\") + pszName;
+        void* pText = nullptr;
+        UINT nLength = 0;
+        return VerQueryValueW(m_data.data(), path.c_str(), &pText, &nLength) ? static_cast<PCWSTR>(pText) : L"(absent)";
+    }
+
+    std::vector<BYTE> m_data;
+};
+
+TEST_F(Version, Is1400)
+{
+    void* pBlock = nullptr;
+    UINT cb = 0;
+    ASSERT_TRUE(VerQueryValueW(m_data.data(), L"\\", &pBlock, &cb));
+    ASSERT_EQ(sizeof(VS_FIXEDFILEINFO), cb);
+    const auto* pInfo = static_cast<const VS_FIXEDFILEINFO*>(pBlock);
+    EXPECT_EQ(0xFEEF04BD, pInfo->dwSignature);
+    EXPECT_EQ(DWORD{MAKELONG(4, 1)}, pInfo->dwFileVersionMS);
+    EXPECT_EQ(0U, pInfo->dwFileVersionLS);
+    EXPECT_EQ(DWORD{MAKELONG(4, 1)}, pInfo->dwProductVersionMS);
+    EXPECT_EQ(0U, pInfo->dwProductVersionLS);
+    EXPECT_EQ(0U, pInfo->dwFileFlags & pInfo->dwFileFlagsMask);
+    EXPECT_EQ(static_cast<DWORD>(VOS_NT_WINDOWS32), pInfo->dwFileOS);
+    EXPECT_EQ(static_cast<DWORD>(VFT_APP), pInfo->dwFileType);
+}
+
+TEST_F(Version, NamesTheMakerTheProductAndTheFile)
+{
+    EXPECT_EQ(L"KALVO", Text(L"CompanyName"));
+    EXPECT_EQ(L"KALVO Solvane Android Watch Installer", Text(L"FileDescription"));
+    EXPECT_EQ(L"KALVO Solvane Android Watch Installer", Text(L"ProductName"));
+    EXPECT_EQ(L"KalvoApkInstaller.exe", Text(L"OriginalFilename"));
+    EXPECT_EQ(L"1.4.0.0", Text(L"FileVersion"));
+    EXPECT_EQ(L"1.4.0.0", Text(L"ProductVersion"));
+}
+
+// The program's manifest as Windows understands it: an activation context made from it.
+class Manifest : public CProgram
+{
+protected:
+    void SetUp() override
+    {
+        CProgram::SetUp();
+        if (HasFatalFailure()) {
+            return;
+        }
+        ACTCTXW description{};
+        description.cbSize = sizeof(description);
+        description.dwFlags = ACTCTX_FLAG_RESOURCE_NAME_VALID;
+        description.lpSource = m_path.c_str();
+        description.lpResourceName = MAKEINTRESOURCEW(1);
+        m_hContext = CreateActCtxW(&description);
+        ASSERT_NE(INVALID_HANDLE_VALUE, m_hContext) << "the manifest is not well-formed, error " << GetLastError();
+    }
+
+    void TearDown() override
+    {
+        if (m_hContext != INVALID_HANDLE_VALUE) {
+            ReleaseActCtx(m_hContext);
+        }
+        CProgram::TearDown();
+    }
+
+    std::vector<BYTE> Query(ULONG nClass) const
+    {
+        SIZE_T cb = 0;
+        QueryActCtxW(0, m_hContext, nullptr, nClass, nullptr, 0, &cb);
+        std::vector<BYTE> data(cb);
+        EXPECT_TRUE(QueryActCtxW(0, m_hContext, nullptr, nClass, data.data(), data.size(), &cb)) << GetLastError();
+        return data;
+    }
+
+    std::string Text() const
+    {
+        const Bytes data = Resource(RT_MANIFEST, 1);
+        return {data.begin(), data.end()};
+    }
+
+    HANDLE m_hContext = INVALID_HANDLE_VALUE;
+};
+
+TEST_F(Manifest, IsTheOnlyOne)
+{
+    EXPECT_EQ(std::set<int>{1}, Ids(RT_MANIFEST));
+}
+
+TEST_F(Manifest, ChoosesVersion6OfTheCommonControls)
+{
+    ULONG_PTR nCookie = 0;
+    ASSERT_TRUE(ActivateActCtx(m_hContext, &nCookie));
+    ACTCTX_SECTION_KEYED_DATA data{};
+    data.cbSize = sizeof(data);
+    const BOOL bFound = FindActCtxSectionStringW(0, nullptr, ACTIVATION_CONTEXT_SECTION_WINDOW_CLASS_REDIRECTION,
+                                                 L"SysIPAddress32", &data);
+    DeactivateActCtx(0, nCookie);
+    EXPECT_TRUE(bFound);
+    EXPECT_NE(std::string::npos, Text().find("name=\"Microsoft.Windows.Common-Controls\" version=\"6.0.0.0\""));
+}
+
+TEST_F(Manifest, SaysThatWindows10IsSupportedAndNoOther)
+{
+    // COMPATIBILITY_CONTEXT_ELEMENT as Windows has it since build 18362; not all headers have followed.
+    struct CElement
+    {
+        GUID m_id;
+        DWORD m_nType;
+        ULONGLONG m_nMaxVersionTested;
+    };
+
+    const std::vector<BYTE> data = Query(CompatibilityInformationInActivationContext);
+    CReader reader(data);
+    std::vector<GUID> systems;
+    const auto nElements = reader.Take<DWORD>();
+    reader.Align(alignof(CElement));
+    for (DWORD i = 0; i < nElements; i++) {
+        const auto element = reader.Take<CElement>();
+        if (element.m_nType == ACTCTX_COMPATIBILITY_ELEMENT_TYPE_OS) {
+            systems.push_back(element.m_id);
+        }
+    }
+    const GUID windows10 = {0x8e0f7a12, 0xbfb3, 0x4fe8, {0xb9, 0xa5, 0x48, 0xfd, 0x50, 0xa1, 0x5a, 0x9a}};
+    ASSERT_EQ(1U, systems.size());
+    EXPECT_TRUE(IsEqualGUID(windows10, systems[0]));
+}
+
+TEST_F(Manifest, AsksForNoMoreRightsThanTheUserHas)
+{
+    const std::vector<BYTE> data = Query(RunlevelInformationInActivationContext);
+    CReader reader(data);
+    const auto info = reader.Take<ACTIVATION_CONTEXT_RUN_LEVEL_INFORMATION>();
+    EXPECT_EQ(ACTCTX_RUN_LEVEL_AS_INVOKER, info.RunLevel);
+    EXPECT_EQ(0U, info.UiAccess);
+}
+
+TEST_F(Manifest, KnowsOfTheDisplaysResolution)
+{
+    EXPECT_NE(std::string::npos, Text().find(">true</dpiAware>"));
+}
+
+TEST_F(Manifest, KeepsTheSystemsOwnAnsiCodePage)
+{
+    EXPECT_EQ(std::string::npos, Text().find("<activeCodePage"));
+}
+
+class Archive : public CProgram
+{
+protected:
+    void SetUp() override
+    {
+        CProgram::SetUp();
+        if (HasFatalFailure()) {
+            return;
+        }
+        m_data = Resource(RT_RCDATA, 223);
+        mz_zip_zero_struct(&m_zip);
+        ASSERT_TRUE(mz_zip_reader_init_mem(&m_zip, m_data.data(), m_data.size(), 0));
+    }
+
+    void TearDown() override
+    {
+        mz_zip_reader_end(&m_zip);
+        CProgram::TearDown();
+    }
+
+    std::vector<mz_zip_archive_file_stat> Members()
+    {
+        std::vector<mz_zip_archive_file_stat> members;
+        for (mz_uint i = 0; i < mz_zip_reader_get_num_files(&m_zip); i++) {
+            mz_zip_archive_file_stat member;
+            EXPECT_TRUE(mz_zip_reader_file_stat(&m_zip, i, &member));
+            members.push_back(member);
+        }
+        return members;
+    }
+
+    Bytes m_data;
+    mz_zip_archive m_zip{};
+};
+
+TEST_F(Archive, IsTheOnlyRawData)
+{
+    EXPECT_EQ(std::set<int>{223}, Ids(RT_RCDATA));
+}
+
+TEST_F(Archive, HoldsTheThreeToolsInTheirFolderAllDeflated)
+{
+    std::vector<std::string> names;
+    for (const mz_zip_archive_file_stat& member : Members()) {
+        names.emplace_back(member.m_filename);
+        EXPECT_EQ(8, member.m_method) << member.m_filename;
+        EXPECT_FALSE(member.m_is_encrypted) << member.m_filename;
+        EXPECT_LT(member.m_comp_size, member.m_uncomp_size) << member.m_filename;
+    }
+    EXPECT_EQ((std::vector<std::string>{"platform-tools/adb.exe", "platform-tools/AdbWinApi.dll",
+                                        "platform-tools/AdbWinUsbApi.dll"}),
+              names);
+}
+
+TEST_F(Archive, IsPlain)
+{
+    mz_uint64 cb = 22; // the end of the directory
+    for (const mz_zip_archive_file_stat& member : Members()) {
+        const size_t nNameLength = strlen(member.m_filename);
+        cb += 30 + nNameLength + member.m_comp_size + 46 + nNameLength;
+        EXPECT_EQ(0, member.m_bit_flag) << member.m_filename;
+    }
+    EXPECT_EQ(cb, m_data.size()) << "extra fields, comments or something between the members";
+}
+
+TEST_F(Archive, UnpacksToProgramFilesWithTheRightChecksums)
+{
+    for (const mz_zip_archive_file_stat& member : Members()) {
+        SCOPED_TRACE(member.m_filename);
+        std::vector<BYTE> file(static_cast<size_t>(member.m_uncomp_size));
+        ASSERT_TRUE(mz_zip_reader_extract_to_mem(&m_zip, member.m_file_index, file.data(), file.size(), 0));
+        CReader reader(file);
+        EXPECT_EQ(IMAGE_DOS_SIGNATURE, reader.Take<WORD>());
+    }
+}
+
+// The program as it lies on disk.
+class ProgramFile : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        std::ifstream file(std::filesystem::path(ProgramPath()), std::ios::binary);
+        const std::istreambuf_iterator<char> begin(file);
+        m_data.assign(begin, std::istreambuf_iterator<char>());
+        const auto dos = At<IMAGE_DOS_HEADER>(0);
+        ASSERT_EQ(IMAGE_DOS_SIGNATURE, dos.e_magic);
+        m_headers = At<IMAGE_NT_HEADERS64>(static_cast<size_t>(dos.e_lfanew));
+        ASSERT_EQ(static_cast<DWORD>(IMAGE_NT_SIGNATURE), m_headers.Signature);
+        const size_t iSections = static_cast<size_t>(dos.e_lfanew) + offsetof(IMAGE_NT_HEADERS64, OptionalHeader) +
+                                 m_headers.FileHeader.SizeOfOptionalHeader;
+        for (size_t i = 0; i < m_headers.FileHeader.NumberOfSections; i++) {
+            m_sections.push_back(At<IMAGE_SECTION_HEADER>(iSections + (i * sizeof(IMAGE_SECTION_HEADER))));
+        }
+    }
+
+    template<typename Value>
+    Value At(size_t iOffset) const
+    {
+        return CReader(Bytes(m_data).subspan(std::min(iOffset, m_data.size()))).Take<Value>();
+    }
+
+    // Where in the file an address of the mapped program lies.
+    size_t Offset(DWORD nAddress) const
+    {
+        for (const IMAGE_SECTION_HEADER& section : m_sections) {
+            if (nAddress >= section.VirtualAddress && nAddress - section.VirtualAddress < section.SizeOfRawData) {
+                return nAddress - section.VirtualAddress + section.PointerToRawData;
+            }
+        }
+        throw std::out_of_range("an address outside the sections");
+    }
+
+    std::string Text(DWORD nAddress) const
+    {
+        std::string text;
+        size_t i = Offset(nAddress);
+        while (const auto ch = At<char>(i++)) {
+            text += static_cast<char>(std::tolower(static_cast<unsigned char>(ch)));
+        }
+        return text;
+    }
+
+    // The libraries, in lower case, that must be there for the program to start.
+    std::set<std::string> ImportedLibraries() const
+    {
+        std::set<std::string> libraries;
+        const DWORD nAddress = m_headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
+        for (size_t i = Offset(nAddress);; i += sizeof(IMAGE_IMPORT_DESCRIPTOR)) {
+            const auto import = At<IMAGE_IMPORT_DESCRIPTOR>(i);
+            if (import.Name == 0) {
+                return libraries;
+            }
+            libraries.insert(Text(import.Name));
+        }
+    }
+
+    std::vector<BYTE> m_data;
+    IMAGE_NT_HEADERS64 m_headers{};
+    std::vector<IMAGE_SECTION_HEADER> m_sections;
+};
+
+TEST_F(ProgramFile, IsFor64BitWindowsWithoutAConsole)
+{
+    EXPECT_EQ(IMAGE_FILE_MACHINE_AMD64, m_headers.FileHeader.Machine);
+    EXPECT_EQ(IMAGE_NT_OPTIONAL_HDR64_MAGIC, m_headers.OptionalHeader.Magic);
+    EXPECT_EQ(IMAGE_SUBSYSTEM_WINDOWS_GUI, m_headers.OptionalHeader.Subsystem);
+}
+
+TEST_F(ProgramFile, LetsWindowsPlaceItAnywhereAndExecutesNoData)
+{
+    constexpr WORD kWanted = IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE | IMAGE_DLLCHARACTERISTICS_HIGH_ENTROPY_VA |
+                             IMAGE_DLLCHARACTERISTICS_NX_COMPAT;
+    EXPECT_EQ(kWanted, m_headers.OptionalHeader.DllCharacteristics & kWanted);
+}
+
+TEST_F(ProgramFile, NeedsOnlyLibrariesThatWindows10Has)
+{
+    // Library sets (api-ms-win-...) are names that Windows itself resolves: of the path functions, and of the
+    // universal C runtime for compilers that use it.
+    const std::set<std::string> known = {"advapi32.dll", "comctl32.dll",
+                                         "gdi32.dll",    "iphlpapi.dll",
+                                         "kernel32.dll", "msvcrt.dll",
+                                         "ole32.dll",    "oleaut32.dll",
+                                         "shell32.dll",  "shlwapi.dll",
+                                         "user32.dll",   "version.dll",
+                                         "ws2_32.dll",   "api-ms-win-core-path-l1-1-0.dll"};
+    const std::set<std::string> libraries = ImportedLibraries();
+    EXPECT_TRUE(libraries.contains("kernel32.dll")) << "this test's own reading";
+    for (const std::string& library : libraries) {
+        EXPECT_TRUE(known.contains(library) || library.starts_with("api-ms-win-crt-")) << library;
+    }
+    const auto& delayed = m_headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_DELAY_IMPORT];
+    EXPECT_EQ(0U, delayed.VirtualAddress) << "nothing is looked for later either";
+}
+
+} // namespace

@@ -1,0 +1,185 @@
+// The application's paths.
+
+#include "app/KalvoApkInstaller.h"
+
+#include "tests/kit/Test.h"
+
+#include <knownfolders.h>
+#include <objbase.h>
+#include <pathcch.h>
+#include <shlobj.h>
+
+using namespace kit;
+
+namespace {
+
+std::wstring SystemDescription(HRESULT hr)
+{
+    WCHAR szText[512] = {};
+    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, static_cast<DWORD>(hr), 0,
+                   szText, 512, nullptr);
+    std::wstring strText = szText;
+    strText.erase(strText.find_last_not_of(L"\r\n .") + 1);
+    return strText;
+}
+
+class ApplicationPaths : public Test
+{
+protected:
+    ApplicationPaths()
+        : m_imageName([this](HANDLE, DWORD, PWSTR pszPath, DWORD* pcch) {
+              m_cchPath = *pcch;
+              wcscpy_s(pszPath, MAX_PATH, m_strExecutable.c_str());
+              *pcch = static_cast<DWORD>(m_strExecutable.size());
+              return TRUE;
+          }),
+          m_knownFolder([this](const GUID& folder, DWORD, HANDLE, PWSTR* ppszPath) {
+              m_folder = folder;
+              const size_t cb = (m_strLocalAppData.size() + 1) * sizeof(WCHAR);
+              m_pszGiven = *ppszPath = static_cast<PWSTR>(CoTaskMemAlloc(cb));
+              memcpy(*ppszPath, m_strLocalAppData.c_str(), cb);
+              return m_hrKnownFolder;
+          })
+    {
+        m_imageName.Optional();
+        m_knownFolder.Optional();
+        m_free.Optional().Unnoted();
+        Paths() = {};
+    }
+
+    static CKalvoApkInstaller& Paths()
+    {
+        return CKalvoApkInstaller::GetInstance();
+    }
+
+    std::wstring m_strExecutable = L"D:\\Some folder\\sub.dir\\Kalvo Installer.v2.exe";
+    std::wstring m_strLocalAppData = L"C:\\Users\\kim\\AppData\\Local";
+    HRESULT m_hrKnownFolder = S_OK;
+    DWORD m_cchPath = 0;
+    GUID m_folder = {};
+    PWSTR m_pszGiven = nullptr;
+    REPLACED(QueryFullProcessImageNameW) m_imageName;
+    REPLACED(SHGetKnownFolderPath) m_knownFolder;
+    REPLACED(CoTaskMemFree) m_free;
+};
+
+TEST_F(ApplicationPaths, ThereIsOneObject)
+{
+    EXPECT_EQ(&CKalvoApkInstaller::GetInstance(), &CKalvoApkInstaller::GetInstance());
+}
+
+TEST_F(ApplicationPaths, HaveTheirFieldsInOrder)
+{
+    EXPECT_EQ(offsetof(CKalvoApkInstaller, m_bInitialized), 0u);
+    EXPECT_EQ(offsetof(CKalvoApkInstaller, m_szFileName), 4u);
+    EXPECT_EQ(offsetof(CKalvoApkInstaller, m_szFolderPath), 4u + 520);
+    EXPECT_EQ(offsetof(CKalvoApkInstaller, m_szFullPath), 4u + 2 * 520);
+    EXPECT_EQ(offsetof(CKalvoApkInstaller, m_szAppDataFolderPath), 4u + 3 * 520);
+    EXPECT_EQ(sizeof(CKalvoApkInstaller), 4u + 4 * 520);
+}
+
+TEST_F(ApplicationPaths, AreThoseOfTheExecutableAndTheUser)
+{
+    EXPECT_TRUE(Paths().Initialize());
+    EXPECT_EQ(Paths().m_bInitialized, 1);
+    EXPECT_STREQ(Paths().m_szFullPath, L"D:\\Some folder\\sub.dir\\Kalvo Installer.v2.exe");
+    EXPECT_STREQ(Paths().m_szFolderPath, L"D:\\Some folder\\sub.dir\\");
+    EXPECT_STREQ(Paths().m_szFileName, L"Kalvo Installer.v2.exe");
+    EXPECT_STREQ(Paths().m_szAppDataFolderPath, L"C:\\Users\\kim\\AppData\\Local\\KALVO_ApkInstaller");
+
+    EXPECT_EQ(m_imageName.Arg<0>(), GetCurrentProcess());
+    EXPECT_EQ(m_imageName.Arg<1>(), 0u);
+    EXPECT_EQ(m_cchPath, 260u);
+    EXPECT_EQ(m_folder, FOLDERID_LocalAppData);
+    EXPECT_EQ(m_knownFolder.Arg<1>(), 0u);
+    EXPECT_EQ(m_knownFolder.Arg<2>(), nullptr);
+    EXPECT_EQ(m_free.Calls(), 1u);
+    EXPECT_EQ(m_free.Arg<0>(), m_pszGiven);
+}
+
+TEST_F(ApplicationPaths, MayBeAtTheRootOfADrive)
+{
+    m_strExecutable = L"E:\\a.exe";
+    EXPECT_TRUE(Paths().Initialize());
+    EXPECT_STREQ(Paths().m_szFolderPath, L"E:\\");
+    EXPECT_STREQ(Paths().m_szFileName, L"a.exe");
+}
+
+TEST_F(ApplicationPaths, AreThoseOfThisVeryProgram)
+{
+    const REPLACED(QueryFullProcessImageNameW) real;
+    const REPLACED(SHGetKnownFolderPath) realFolder;
+    EXPECT_TRUE(Paths().Initialize());
+    WCHAR szSelf[MAX_PATH];
+    GetModuleFileNameW(nullptr, szSelf, MAX_PATH);
+    EXPECT_STREQ(Paths().m_szFullPath, szSelf);
+    EXPECT_EQ(std::wstring(Paths().m_szFolderPath) + Paths().m_szFileName, szSelf);
+    EXPECT_TRUE(std::wstring(Paths().m_szAppDataFolderPath).ends_with(L"\\AppData\\Local\\KALVO_ApkInstaller"));
+}
+
+TEST_F(ApplicationPaths, ASecondInitialisationFailsAndAsksNothing)
+{
+    ASSERT_TRUE(Paths().Initialize());
+    Journal().clear();
+    m_strExecutable = L"E:\\other.exe";
+    EXPECT_FALSE(Paths().Initialize());
+    EXPECT_EQ(Journal(), Lines());
+    EXPECT_STREQ(Paths().m_szFileName, L"Kalvo Installer.v2.exe");
+}
+
+TEST_F(ApplicationPaths, FailWithoutAWordWhenTheExecutablesPathCannotBeHad)
+{
+    const REPLACED(QueryFullProcessImageNameW) imageName(Returns(FALSE, ERROR_INSUFFICIENT_BUFFER));
+    EXPECT_FALSE(Paths().Initialize());
+    EXPECT_EQ(Paths().m_bInitialized, 0);
+    EXPECT_EQ(m_knownFolder.Calls(), 0u);
+}
+
+TEST_F(ApplicationPaths, EndTheProcessWhenTheUsersFolderCannotBeHad)
+{
+    m_hrKnownFolder = E_ACCESSDENIED;
+    EXPECT_EQ(ExitCodeOf([] { Paths().Initialize(); }), 0x80070005u);
+    ExpectBox(SystemDescription(E_ACCESSDENIED),
+              L"CKalvoApkInstaller::GetAppDataLocalFolderPath() > SHGetKnownFolderPath()");
+    EXPECT_EQ(Paths().m_bInitialized, 0);
+}
+
+TEST_F(ApplicationPaths, TheWorkingFolderIsAppendedWithinThePathsBounds)
+{
+    const REPLACED(PathCchAppend) append;
+    EXPECT_TRUE(Paths().Initialize());
+    EXPECT_EQ(append.Arg<0>(), Paths().m_szAppDataFolderPath);
+    EXPECT_EQ(append.Arg<1>(), 260u);
+    EXPECT_EQ(append.Arg<2>(), L"KALVO_ApkInstaller");
+}
+
+TEST_F(ApplicationPaths, EndTheProcessWhenTheWorkingFolderCannotBeAppended)
+{
+    const REPLACED(PathCchAppend) append(Returns(HRESULT(0x8007007A)));
+    EXPECT_EQ(ExitCodeOf([] { Paths().Initialize(); }), 0x8007007Au);
+    ExpectBox(SystemDescription(HRESULT(0x8007007A)),
+              L"CKalvoApkInstaller::GetAppDataLocalFolderPath() > PathCchAppend()");
+    EXPECT_EQ(Paths().m_bInitialized, 0);
+}
+
+// Room for 259 characters: 240 and "\KALVO_ApkInstaller" just fit.
+TEST_F(ApplicationPaths, TheWorkingFolderMayFillThePath)
+{
+    m_strLocalAppData = L"C:\\" + std::wstring(237, L'u');
+    EXPECT_TRUE(Paths().Initialize());
+    EXPECT_EQ(Paths().m_szAppDataFolderPath, m_strLocalAppData + L"\\KALVO_ApkInstaller");
+}
+
+TEST_F(ApplicationPaths, AWorkingFolderLongerThanThePathEndsTheProcess)
+{
+    for (const size_t nLength : {238u, 256u, 297u}) {
+        Paths() = {};
+        m_strLocalAppData = L"C:\\" + std::wstring(nLength, L'u');
+        const std::optional<UINT> exitCode = ExitCodeOf([] { Paths().Initialize(); });
+        ASSERT_TRUE(exitCode.has_value()) << nLength;
+        EXPECT_TRUE(FAILED(static_cast<HRESULT>(*exitCode)));
+        EXPECT_EQ(TakeBox().strCaption, L"CKalvoApkInstaller::GetAppDataLocalFolderPath() > PathCchAppend()");
+    }
+}
+
+} // namespace

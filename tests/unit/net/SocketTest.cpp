@@ -1,0 +1,170 @@
+// The owner of a socket.
+
+#include "net/Socket.h"
+
+#include "tests/kit/Test.h"
+#include "tests/unit/net/Sockets.h"
+
+#include <type_traits>
+
+using namespace kit;
+
+namespace {
+
+constexpr SOCKET kSocket = 0x50C;
+
+class Socket : public Test
+{
+private:
+    Sockets m_sockets;
+};
+
+static_assert(std::has_virtual_destructor_v<CSocket>);
+static_assert(sizeof(CSocket) == 16);
+
+TEST_F(Socket, IsNoneAtFirstAndThenNeedsNoClosing)
+{
+    REPLACED(closesocket) close;
+    close.Optional();
+    {
+        const CSocket owner;
+        EXPECT_EQ(owner.m_socket, INVALID_SOCKET);
+    }
+    EXPECT_EQ(close.Calls(), 0u);
+}
+
+TEST_F(Socket, IsAnIpv4StreamSocketOfTcp)
+{
+    const REPLACED(socket) open(Returns(kSocket));
+    const REPLACED(closesocket) close(Returns(0));
+    {
+        CSocket owner;
+        EXPECT_TRUE(owner.Socket());
+        EXPECT_EQ(owner.m_socket, kSocket);
+    }
+    EXPECT_EQ(open.Arg<0>(), 2);
+    EXPECT_EQ(open.Arg<1>(), 1);
+    EXPECT_EQ(open.Arg<2>(), 6);
+    EXPECT_EQ(close.Calls(), 1u);
+    EXPECT_EQ(close.Arg<0>(), kSocket);
+}
+
+TEST_F(Socket, ThatCannotBeHadIsNone)
+{
+    const REPLACED(socket) open(Returns(INVALID_SOCKET, WSAEMFILE));
+    REPLACED(closesocket) close;
+    close.Optional();
+    {
+        CSocket owner;
+        EXPECT_FALSE(owner.Socket());
+    }
+    EXPECT_EQ(close.Calls(), 0u);
+}
+
+TEST_F(Socket, IsOpenedAndClosedForTheSystem)
+{
+    SOCKET nSocket = INVALID_SOCKET;
+    {
+        CSocket owner;
+        ASSERT_TRUE(owner.Socket());
+        nSocket = owner.m_socket;
+        int nType = 0;
+        int cb = sizeof(nType);
+        EXPECT_EQ(getsockopt(nSocket, SOL_SOCKET, SO_TYPE, reinterpret_cast<char*>(&nType), &cb), 0);
+        EXPECT_EQ(nType, SOCK_STREAM);
+    }
+    int nType = 0;
+    int cb = sizeof(nType);
+    EXPECT_EQ(getsockopt(nSocket, SOL_SOCKET, SO_TYPE, reinterpret_cast<char*>(&nType), &cb), SOCKET_ERROR);
+    EXPECT_EQ(WSAGetLastError(), WSAENOTSOCK);
+}
+
+// An owner of kSocket; the system is not asked.
+struct Owner : CSocket
+{
+    Owner()
+    {
+        m_socket = kSocket;
+    }
+};
+
+TEST_F(Socket, PassesItsModeOn)
+{
+    const REPLACED(closesocket) close(Returns(0));
+    std::vector<u_long> modes;
+    REPLACED(ioctlsocket) mode([&](SOCKET, long, u_long* pnMode) {
+        modes.push_back(*pnMode);
+        return 5;
+    });
+    Owner owner;
+    EXPECT_EQ(owner.Ioctlsocket(1), 5);
+    EXPECT_EQ(owner.Ioctlsocket(0), 5);
+    EXPECT_EQ(mode.Arg<0>(), kSocket);
+    EXPECT_EQ(static_cast<u_long>(mode.Arg<1>()), 0x8004667Eu);
+    EXPECT_EQ(modes, (std::vector<u_long>{1, 0}));
+}
+
+TEST_F(Socket, PassesItsConnectionOn)
+{
+    const REPLACED(closesocket) close(Returns(0));
+    const REPLACED(connect) connection(Returns(7));
+    const SOCKADDR_IN address = MakeAddress(L"127.0.0.1", 6000);
+    Owner owner;
+    EXPECT_EQ(owner.Connect(&address), 7);
+    EXPECT_EQ(connection.Arg<0>(), kSocket);
+    EXPECT_EQ(connection.Arg<1>(), reinterpret_cast<const SOCKADDR*>(&address));
+    EXPECT_EQ(connection.Arg<2>(), 16);
+}
+
+TEST_F(Socket, IsShutDownInBothDirections)
+{
+    const REPLACED(closesocket) close(Returns(0));
+    const REPLACED(shutdown) end(Returns(3));
+    Owner owner;
+    EXPECT_EQ(owner.Shutdown(), 3);
+    EXPECT_EQ(end.Arg<0>(), kSocket);
+    EXPECT_EQ(end.Arg<1>(), 2);
+    EXPECT_EQ(owner.m_socket, kSocket);
+}
+
+TEST_F(Socket, IsNoneOnceItIsClosed)
+{
+    const REPLACED(closesocket) close(Returns(0));
+    {
+        Owner owner;
+        EXPECT_EQ(owner.CloseSocket(), 0);
+        EXPECT_EQ(owner.m_socket, INVALID_SOCKET);
+    }
+    EXPECT_EQ(close.Calls(), 1u);
+    EXPECT_EQ(close.Arg<0>(), kSocket);
+}
+
+TEST_F(Socket, IsKeptWhenItCannotBeClosedAndThenClosedAtTheEnd)
+{
+    const REPLACED(closesocket) close(InTurn(Returns(SOCKET_ERROR, WSAENETDOWN), Returns(0)));
+    {
+        Owner owner;
+        EXPECT_EQ(owner.CloseSocket(), SOCKET_ERROR);
+        EXPECT_EQ(owner.m_socket, kSocket);
+    }
+    EXPECT_EQ(close.Calls(), 2u);
+    EXPECT_EQ(close.Arg<0>(1), kSocket);
+}
+
+TEST_F(Socket, ThatCannotBeClosedAtTheEndEndsTheProcessWithTheReason)
+{
+    const REPLACED(closesocket) close(Returns(SOCKET_ERROR, WSAENETDOWN));
+    WhenBoxShows([](const Box&) { SetLastError(99); });
+    EXPECT_EQ(ExitCodeOf([] { const Owner owner; }), 10050u);
+    ExpectBox(L"~CSocket()", L"WSA Error");
+    EXPECT_EQ(Journal(), (Lines{"closesocket", "box \"~CSocket()\"", "exit 10050"}));
+}
+
+TEST_F(Socket, IsClosedAlsoThroughAPointerToItsBase)
+{
+    const REPLACED(closesocket) close(Returns(0));
+    const std::unique_ptr<CSocket> pOwner = std::make_unique<Owner>();
+    EXPECT_EQ(pOwner->m_socket, kSocket);
+}
+
+} // namespace

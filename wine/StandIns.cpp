@@ -1,0 +1,38 @@
+// The library that the launcher loads into a program before that starts. It patches the program's import
+// table; nothing else of the program changes.
+#include "frame/AeroWizard.h"
+#include "imports/FailingCalls.h"
+#include "imports/ImportTable.h"
+#include "imports/JournaledCalls.h"
+#include "system/AddressControl.h"
+#include "system/BestRoute.h"
+
+namespace {
+
+decltype(PropertySheetW)* g_pfnPropertySheetW;
+
+INT_PTR WINAPI ShowPropertySheet(LPCPROPSHEETHEADERW pHeader)
+{
+    // Here, on the thread that will make them; the loader's thread must make no windows.
+    MendAddressControl();
+    return pHeader != nullptr && IsAeroWizard(*pHeader) ? RunAeroWizard(*pHeader) : g_pfnPropertySheetW(pHeader);
+}
+
+// First what Wine lacks, then what is to fail, then the journal of it all.
+bool Install(HMODULE hProgram)
+{
+    g_pfnPropertySheetW = ReplaceImport(hProgram, "PropertySheetW", ShowPropertySheet);
+    ReplaceImport(hProgram, "GetBestRoute2", BestRoute);
+    if (!InstallFaults(hProgram)) {
+        return false;
+    }
+    InstallJournal(hProgram);
+    return true;
+}
+
+} // namespace
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD nReason, LPVOID)
+{
+    return nReason != DLL_PROCESS_ATTACH || Install(GetModuleHandleW(nullptr));
+}

@@ -1,0 +1,77 @@
+#include "frame/WizardPage.h"
+
+#include "frame/PageWindow.h"
+#include "frame/ResourceText.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+// The page whose window is being made. Windows are made on one thread, one at a time.
+CWizardPage* g_pCreating = nullptr;
+
+} // namespace
+
+CWizardPage::CWizardPage(const PROPSHEETPAGEW& record)
+{
+    memcpy(&m_record, &record, std::min<size_t>(record.dwSize, sizeof(m_record)));
+    if ((m_record.dwFlags & (PSP_DLGINDIRECT | PSP_USECALLBACK)) != 0) {
+        SetLastError(ERROR_NOT_SUPPORTED);
+        return;
+    }
+    if ((m_record.dwFlags & PSP_USEHEADERTITLE) != 0) {
+        m_szHeaderTitle = ResourceText(m_record.hInstance, m_record.pszHeaderTitle);
+    }
+    m_template = CDialogTemplate::Load(m_record.hInstance, m_record.pszTemplate);
+}
+
+bool CWizardPage::HasTemplate(LONG_PTR nDialogId) const
+{
+    return m_record.pszTemplate == MAKEINTRESOURCEW(nDialogId);
+}
+
+bool CWizardPage::Create(HWND hwndFrame, const RECT& rect)
+{
+    CWizardPage* const pOuter = std::exchange(g_pCreating, this);
+    m_hwnd = CreateDialogIndirectParamW(m_record.hInstance, m_template->ForPage(), hwndFrame, FirstDialogProc,
+                                        reinterpret_cast<LPARAM>(&m_record));
+    g_pCreating = pOuter;
+    if (m_hwnd == nullptr) {
+        return false;
+    }
+    DressPage(m_hwnd);
+    SetWindowPos(m_hwnd, nullptr, rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+    return true;
+}
+
+// Serves until WM_INITDIALOG, whose result the dialog manager tells nobody; then the page's own
+// procedure takes its place.
+INT_PTR CALLBACK CWizardPage::FirstDialogProc(HWND hwnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
+{
+    CWizardPage& page = *g_pCreating;
+    const DLGPROC pfnDlgProc = page.m_record.pfnDlgProc;
+    if (nMessage != WM_INITDIALOG) {
+        return pfnDlgProc(hwnd, nMessage, wParam, lParam);
+    }
+    SetWindowLongPtrW(hwnd, DWLP_DLGPROC, reinterpret_cast<LONG_PTR>(pfnDlgProc));
+    const INT_PTR nResult = pfnDlgProc(hwnd, nMessage, wParam, lParam);
+    page.m_bPlacedFocus = nResult == FALSE;
+    return nResult;
+}
+
+bool CWizardPage::TakePlacedFocus()
+{
+    return std::exchange(m_bPlacedFocus, false);
+}
+
+LRESULT CWizardPage::Notify(UINT nCode, LPARAM lParam) const
+{
+    PSHNOTIFY notification = {};
+    notification.hdr.hwndFrom = GetParent(m_hwnd);
+    notification.hdr.code = nCode;
+    notification.lParam = lParam;
+    SetWindowLongPtrW(m_hwnd, DWLP_MSGRESULT, 0);
+    return SendMessageW(m_hwnd, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&notification));
+}

@@ -1,0 +1,20 @@
+// The calls that the journal tells of: what ends a run and in which order, and every message box.
+//
+//   WSACleanup
+//   CoUninitialize
+//   ReleaseMutex
+//   CloseHandle mutex                  of a mutex that the program made; other handles are not told of
+//   ExitProcess code=13
+//   SetForegroundWindow title="..."
+//   MessageBoxW owner=none flags=0x00000000 caption="..." text="..."
+//                                      owner: none, page (a child window) or window; written before the
+//                                      box is shown, which then is the real one
+//   PropertySheetW result=1            when the wizard has ended
+//   fault WriteFile                    a call failed because the list of faults wanted it to
+#pragma once
+
+#include <windows.h>
+
+// Puts the journal into the import table of hModule, if there is one. To be called when all other
+// replacements are in place, so that it tells of every call, also of one that is made to fail.
+void InstallJournal(HMODULE hModule);
