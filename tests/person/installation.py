@@ -23,14 +23,19 @@ class InstallationTest(unittest.TestCase):
     # For the emulated watch.
     watch_switches: tuple[str, ...] = ()
 
+    def run(self, result: unittest.TestResult | None = None) -> unittest.TestResult | None:
+        self._result = result
+        return super().run(result)
+
     def setUp(self) -> None:
+        faults = self._faults()
         self.addCleanup(shutil.rmtree, programs.working_folder(), ignore_errors=True)
         self.watch = self.enterContext(Watch(*self.watch_switches))
         self.program = self.enterContext(Program())
         self.package = write_package(self.program.folder)
         self.person = Person(self.enterContext(Eyes()))
         # Runs before the installer is stopped.
-        self.addCleanup(self._keep_picture_of_failure)
+        self.addCleanup(self._keep_picture_of_failure, faults)
         self.person.wait_for_page(1, START)
 
     def finish(self) -> None:
@@ -38,8 +43,10 @@ class InstallationTest(unittest.TestCase):
         self.assertEqual(self.program.wait(), 0)
         self.assertEqual(left_behind(), [])
 
-    def _keep_picture_of_failure(self) -> None:
-        outcome = self._outcome
-        if outcome and not outcome.success:
+    def _faults(self) -> int:
+        return len(self._result.failures) + len(self._result.errors) if self._result else 0
+
+    def _keep_picture_of_failure(self, faults_before: int) -> None:
+        if self._faults() > faults_before:
             pictures.save_screen(places.build() / "failures" / f"{self.id()}.png")
             print("the installer printed:", self.program.said)

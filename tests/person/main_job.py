@@ -6,6 +6,7 @@ Prints every page's title, the status lines and what came of it. Ends with 0 onl
 """
 
 import sys
+from functools import partial
 from pathlib import Path
 
 import pages
@@ -24,42 +25,45 @@ START = 60.0
 class Report:
     """Says what happens, and remembers what is wrong."""
 
-    def __init__(self, person: Person, folder: Path) -> None:
-        self._person = person
+    def __init__(self, folder: Path) -> None:
         self._folder = folder
-        self._told = 0
+        self._page = 0
+        self._early: list[str] = []
         self.faults = 0
 
     def check(self, right: bool, good: str, bad: str) -> None:
         print(f"   {good}" if right else f"   WRONG: {bad}", flush=True)
         self.faults += not right
 
-    def page(self, sight: Sight) -> None:
+    def page(self, person: Person, sight: Sight) -> None:
         """A page that is filled in and about to be left."""
         assert sight.page
-        self._tell_statuses(before=sight.number)
+        self._page = sight.number
         print(f"page {sight.number:2}: {sight.title}", flush=True)
-        self._tell_statuses()
         if sight.title != sight.page.title:
             self.check(False, "", f'its title should be "{sight.page.title}"')
-        self._person.picture(self._folder / f"page-{sight.number:02}.png")
+        for line in self._early:
+            self.status(self._page, line)
+        self._early = []
+        person.picture(self._folder / f"page-{sight.number:02}.png")
 
-    def _tell_statuses(self, before: int = 99) -> None:
-        """The status lines seen since the last call, up to those of a page."""
-        lines = self._person.statuses
-        while self._told < len(lines) and lines[self._told][0] < before:
-            print(f"   status: {lines[self._told][1]}", flush=True)
-            self._told += 1
+    def status(self, page: int, line: str) -> None:
+        """A new status line. What a page says at first waits for its title."""
+        if page == self._page:
+            print(f"   status: {line}", flush=True)
+        else:
+            self._early.append(line)
 
 
 def install(folder: Path) -> int:
     with Watch() as watch, Eyes() as eyes, Program() as program:
         package = write_package(program.folder)
-        person = Person(eyes)
-        report = Report(person, folder)
+        report = Report(folder)
+        person = Person(eyes, report.status)
+        filled = partial(report.page, person)
         person.wait_for_page(1, START)
-        go_to_page(person, len(pages.PAGES), watch, report.page)
-        go_on(person, watch, report.page)
+        go_to_page(person, len(pages.PAGES), watch, filled)
+        go_on(person, watch, filled)
         code = program.wait()
         report.check(code == 0, "the program ended with 0", f"the program ended with {code}: {program.said}")
         report.check(

@@ -3,6 +3,7 @@
 import unittest
 
 import pages
+from eyes import Window
 from installation import InstallationTest
 from journey import go_to_page
 from notepad import copy_to_clipboard
@@ -26,10 +27,9 @@ class TheWatchsAddress(FieldsTest):
 
     def test_begins_like_the_gateway_with_the_caret_in_the_last_field(self) -> None:
         self.person.expect(pages.ADDRESS, "192.168.1.")
-        sight = self.person.rest()
-        fields = sorted(sight.control(pages.ADDRESS).children, key=lambda field: field.x)
-        self.assertEqual(sight.view.focus, fields[3].handle)
-        self.assertEqual(sight.view.caret, fields[3].handle)
+        last = self.last_field().handle
+        view = self.person.rest().view
+        self.assertEqual((view.focus, view.caret), (last, last))
         self.person.type("7")
         self.person.expect(pages.ADDRESS, "192.168.1.7")
 
@@ -39,10 +39,15 @@ class TheWatchsAddress(FieldsTest):
         self.assertEqual(self.person.rest().buttons, {"Back", "Cancel"})
         self.person.press("1")
         self.person.wait_until("Next", lambda sight: "Next" in sight.buttons)
-        last = max(self.person.look().control(pages.ADDRESS).children, key=lambda field: field.x)
-        self.person.click(last, times=2)
+        self.person.click(self.last_field(), times=2)
         self.person.press("BackSpace")
-        self.person.wait_until("Next to go", lambda sight: "Next" not in sight.buttons)
+        self.person.expect(pages.ADDRESS, "192.168.1.")
+        self.enter(pages.PORT, "4", "3", "2", "1")
+        self.person.expect(pages.PORT, "4321")
+        self.assertEqual(self.person.rest().buttons, {"Back", "Cancel"})
+
+    def last_field(self) -> Window:
+        return max(self.person.look().control(pages.ADDRESS).children, key=lambda field: field.x)
 
     def test_the_port_takes_digits_only_and_five_of_them(self) -> None:
         self.enter(pages.PORT, "a", "4", "minus", "3", "period", "x", "2", "space", "1", "0", "9")

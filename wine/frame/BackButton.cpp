@@ -15,11 +15,12 @@ void DrawArrow(HDC hdc, const RECT& rect, COLORREF color)
 {
     const float fUnit = static_cast<float>(rect.right - rect.left) / 30.0f;
     const float x = static_cast<float>(rect.left + rect.right - 1) / 2.0f;
-    const float y = static_cast<float>(rect.top + rect.bottom - 1) / 2.0f;
+    // The middle of a pixel, else the shaft would smear over two rows.
+    const auto y = static_cast<float>((rect.top + rect.bottom) / 2);
     const float fTip = x - 8.0f * fUnit;
     const float fHead = 6.0f * fUnit;
-    CStrokes::Draw(hdc, color, 1.6f * fUnit, {{fTip, y}, {x + 8.0f * fUnit, y}});
-    CStrokes::Draw(hdc, color, 1.6f * fUnit, {{fTip + fHead, y - fHead}, {fTip, y}, {fTip + fHead, y + fHead}});
+    DrawStroke(hdc, color, 1.5f * fUnit, {{fTip, y}, {x + 8.0f * fUnit, y}});
+    DrawStroke(hdc, color, 1.5f * fUnit, {{fTip + fHead, y - fHead}, {fTip, y}, {fTip + fHead, y + fHead}});
 }
 
 } // namespace

@@ -42,6 +42,6 @@ void CCloseBox::Draw(HDC hdc, const RECT& box, COLORREF color) const
     const float x = static_cast<float>(box.left + box.right - 1) / 2.0f;
     const float y = static_cast<float>(box.top + box.bottom - 1) / 2.0f;
     const float fWidth = fHeight / 29.0f;
-    CStrokes::Draw(hdc, color, fWidth, {{x - fHalf, y - fHalf}, {x + fHalf, y + fHalf}});
-    CStrokes::Draw(hdc, color, fWidth, {{x - fHalf, y + fHalf}, {x + fHalf, y - fHalf}});
+    DrawStroke(hdc, color, fWidth, {{x - fHalf, y - fHalf}, {x + fHalf, y + fHalf}});
+    DrawStroke(hdc, color, fWidth, {{x - fHalf, y + fHalf}, {x + fHalf, y - fHalf}});
 }

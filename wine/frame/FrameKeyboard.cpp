@@ -12,7 +12,6 @@ bool Wants(HWND hwndFocus, LRESULT nCode, const MSG& message)
 
 bool Walk(CWizardFrame& frame, bool bBackward)
 {
-    frame.ShowFocusRectangles();
     frame.MoveFocus(bBackward);
     return true;
 }

@@ -1,27 +1,16 @@
-// Thin lines with smooth edges, which the arrow and the cross of a caption are made of.
+// Thin lines with smooth edges, which the arrow and the cross of a caption are made of. The drawing
+// libraries at hand draw them with steps.
 #pragma once
 
 #include <windows.h>
 
 #include <initializer_list>
 
-// A connected line through these points, in pixels; an integer is the middle of a pixel.
+// In pixels; an integer is the middle of a pixel.
 struct STROKE_POINT
 {
     float x, y;
 };
 
-// Smooth drawing works while at least one of these exists.
-class CStrokes
-{
-public:
-    CStrokes();
-    ~CStrokes();
-    CStrokes(const CStrokes&) = delete;
-    CStrokes& operator=(const CStrokes&) = delete;
-
-    static void Draw(HDC hdc, COLORREF color, float fWidth, std::initializer_list<STROKE_POINT> points);
-
-private:
-    ULONG_PTR m_nToken = 0;
-};
+// Draws a line that connects these points, with round ends.
+void DrawStroke(HDC hdc, COLORREF color, float fWidth, std::initializer_list<STROKE_POINT> points);

@@ -318,8 +318,3 @@ void CWizardFrame::PressEnter(HWND hwndFocus)
         OnCommand(GetDlgCtrlID(m_buttons.Default()));
     }
 }
-
-void CWizardFrame::ShowFocusRectangles()
-{
-    SendMessageW(m_hwnd, WM_CHANGEUISTATE, MAKEWPARAM(UIS_CLEAR, UISF_HIDEFOCUS | UISF_HIDEACCEL), 0);
-}

@@ -7,7 +7,6 @@
 #include "frame/FrameLayout.h"
 #include "frame/FramePaint.h"
 #include "frame/PropertySheet.h"
-#include "frame/Strokes.h"
 #include "frame/WizardPages.h"
 
 #include <optional>
@@ -48,9 +47,6 @@ public:
     void PressIfAvailable(DWORD dwButton);
     void PressEnter(HWND hwndFocus);
     void MoveFocus(bool bBackward);
-
-    // Windows draws no focus rectangles and no underlined letters until the keyboard is used.
-    void ShowFocusRectangles();
 
 private:
     // Posted after a page was activated: all that the page posted meanwhile has arrived.
@@ -95,7 +91,6 @@ private:
     FRAME_LOOK Look() const;
     void RedrawCloseBox() const;
 
-    CStrokes m_strokes;
     UINT m_nDpi = GetDpiForSystem();
     CFrameFonts m_fonts{m_nDpi};
     std::optional<CFrameLayout> m_layout;

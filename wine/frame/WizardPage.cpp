@@ -1,5 +1,6 @@
 #include "frame/WizardPage.h"
 
+#include "frame/PageTexts.h"
 #include "frame/PageWindow.h"
 #include "frame/ResourceText.h"
 
@@ -41,6 +42,7 @@ bool CWizardPage::Create(HWND hwndFrame, const RECT& rect)
         return false;
     }
     DressPage(m_hwnd);
+    ShowTextsAtOnce(m_hwnd);
     SetWindowPos(m_hwnd, nullptr, rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,
                  SWP_NOZORDER | SWP_NOACTIVATE);
     return true;

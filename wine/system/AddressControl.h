@@ -3,7 +3,10 @@
 
 #include <windows.h>
 
-// Lets every SysIPAddress32 that the calling thread's activation context makes from now on take its
-// text: "192.168.1." fills three fields and leaves the fourth blank, as on Windows. To be called on
-// a thread that may make windows; calls after the first do nothing. False when there is no such control.
+// Gives every SysIPAddress32 that the calling thread's activation context makes from now on what Wine's lacks:
+// - it takes its text: "192.168.1." fills three fields and leaves the fourth blank;
+// - its fields have its font and stand on the line of its dots;
+// - it is grey while it is disabled.
+// To be called on a thread that may make windows; calls after the first do nothing. False when there is no
+// such control.
 bool MendAddressControl();

@@ -105,16 +105,20 @@ TEST_F(ApplicationPaths, MayBeAtTheRootOfADrive)
     EXPECT_STREQ(Paths().m_szFileName, L"a.exe");
 }
 
-TEST_F(ApplicationPaths, AreThoseOfThisVeryProgram)
+class RealPaths : public Test
 {
-    const REPLACED(QueryFullProcessImageNameW) real;
-    const REPLACED(SHGetKnownFolderPath) realFolder;
-    EXPECT_TRUE(Paths().Initialize());
+};
+
+TEST_F(RealPaths, AreThoseOfThisVeryProgram)
+{
+    CKalvoApkInstaller& paths = CKalvoApkInstaller::GetInstance();
+    paths = {};
+    EXPECT_TRUE(paths.Initialize());
     WCHAR szSelf[MAX_PATH];
     GetModuleFileNameW(nullptr, szSelf, MAX_PATH);
-    EXPECT_STREQ(Paths().m_szFullPath, szSelf);
-    EXPECT_EQ(std::wstring(Paths().m_szFolderPath) + Paths().m_szFileName, szSelf);
-    EXPECT_TRUE(std::wstring(Paths().m_szAppDataFolderPath).ends_with(L"\\AppData\\Local\\KALVO_ApkInstaller"));
+    EXPECT_STREQ(paths.m_szFullPath, szSelf);
+    EXPECT_EQ(std::wstring(paths.m_szFolderPath) + paths.m_szFileName, szSelf);
+    EXPECT_TRUE(std::wstring(paths.m_szAppDataFolderPath).ends_with(L"\\AppData\\Local\\KALVO_ApkInstaller"));
 }
 
 TEST_F(ApplicationPaths, ASecondInitialisationFailsAndAsksNothing)

@@ -120,9 +120,9 @@ TEST_F(Gateway, IsAskedForTowardOneFixedAddress)
         ExpectProbeDestination(pDestination);
         return FindInterface(pDestination, pdwIndex);
     });
-    const REPLACED(GetBestRoute2)
-    route([](NET_LUID* pLuid, NET_IFINDEX nInterface, const SOCKADDR_INET* pSource, const SOCKADDR_INET* pDestination,
-             ULONG nOptions, MIB_IPFORWARD_ROW2* pRoute, SOCKADDR_INET* pBestSource) -> DWORD {
+    const REPLACED(GetBestRoute2) route([](NET_LUID* pLuid, NET_IFINDEX nInterface, const SOCKADDR_INET* pSource,
+                                           const SOCKADDR_INET* pDestination, ULONG nOptions,
+                                           MIB_IPFORWARD_ROW2* pRoute, SOCKADDR_INET* pBestSource) -> DWORD {
         EXPECT_TRUE(IsZero(pLuid, sizeof(*pLuid)));
         EXPECT_EQ(nInterface, kInterface);
         EXPECT_EQ(pSource, nullptr);

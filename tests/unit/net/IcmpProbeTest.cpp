@@ -26,9 +26,8 @@ constexpr PCWSTR kNotFound =
     L"2. Power the watch off and then turn it on again.\n"
     L"3. Run the installer program again.\n";
 
-constexpr PCWSTR kNoNetwork =
-    L"It looks like your computer does not have a network connection.\n\n"
-    L"Check your Wi-Fi settings or make certain your Ethernet cable is plugged in.";
+constexpr PCWSTR kNoNetwork = L"It looks like your computer does not have a network connection.\n\n"
+                              L"Check your Wi-Fi settings or make certain your Ethernet cable is plugged in.";
 
 std::wstring SystemDescription(DWORD dwCode)
 {
@@ -135,9 +134,9 @@ private:
 // The first n of the status texts of 192.168.1.100.
 std::vector<std::wstring> Pinging(int nAttempts)
 {
-    const std::vector<std::wstring> all = {
-        L"Pinging 192.168.1.100 (1 of 6)", L"Pinging 192.168.1.100 (2 of 6)", L"Pinging 192.168.1.100 (3 of 6)",
-        L"Pinging 192.168.1.100 (4 of 6)", L"Pinging 192.168.1.100 (5 of 6)", L"Pinging 192.168.1.100 (6 of 6)"};
+    const std::vector<std::wstring> all = {L"Pinging 192.168.1.100 (1 of 6)", L"Pinging 192.168.1.100 (2 of 6)",
+                                           L"Pinging 192.168.1.100 (3 of 6)", L"Pinging 192.168.1.100 (4 of 6)",
+                                           L"Pinging 192.168.1.100 (5 of 6)", L"Pinging 192.168.1.100 (6 of 6)"};
     return {all.begin(), all.begin() + nAttempts};
 }
 

@@ -92,7 +92,8 @@ TEST_F(Socket, PassesItsModeOn)
 {
     const REPLACED(closesocket) close(Returns(0));
     std::vector<u_long> modes;
-    REPLACED(ioctlsocket) mode([&](SOCKET, long, u_long* pnMode) {
+    REPLACED(ioctlsocket)
+    mode([&](SOCKET, long, u_long* pnMode) {
         modes.push_back(*pnMode);
         return 5;
     });

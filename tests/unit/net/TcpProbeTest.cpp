@@ -160,13 +160,15 @@ TEST_F(TcpProbe, PollsOneSocketForTwoSeconds)
 TEST_F(TcpProbe, SetsTheSocketUpBeforeItConnects)
 {
     const REPLACED(socket) open(Returns(kSocket));
-    REPLACED(ioctlsocket) mode([](SOCKET nSocket, long nCommand, u_long* pnMode) {
+    REPLACED(ioctlsocket)
+    mode([](SOCKET nSocket, long nCommand, u_long* pnMode) {
         EXPECT_EQ(nSocket, kSocket);
         EXPECT_EQ(static_cast<u_long>(nCommand), 0x8004667Eu);
         EXPECT_EQ(*pnMode, 1u);
         return 0;
     });
-    REPLACED(connect) connection([](SOCKET nSocket, const SOCKADDR* pAddress, int cb) {
+    REPLACED(connect)
+    connection([](SOCKET nSocket, const SOCKADDR* pAddress, int cb) {
         const auto& address = *reinterpret_cast<const SOCKADDR_IN*>(pAddress);
         EXPECT_EQ(nSocket, kSocket);
         EXPECT_EQ(address.sin_family, 2);

@@ -27,7 +27,7 @@ SOCKADDR_IN6 MakeIpv6Address(PCWSTR pszAddress, u_short nPort)
     return address;
 }
 
-template <typename Address>
+template<typename Address>
 const SOCKADDR* Generic(const Address& address)
 {
     return reinterpret_cast<const SOCKADDR*>(&address);
@@ -91,36 +91,38 @@ constexpr Pattern Refused(PCWSTR pszAddress)
     return {pszAddress, 0};
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    DottedAccepted, AddressPattern,
-    testing::Values(Ipv4(L"8.8.8.8"), Ipv4(L"0.0.0.0"), Ipv4(L"255.255.255.255"), Ipv4(L"250.250.250.250"),
-                    Ipv4(L"249.249.249.249"), Ipv4(L"200.200.200.200"), Ipv4(L"199.199.199.199"),
-                    Ipv4(L"100.100.100.100"), Ipv4(L"99.99.99.99"), Ipv4(L"10.10.10.10"), Ipv4(L"01.002.3.4"),
-                    Ipv4(L"001.001.001.001"), Ipv4(L"099.099.099.099"), Ipv4(L"192.168.1.100"), Ipv4(L"1.23.45.6")));
+INSTANTIATE_TEST_SUITE_P(DottedAccepted, AddressPattern,
+                         testing::Values(Ipv4(L"8.8.8.8"), Ipv4(L"0.0.0.0"), Ipv4(L"255.255.255.255"),
+                                         Ipv4(L"250.250.250.250"), Ipv4(L"249.249.249.249"), Ipv4(L"200.200.200.200"),
+                                         Ipv4(L"199.199.199.199"), Ipv4(L"100.100.100.100"), Ipv4(L"99.99.99.99"),
+                                         Ipv4(L"10.10.10.10"), Ipv4(L"01.002.3.4"), Ipv4(L"001.001.001.001"),
+                                         Ipv4(L"099.099.099.099"), Ipv4(L"192.168.1.100"), Ipv4(L"1.23.45.6")));
 
-INSTANTIATE_TEST_SUITE_P(
-    DottedRefused, AddressPattern,
-    testing::Values(Refused(L"256.1.1.1"), Refused(L"1.256.1.1"), Refused(L"1.1.256.1"), Refused(L"1.1.1.256"),
-                    Refused(L"260.1.1.1"), Refused(L"1.1.1.260"), Refused(L"300.1.1.1"), Refused(L"1.1.1.300"),
-                    Refused(L"1.2.3"), Refused(L"1.2.3."), Refused(L"1.2.3.4."), Refused(L".1.2.3.4"),
-                    Refused(L"1.2..4"), Refused(L"1.2.3.4.5"), Refused(L"1.2.3.4 "), Refused(L" 1.2.3.4"),
-                    Refused(L"1.2.3.4\n"), Refused(L"1.2.3.4:5555"), Refused(L"1x2x3x4"), Refused(L"1.2.3.A"),
-                    Refused(L"0001.2.3.4"), Refused(L"1.2.3.0004"), Refused(L"-1.2.3.4"), Refused(L"")));
+INSTANTIATE_TEST_SUITE_P(DottedRefused, AddressPattern,
+                         testing::Values(Refused(L"256.1.1.1"), Refused(L"1.256.1.1"), Refused(L"1.1.256.1"),
+                                         Refused(L"1.1.1.256"), Refused(L"260.1.1.1"), Refused(L"1.1.1.260"),
+                                         Refused(L"300.1.1.1"), Refused(L"1.1.1.300"), Refused(L"1.2.3"),
+                                         Refused(L"1.2.3."), Refused(L"1.2.3.4."), Refused(L".1.2.3.4"),
+                                         Refused(L"1.2..4"), Refused(L"1.2.3.4.5"), Refused(L"1.2.3.4 "),
+                                         Refused(L" 1.2.3.4"), Refused(L"1.2.3.4\n"), Refused(L"1.2.3.4:5555"),
+                                         Refused(L"1x2x3x4"), Refused(L"1.2.3.A"), Refused(L"0001.2.3.4"),
+                                         Refused(L"1.2.3.0004"), Refused(L"-1.2.3.4"), Refused(L"")));
 
 INSTANTIATE_TEST_SUITE_P(EightGroupsAccepted, AddressPattern,
                          testing::Values(Ipv6(L"FE80:0:0:0:0:0:0:1"), Ipv6(L"0:0:0:0:0:0:0:0"),
                                          Ipv6(L"0123:4567:89AB:CDEF:FEDC:BA98:7654:3210"),
                                          Ipv6(L"1:22:333:4444:F:FF:FFF:FFFF"), Ipv6(L"9:9:9:9:A:A:A:A")));
 
-INSTANTIATE_TEST_SUITE_P(
-    EightGroupsRefused, AddressPattern,
-    testing::Values(Refused(L"fe80:0:0:0:0:0:0:1"), Refused(L"FE80:0:0:0:0:0:0:a"), Refused(L"FE80::1"),
-                    Refused(L"::1"), Refused(L"::"), Refused(L"1:2:3:4:5:6:7"), Refused(L"1:2:3:4:5:6:7:"),
-                    Refused(L"1:2:3:4:5:6:7:8:9"), Refused(L"10000:0:0:0:0:0:0:1"), Refused(L"0:0:0:0:0:0:0:10000"),
-                    Refused(L"G:0:0:0:0:0:0:1"), Refused(L"0:0:0:0:0:0:0:G"), Refused(L"FE80:0:0:0:0:0:0:1%3"),
-                    Refused(L"[FE80:0:0:0:0:0:0:1]"), Refused(L"0:0:0:0:0:FFFF:1.2.3.4"),
-                    Refused(L" FE80:0:0:0:0:0:0:1"), Refused(L"FE80:0:0:0:0:0:0:1 "),
-                    Refused(L"FE80:0:0:0:0:0:0:1\n")));
+INSTANTIATE_TEST_SUITE_P(EightGroupsRefused, AddressPattern,
+                         testing::Values(Refused(L"fe80:0:0:0:0:0:0:1"), Refused(L"FE80:0:0:0:0:0:0:a"),
+                                         Refused(L"FE80::1"), Refused(L"::1"), Refused(L"::"),
+                                         Refused(L"1:2:3:4:5:6:7"), Refused(L"1:2:3:4:5:6:7:"),
+                                         Refused(L"1:2:3:4:5:6:7:8:9"), Refused(L"10000:0:0:0:0:0:0:1"),
+                                         Refused(L"0:0:0:0:0:0:0:10000"), Refused(L"G:0:0:0:0:0:0:1"),
+                                         Refused(L"0:0:0:0:0:0:0:G"), Refused(L"FE80:0:0:0:0:0:0:1%3"),
+                                         Refused(L"[FE80:0:0:0:0:0:0:1]"), Refused(L"0:0:0:0:0:FFFF:1.2.3.4"),
+                                         Refused(L" FE80:0:0:0:0:0:0:1"), Refused(L"FE80:0:0:0:0:0:0:1 "),
+                                         Refused(L"FE80:0:0:0:0:0:0:1\n")));
 
 TEST_F(AddressText, IsNoAddressWhenTheSystemRefusesIt)
 {
@@ -270,8 +272,8 @@ TEST_F(AddressText, OfTheLongestIpv4AddressFits)
 TEST_F(AddressText, OfTheLongestIpv6AddressFits)
 {
     CStringW szAddress;
-    EXPECT_EQ(CWinSockHelper::AddressToIpString(
-                  Generic(MakeIpv6Address(L"1111:2222:3333:4444:5555:6666:7777:8888", 0)), szAddress),
+    EXPECT_EQ(CWinSockHelper::AddressToIpString(Generic(MakeIpv6Address(L"1111:2222:3333:4444:5555:6666:7777:8888", 0)),
+                                                szAddress),
               TRUE);
     EXPECT_STREQ(szAddress, L"1111:2222:3333:4444:5555:6666:7777:8888");
 }

@@ -1,0 +1,27 @@
+"""Cables of the home network, to pull and to put back."""
+
+import os
+import subprocess
+
+
+def _ip(*arguments: str, on_watch: bool = False) -> None:
+    host = os.environ["KALVO_WATCH_HOST"].split() if on_watch else []
+    subprocess.run([*host, "ip", *arguments], check=True, timeout=10)
+
+
+def unplug_computer() -> None:
+    _ip("link", "set", "lan", "down")
+
+
+def plug_in_computer() -> None:
+    _ip("link", "set", "lan", "up")
+    # Went with the link.
+    _ip("route", "replace", "default", "via", "192.168.1.1")
+
+
+def unplug_watch() -> None:
+    _ip("link", "set", "lan", "down", on_watch=True)
+
+
+def plug_in_watch() -> None:
+    _ip("link", "set", "lan", "up", on_watch=True)

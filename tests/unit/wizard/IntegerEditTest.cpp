@@ -1,0 +1,367 @@
+// The edit control that takes digits only, on a real one and with the real clipboard.
+
+#include "wizard/IntegerEdit.h"
+
+#include "tests/kit/Test.h"
+
+#include <cstring>
+
+using namespace kit;
+
+namespace {
+
+// An edit control of its own. The messages that reach the control itself leave their names in the
+// journal.
+class Edit
+{
+public:
+    explicit Edit(DWORD dwStyle = 0)
+        : m_hwnd(CreateWindowExW(0, L"Edit", L"before", WS_OVERLAPPED | ES_AUTOHSCROLL | dwStyle, 0, 0, 200, 30,
+                                 nullptr, nullptr, GetModuleHandleW(nullptr), nullptr))
+    {
+        s_pfnEditProc =
+            reinterpret_cast<WNDPROC>(SetWindowLongPtrW(m_hwnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&EditProc)));
+    }
+
+    ~Edit()
+    {
+        DestroyWindow(m_hwnd);
+    }
+
+    Edit(const Edit&) = delete;
+    Edit& operator=(const Edit&) = delete;
+
+    HWND Window() const
+    {
+        return m_hwnd;
+    }
+
+    std::wstring Text() const
+    {
+        WCHAR szText[256] = {};
+        GetWindowTextW(m_hwnd, szText, ARRAYSIZE(szText));
+        return szText;
+    }
+
+    LRESULT Send(UINT nMessage, WPARAM wParam = 0, LPARAM lParam = 0) const
+    {
+        return SendMessageW(m_hwnd, nMessage, wParam, lParam);
+    }
+
+    void Type(const std::wstring& strText) const
+    {
+        for (const WCHAR ch : strText) {
+            Send(WM_CHAR, ch, 1);
+        }
+    }
+
+private:
+    static LRESULT CALLBACK EditProc(HWND hwnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
+    {
+        switch (nMessage) {
+        case WM_CHAR:
+            Note("WM_CHAR " + std::to_string(wParam));
+            break;
+        case WM_PASTE:
+            Note("WM_PASTE");
+            break;
+        case EM_REPLACESEL:
+            Note("EM_REPLACESEL " + std::to_string(wParam) + ' ' + Narrow(reinterpret_cast<PCWSTR>(lParam)));
+            break;
+        case EM_LIMITTEXT:
+            Note("EM_LIMITTEXT " + std::to_string(wParam));
+            break;
+        case WM_SETTEXT:
+            Note("WM_SETTEXT " + Narrow(reinterpret_cast<PCWSTR>(lParam)));
+            break;
+        case WM_NCDESTROY:
+            Note("WM_NCDESTROY");
+            break;
+        default:
+            break;
+        }
+        return CallWindowProcW(s_pfnEditProc, hwnd, nMessage, wParam, lParam);
+    }
+
+    static inline WNDPROC s_pfnEditProc = nullptr;
+    HWND m_hwnd;
+};
+
+class IntegerEdit : public Test
+{
+protected:
+    static void Attach(const Edit& edit, UINT nLimit = 5)
+    {
+        CIntegerEdit::Attach(edit.Window(), nLimit, L"Caller()", L"Failure");
+        Journal().clear();
+    }
+
+    // Only the texts of the tests are on the clipboard.
+    static void Copy(const std::wstring& strText)
+    {
+        const size_t cb = (strText.size() + 1) * sizeof(WCHAR);
+        const HGLOBAL hText = GlobalAlloc(GMEM_MOVEABLE, cb);
+        std::memcpy(GlobalLock(hText), strText.c_str(), cb);
+        GlobalUnlock(hText);
+        SetClipboard(CF_UNICODETEXT, hText);
+    }
+
+    static void CopyBitmap()
+    {
+        SetClipboard(CF_BITMAP, CreateBitmap(4, 4, 1, 1, nullptr));
+    }
+
+private:
+    static void SetClipboard(UINT nFormat, HANDLE hData)
+    {
+        ASSERT_TRUE(OpenClipboard(nullptr));
+        ASSERT_TRUE(EmptyClipboard());
+        ASSERT_NE(SetClipboardData(nFormat, hData), nullptr);
+        ASSERT_TRUE(CloseClipboard());
+    }
+};
+
+TEST_F(IntegerEdit, IsSubclassedUnderItsOwnHandleThenLimitedThenEmptied)
+{
+    const Edit edit;
+    Journal().clear();
+    {
+        const REPLACED(SetWindowSubclass) subclass;
+        CIntegerEdit::Attach(edit.Window(), 6, L"Caller()", L"Failure");
+        ASSERT_EQ(subclass.Calls(), 1u);
+        EXPECT_EQ(subclass.Arg<0>(), edit.Window());
+        EXPECT_EQ(subclass.Arg<1>(), &CIntegerEdit::SubclassProc);
+        EXPECT_EQ(subclass.Arg<2>(), reinterpret_cast<UINT_PTR>(edit.Window()));
+        EXPECT_EQ(subclass.Arg<3>(), 0u);
+    }
+    EXPECT_EQ(Journal(), (Lines{"SetWindowSubclass", "EM_LIMITTEXT 6", "WM_SETTEXT "}));
+    EXPECT_EQ(edit.Text(), L"");
+}
+
+TEST_F(IntegerEdit, ThatCannotBeSubclassedEndsTheProcess)
+{
+    const REPLACED(SetWindowSubclass) subclass(Returns(FALSE));
+    EXPECT_EQ(ExitCodeOf([] {
+                  const Edit edit;
+                  Journal().clear();
+                  CIntegerEdit::Attach(edit.Window(), 5, L"Caller()", L"Failure");
+              }),
+              1u);
+    ExpectBox(L"Caller()\nFailure", L"Error");
+    EXPECT_EQ(Journal(), (Lines{"SetWindowSubclass", "box \"Caller()\nFailure\"", "exit 1"}));
+}
+
+TEST_F(IntegerEdit, TakesDigits)
+{
+    const Edit edit;
+    Attach(edit, 10);
+    edit.Type(L"0123456789");
+    EXPECT_EQ(edit.Text(), L"0123456789");
+}
+
+TEST_F(IntegerEdit, StopsAtItsLimit)
+{
+    const Edit edit;
+    Attach(edit, 5);
+    edit.Type(L"432109");
+    EXPECT_EQ(edit.Text(), L"43210");
+}
+
+TEST_F(IntegerEdit, DropsEverythingElseThatIsTyped)
+{
+    const Edit edit;
+    Attach(edit, 30);
+    for (const WCHAR ch : std::wstring(L" !\"#$%&'()*+,-./:;<=>?@AZ[\\]^_`az{|}~\x7F\xBD\xE4\x20AC")) {
+        EXPECT_EQ(edit.Send(WM_CHAR, ch, 1), 0);
+    }
+    EXPECT_EQ(Journal(), Lines{});
+    EXPECT_EQ(edit.Text(), L"");
+}
+
+TEST_F(IntegerEdit, LetsControlCharactersThrough)
+{
+    const Edit edit;
+    Attach(edit);
+    edit.Type(std::wstring(L"\x08\x1F\x20\x01\x03", 5));
+    EXPECT_EQ(Journal(), (Lines{"WM_CHAR 8", "WM_CHAR 31", "WM_CHAR 1", "WM_CHAR 3"}));
+}
+
+TEST_F(IntegerEdit, TakesBackspace)
+{
+    const Edit edit;
+    Attach(edit);
+    edit.Type(L"43\b2a\b");
+    EXPECT_EQ(edit.Text(), L"4");
+}
+
+TEST_F(IntegerEdit, IsAnOrdinaryEditOtherwise)
+{
+    const Edit edit;
+    Attach(edit);
+    edit.Type(L"4321");
+    EXPECT_EQ(edit.Send(WM_GETTEXTLENGTH), 4);
+    EXPECT_EQ(edit.Send(EM_GETLIMITTEXT), 5);
+    edit.Send(EM_SETSEL, 1, 3);
+    EXPECT_EQ(edit.Send(EM_GETSEL), MAKELONG(1, 3));
+}
+
+class IntegerEditPaste : public IntegerEdit, public testing::WithParamInterface<DWORD>
+{
+};
+
+TEST_P(IntegerEditPaste, FillsAFieldToItsLimit)
+{
+    Copy(L"43210");
+    const Edit edit(GetParam());
+    Attach(edit, 5);
+    edit.Send(WM_PASTE);
+    EXPECT_EQ(edit.Text(), L"43210");
+}
+
+TEST_P(IntegerEditPaste, InsertsAgainWhatStillFits)
+{
+    Copy(L"12");
+    const Edit edit(GetParam());
+    Attach(edit, 6);
+    edit.Send(WM_PASTE);
+    EXPECT_EQ(edit.Text(), L"1212");
+    edit.Send(WM_PASTE);
+    EXPECT_EQ(edit.Text(), L"121212");
+}
+
+INSTANTIATE_TEST_SUITE_P(PlainAndNumbersOnly, IntegerEditPaste, testing::Values(0, ES_NUMBER));
+
+TEST_F(IntegerEdit, PastesTheDigitsOfAMixedTextAndThenTheTextItself)
+{
+    Copy(L" 1a\t2\r\n3\b");
+    const Edit edit;
+    Attach(edit, 5);
+    edit.Send(WM_PASTE);
+    EXPECT_EQ(Journal(), (Lines{"EM_REPLACESEL 0 123", "WM_PASTE"}));
+    EXPECT_EQ(edit.Text(), L"123 1");
+}
+
+TEST_F(IntegerEdit, PastesOverTheSelection)
+{
+    Copy(L"77");
+    const Edit edit;
+    Attach(edit, 4);
+    edit.Type(L"1234");
+    edit.Send(EM_SETSEL, 0, -1);
+    edit.Send(WM_PASTE);
+    EXPECT_EQ(edit.Text(), L"7777");
+}
+
+TEST_F(IntegerEdit, PastesNothingOfATextWithoutDigitsButTheTextItself)
+{
+    Copy(L"abc");
+    const Edit edit;
+    Attach(edit, 6);
+    edit.Send(WM_PASTE);
+    EXPECT_EQ(Journal(), (Lines{"EM_REPLACESEL 0 ", "WM_PASTE"}));
+}
+
+TEST_F(IntegerEdit, PastesNothingOfABitmap)
+{
+    CopyBitmap();
+    const Edit edit;
+    Attach(edit);
+    edit.Type(L"4");
+    Journal().clear();
+    REPLACED(OpenClipboard) open;
+    open.Optional();
+    EXPECT_EQ(edit.Send(WM_PASTE), 0);
+    EXPECT_EQ(edit.Text(), L"4");
+    EXPECT_EQ(Journal(), Lines{});
+    EXPECT_EQ(open.Calls(), 0u);
+}
+
+TEST_F(IntegerEdit, AsksForTextBeforeItOpensTheClipboard)
+{
+    Copy(L"12");
+    const Edit edit;
+    Attach(edit, 6);
+    const REPLACED(IsClipboardFormatAvailable) available;
+    const REPLACED(OpenClipboard) open;
+    const REPLACED(GetClipboardData) data;
+    const REPLACED(GlobalLock) lock;
+    const REPLACED(GlobalUnlock) unlock;
+    const REPLACED(CloseClipboard) close;
+    edit.Send(WM_PASTE);
+    EXPECT_EQ(available.Arg<0>(), 13u);
+    EXPECT_EQ(open.Arg<0>(), edit.Window());
+    EXPECT_EQ(data.Arg<0>(), 13u);
+    EXPECT_EQ(unlock.Arg<0>(), lock.Arg<0>());
+    EXPECT_EQ(Journal(), (Lines{"IsClipboardFormatAvailable", "OpenClipboard", "GetClipboardData", "GlobalLock",
+                                "EM_REPLACESEL 0 12", "GlobalUnlock", "CloseClipboard", "WM_PASTE"}));
+    EXPECT_EQ(edit.Text(), L"1212");
+}
+
+TEST_F(IntegerEdit, PastesNothingWhenTheClipboardCannotBeOpened)
+{
+    Copy(L"12");
+    const Edit edit;
+    Attach(edit);
+    const REPLACED(OpenClipboard) open(Returns(FALSE));
+    REPLACED(CloseClipboard) close;
+    close.Optional();
+    EXPECT_EQ(edit.Send(WM_PASTE), 0);
+    EXPECT_EQ(edit.Text(), L"");
+    EXPECT_EQ(Journal(), Lines{"OpenClipboard"});
+}
+
+TEST_F(IntegerEdit, LeavesThePasteToTheControlWhenThereIsNoData)
+{
+    Copy(L"12");
+    const Edit edit;
+    Attach(edit);
+    const REPLACED(GetClipboardData) data(Returns(HANDLE(nullptr)));
+    REPLACED(GlobalLock) lock;
+    lock.Optional();
+    const REPLACED(CloseClipboard) close;
+    edit.Send(WM_PASTE);
+    EXPECT_EQ(Journal(), (Lines{"GetClipboardData", "CloseClipboard", "WM_PASTE"}));
+    EXPECT_EQ(edit.Text(), L"12");
+}
+
+TEST_F(IntegerEdit, LeavesThePasteToTheControlWhenTheDataCannotBeLocked)
+{
+    Copy(L"12");
+    const Edit edit;
+    Attach(edit);
+    const REPLACED(GlobalLock) lock(Returns(PVOID(nullptr)));
+    REPLACED(GlobalUnlock) unlock;
+    unlock.Optional();
+    const REPLACED(CloseClipboard) close;
+    edit.Send(WM_PASTE);
+    EXPECT_EQ(Journal(), (Lines{"GlobalLock", "CloseClipboard", "WM_PASTE"}));
+    EXPECT_EQ(edit.Text(), L"12");
+}
+
+TEST_F(IntegerEdit, IsNoneAnyMoreBeforeItsControlIsDestroyed)
+{
+    const REPLACED(RemoveWindowSubclass) remove;
+    HWND hwnd = nullptr;
+    {
+        const Edit edit;
+        hwnd = edit.Window();
+        Attach(edit);
+    }
+    ASSERT_EQ(remove.Calls(), 1u);
+    EXPECT_EQ(remove.Arg<0>(), hwnd);
+    EXPECT_EQ(remove.Arg<1>(), &CIntegerEdit::SubclassProc);
+    EXPECT_EQ(remove.Arg<2>(), reinterpret_cast<UINT_PTR>(hwnd));
+    EXPECT_EQ(Journal(), (Lines{"RemoveWindowSubclass", "WM_NCDESTROY"}));
+}
+
+TEST_F(IntegerEdit, IsRemovedUnderTheIdUnderWhichItWasInstalled)
+{
+    const REPLACED(RemoveWindowSubclass) remove;
+    {
+        const Edit edit;
+        SetWindowSubclass(edit.Window(), CIntegerEdit::SubclassProc, 4711, 5);
+    }
+    EXPECT_EQ(remove.Arg<2>(), 4711u);
+}
+
+} // namespace
