@@ -33,3 +33,8 @@ if(WIN32)
         set(CMAKE_MSVC_RUNTIME_LIBRARY "MultiThreaded$<$<CONFIG:Debug>:Debug>")
     endif()
 endif()
+
+if(KALVO_COVERAGE)
+    add_compile_options(--coverage)
+    add_link_options(--coverage)
+endif()

@@ -19,6 +19,10 @@ root_packages=(
     iproute2 nftables iputils-ping python3 procps zip unzip gcovr
 )
 
+# Windows 10 shows dialogs in Segoe UI's proportions, Wine in Tahoma's, and draws that wider than it
+# measures it. Open Sans has the proportions of Segoe UI.
+windows_dialog_font="Open Sans"
+
 # name, SHA-256
 miniz_source_package=woof-doom
 miniz_files=(

@@ -72,6 +72,16 @@ class Person:
         assert box.caption == caption, f'the box "{caption}" was to come, but there is {box}'
         return box
 
+    def wait_until_it_listens(self, seconds: float = LONGEST_STEP) -> None:
+        """Until the wizard takes input again. It is deaf while it works, and may still work when its words are said."""
+
+        def listens() -> bool:
+            frame = self.look().frame
+            buttons = [window for window in frame.descendants() if window.is_kind("Button")] if frame else []
+            return bool(buttons) and self.eyes.read(buttons[0]) is not None
+
+        wait_for("the wizard to listen", listens, seconds)
+
     def rest(self) -> Sight:
         """Until nothing changes any more on the screen."""
         last = self.look()

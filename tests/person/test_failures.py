@@ -40,6 +40,7 @@ class FailureTest(InstallationTest):
         self.assertEqual(box.message, message)
         self.assertEqual(box.buttons, ("OK",))
         self.person.dismiss(box)
+        self.person.wait_until_it_listens()
         sight = self.person.wait_for_page(page)
         self.assertEqual(sight.status, status)
         self.assertIn("Next", sight.buttons)

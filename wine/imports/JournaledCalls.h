@@ -10,6 +10,8 @@
 //                                      owner: none, page (a child window) or window; written before the
 //                                      box is shown, which then is the real one
 //   PropertySheetW result=1            when the wizard has ended
+//   ended code=13                      written by the launcher when the process is gone, with all 32 bits
+//                                      of its exit code
 //   fault WriteFile                    a call failed because the list of faults wanted it to
 #pragma once
 

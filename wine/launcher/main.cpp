@@ -1,12 +1,14 @@
 // Starts a program with the stand-ins in it: standins.dll, which lies beside this launcher, is loaded before
 // the program's first instruction. Ends when the program does, with its exit code.
 #include "imports/FailingCalls.h"
+#include "imports/Journal.h"
 #include "launcher/CommandLine.h"
 #include "launcher/Handle.h"
 #include "launcher/RemoteLibrary.h"
 
 #include <cstdio>
 #include <cwchar>
+#include <format>
 #include <string>
 
 namespace {
@@ -61,6 +63,30 @@ std::wstring LibraryPath()
     return szLauncher.substr(0, szLauncher.find_last_of(L'\\') + 1) + L"standins.dll";
 }
 
+// Lets the program end with the launcher, however that ends; not the processes that the program starts. Where
+// it cannot be done, nothing depends on it.
+CHandle TieTo(HANDLE hProcess)
+{
+    CHandle hJob(CreateJobObjectW(nullptr, nullptr));
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
+    limits.BasicLimitInformation.LimitFlags =
+        JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE | JOB_OBJECT_LIMIT_SILENT_BREAKAWAY_OK;
+    SetInformationJobObject(hJob.get(), JobObjectExtendedLimitInformation, &limits, sizeof(limits));
+    AssignProcessToJobObject(hJob.get(), hProcess);
+    return hJob;
+}
+
+int WaitForEnd(HANDLE hProcess)
+{
+    DWORD dwExitCode = kLauncherFailed;
+    WaitForSingleObject(hProcess, INFINITE);
+    GetExitCodeProcess(hProcess, &dwExitCode);
+    if (HasJournal()) {
+        WriteJournal(std::format(L"ended code={}", dwExitCode));
+    }
+    return static_cast<int>(dwExitCode);
+}
+
 int Run(std::wstring szCommandLine, PCWSTR pszProgram, bool bWait)
 {
     STARTUPINFOW startup = {};
@@ -77,14 +103,9 @@ int Run(std::wstring szCommandLine, PCWSTR pszProgram, bool bWait)
         TerminateProcess(hProcess.get(), kLauncherFailed);
         return SayFailed(L"cannot load " + LibraryPath() + L" into " + pszProgram, dwError);
     }
+    const CHandle hJob = bWait ? TieTo(hProcess.get()) : nullptr;
     ResumeThread(hThread.get());
-    if (!bWait) {
-        return 0;
-    }
-    DWORD dwExitCode = kLauncherFailed;
-    WaitForSingleObject(hProcess.get(), INFINITE);
-    GetExitCodeProcess(hProcess.get(), &dwExitCode);
-    return static_cast<int>(dwExitCode);
+    return bWait ? WaitForEnd(hProcess.get()) : 0;
 }
 
 } // namespace

@@ -1,0 +1,677 @@
+// Putting the tools on disk and removing them again: once for real, and every call that can fail.
+
+#include "tools/PlatformTools.h"
+
+#include "tests/kit/AnsweringAdb.h"
+#include "tests/kit/TemporaryFolder.h"
+#include "tests/kit/Test.h"
+#include "tests/unit/tools/StoredZip.h"
+
+#include <pathcch.h>
+#include <shellapi.h>
+#include <shlobj.h>
+
+using namespace kit;
+
+namespace {
+
+std::wstring SystemDescription(DWORD dwCode)
+{
+    WCHAR szText[512] = {};
+    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, dwCode, 0, szText, 512,
+                   nullptr);
+    return szText;
+}
+
+class PlatformTools : public Test
+{
+protected:
+    PlatformTools()
+    {
+        Tools() = {};
+    }
+
+    static CPlatformTools& Tools()
+    {
+        return CPlatformTools::GetInstance();
+    }
+
+    void Initialize()
+    {
+        ASSERT_TRUE(Tools().Initialize(WorkingFolder().c_str()));
+    }
+
+    // Not there at first.
+    std::filesystem::path WorkingFolder() const
+    {
+        return m_folder.Path() / "Local" / "KALVO_ApkInstaller";
+    }
+
+    std::filesystem::path ToolsFolder() const
+    {
+        return WorkingFolder() / "platform-tools";
+    }
+
+    std::filesystem::path Archive() const
+    {
+        return WorkingFolder() / "platform-tools_kalvo.zip";
+    }
+
+    void MakeLeftOvers()
+    {
+        create_directories(ToolsFolder() / "sub");
+        WriteTextFile(ToolsFolder() / "adb.exe", "old");
+        WriteTextFile(ToolsFolder() / "sub" / "file", "old");
+        WriteTextFile(Archive(), "old");
+    }
+
+    TemporaryFolder m_folder;
+};
+
+using PlatformToolsPaths = PlatformTools;
+
+TEST_F(PlatformToolsPaths, ThereIsOneObject)
+{
+    EXPECT_EQ(&CPlatformTools::GetInstance(), &CPlatformTools::GetInstance());
+}
+
+TEST_F(PlatformToolsPaths, HaveTheirFieldsInOrder)
+{
+    EXPECT_EQ(offsetof(CPlatformTools, m_bInitialized), 0u);
+    EXPECT_EQ(offsetof(CPlatformTools, m_szAdbExePath), 4u);
+    EXPECT_EQ(offsetof(CPlatformTools, m_szRootFolderPath), 4u + 520);
+    EXPECT_EQ(offsetof(CPlatformTools, m_szPlatformToolsFolderPath), 4u + 2 * 520);
+    EXPECT_EQ(offsetof(CPlatformTools, m_szZipFilePath), 4u + 3 * 520);
+    EXPECT_EQ(sizeof(CPlatformTools), 4u + 4 * 520);
+}
+
+TEST_F(PlatformToolsPaths, LieBelowTheWorkingFolder)
+{
+    EXPECT_TRUE(Tools().Initialize(L"C:\\Users\\kim\\AppData\\Local\\KALVO_ApkInstaller"));
+    EXPECT_EQ(Tools().m_bInitialized, 1);
+    EXPECT_STREQ(Tools().m_szRootFolderPath, L"C:\\Users\\kim\\AppData\\Local\\KALVO_ApkInstaller");
+    EXPECT_STREQ(Tools().m_szZipFilePath,
+                 L"C:\\Users\\kim\\AppData\\Local\\KALVO_ApkInstaller\\platform-tools_kalvo.zip");
+    EXPECT_STREQ(Tools().m_szPlatformToolsFolderPath,
+                 L"C:\\Users\\kim\\AppData\\Local\\KALVO_ApkInstaller\\platform-tools");
+    EXPECT_STREQ(Tools().m_szAdbExePath,
+                 L"C:\\Users\\kim\\AppData\\Local\\KALVO_ApkInstaller\\platform-tools\\adb.exe");
+}
+
+TEST_F(PlatformToolsPaths, AreCombinedWithinTheirBoundsInOrder)
+{
+    const REPLACED(PathCchCombine) combine;
+    EXPECT_TRUE(Tools().Initialize(L"C:\\w"));
+    EXPECT_EQ(combine.Calls(), 3u);
+    EXPECT_EQ(combine.Arg<0>(0), Tools().m_szZipFilePath);
+    EXPECT_EQ(combine.Arg<0>(1), Tools().m_szPlatformToolsFolderPath);
+    EXPECT_EQ(combine.Arg<0>(2), Tools().m_szAdbExePath);
+    for (size_t n = 0; n < 3; ++n) {
+        EXPECT_EQ(combine.Arg<1>(n), 260u);
+    }
+    EXPECT_EQ(combine.Arg<2>(2), L"C:\\w\\platform-tools");
+}
+
+TEST_F(PlatformToolsPaths, ASecondInitialisationFails)
+{
+    EXPECT_TRUE(Tools().Initialize(L"C:\\first"));
+    EXPECT_FALSE(Tools().Initialize(L"C:\\second"));
+    EXPECT_STREQ(Tools().m_szRootFolderPath, L"C:\\first");
+}
+
+TEST_F(PlatformToolsPaths, EachThatCannotBeCombinedFailsTheInitialisation)
+{
+    const auto fails = Returns(HRESULT(0x8007007A));
+    {
+        const REPLACED(PathCchCombine) combine{InTurn(fails)};
+        EXPECT_FALSE(Tools().Initialize(L"C:\\w"));
+    }
+    {
+        const REPLACED(PathCchCombine) combine{InTurn(PassOn(), fails)};
+        EXPECT_FALSE(Tools().Initialize(L"C:\\w"));
+    }
+    {
+        const REPLACED(PathCchCombine) combine{InTurn(PassOn(), PassOn(), fails)};
+        EXPECT_FALSE(Tools().Initialize(L"C:\\w"));
+    }
+    EXPECT_EQ(Tools().m_bInitialized, 0);
+}
+
+// "platform-tools_kalvo.zip" is the longest addition: 24 characters and a backslash.
+TEST_F(PlatformToolsPaths, MayFillTheirRoom)
+{
+    EXPECT_TRUE(Tools().Initialize((L"C:\\" + std::wstring(231, L'w')).c_str()));
+    EXPECT_EQ(wcslen(Tools().m_szZipFilePath), 259u);
+}
+
+TEST_F(PlatformToolsPaths, LongerThanTheirRoomFail)
+{
+    for (const size_t nLength : {232u, 255u, 256u, 257u, 300u}) {
+        EXPECT_FALSE(Tools().Initialize((L"C:\\" + std::wstring(nLength, L'w')).c_str())) << nLength;
+        EXPECT_EQ(Tools().m_bInitialized, 0);
+    }
+}
+
+// Everything but adb is real.
+class DeployedPlatformTools : public PlatformTools
+{
+protected:
+    DeployedPlatformTools()
+    {
+        Initialize();
+    }
+
+    void ExpectInstalled() const
+    {
+        EXPECT_EQ(file_size(ToolsFolder() / "adb.exe"), 5992960u);
+        EXPECT_EQ(file_size(ToolsFolder() / "AdbWinApi.dll"), 97792u);
+        EXPECT_EQ(file_size(ToolsFolder() / "AdbWinUsbApi.dll"), 62976u);
+        EXPECT_EQ(ReadTextFile(ToolsFolder() / "adb.exe").substr(0, 2), "MZ");
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(ToolsFolder()), {}), 3);
+        EXPECT_TRUE(exists(Archive()));
+    }
+
+    AnsweringAdb m_adb;
+};
+
+TEST_F(DeployedPlatformTools, AreInstalledOnACleanAccount)
+{
+    EXPECT_TRUE(Tools().Install());
+    ExpectInstalled();
+    EXPECT_EQ(Tools().m_szAdbExePath, (ToolsFolder() / "adb.exe").wstring());
+}
+
+TEST_F(DeployedPlatformTools, AreInstalledOverOldOnes)
+{
+    MakeLeftOvers();
+    remove_all(ToolsFolder() / "sub");
+    EXPECT_TRUE(Tools().Install());
+    ExpectInstalled();
+}
+
+TEST_F(DeployedPlatformTools, TheArchiveOnDiskIsTheResource)
+{
+    EXPECT_TRUE(Tools().Install());
+    const HRSRC hResource = FindResourceW(nullptr, MAKEINTRESOURCEW(223), RT_RCDATA);
+    const auto* pData = static_cast<const char*>(LockResource(LoadResource(nullptr, hResource)));
+    EXPECT_EQ(ReadTextFile(Archive()), std::string(pData, SizeofResource(nullptr, hResource)));
+}
+
+TEST_F(DeployedPlatformTools, LeaveNothingWhenTheyAreRemoved)
+{
+    ASSERT_TRUE(Tools().Install());
+    m_adb.Prints("");
+    EXPECT_TRUE(Tools().Uninstall());
+    EXPECT_TRUE(is_empty(WorkingFolder()));
+    EXPECT_EQ(m_adb.Commands(), std::vector<std::wstring>{L" kill-server"});
+}
+
+TEST_F(DeployedPlatformTools, AreRemovedWithTheArchivesOfOtherBuilds)
+{
+    MakeLeftOvers();
+    WriteTextFile(WorkingFolder() / "platform-tools_other.zip", "1");
+    WriteTextFile(WorkingFolder() / "platform-tools_.zip", "2");
+    WriteTextFile(WorkingFolder() / "platform-tools.zip", "not ours");
+    WriteTextFile(WorkingFolder() / "platform-tools_kalvo.txt", "not ours");
+    m_adb.Prints("");
+    EXPECT_TRUE(Tools().Uninstall());
+    EXPECT_FALSE(exists(ToolsFolder()));
+    EXPECT_FALSE(exists(Archive()));
+    EXPECT_FALSE(exists(WorkingFolder() / "platform-tools_other.zip"));
+    EXPECT_FALSE(exists(WorkingFolder() / "platform-tools_.zip"));
+    EXPECT_TRUE(exists(WorkingFolder() / "platform-tools.zip"));
+    EXPECT_TRUE(exists(WorkingFolder() / "platform-tools_kalvo.txt"));
+}
+
+TEST_F(DeployedPlatformTools, AreRemovedOnlyAfterTheServerWasStopped)
+{
+    MakeLeftOvers();
+    m_adb.Prints("").WhenItRuns([this](size_t) { EXPECT_TRUE(exists(ToolsFolder() / "adb.exe")); });
+    EXPECT_TRUE(Tools().Uninstall());
+}
+
+TEST_F(DeployedPlatformTools, AreRemovedThoughNoServerRan)
+{
+    MakeLeftOvers();
+    m_adb.Prints("cannot connect to daemon at tcp:5037: cannot connect to 127.0.0.1:5037: Connection refused. "
+                 "(10061)\r\n");
+    EXPECT_TRUE(Tools().Uninstall());
+    EXPECT_FALSE(exists(ToolsFolder()));
+}
+
+TEST_F(DeployedPlatformTools, AreRemovedButNotWellWhenTheServerCouldNotBeStopped)
+{
+    MakeLeftOvers();
+    m_adb.Prints("error: what?\r\n");
+    EXPECT_FALSE(Tools().Uninstall());
+    EXPECT_FALSE(exists(ToolsFolder()));
+    EXPECT_FALSE(exists(Archive()));
+
+    MakeLeftOvers();
+    m_adb.PrintsAndHidesItsExitCode("");
+    EXPECT_FALSE(Tools().Uninstall());
+    EXPECT_FALSE(exists(ToolsFolder()));
+    EXPECT_FALSE(exists(Archive()));
+}
+
+TEST_F(DeployedPlatformTools, WithoutTheirFolderAreNotRemovedWellButTheArchiveIsGone)
+{
+    MakeLeftOvers();
+    remove_all(ToolsFolder());
+    m_adb.Prints("");
+    EXPECT_FALSE(Tools().Uninstall());
+    EXPECT_FALSE(exists(Archive()));
+}
+
+TEST_F(DeployedPlatformTools, AreRemovedWellWithoutAnyArchive)
+{
+    MakeLeftOvers();
+    std::filesystem::remove(Archive());
+    m_adb.Prints("");
+    EXPECT_TRUE(Tools().Uninstall());
+}
+
+TEST_F(DeployedPlatformTools, AreNotRemovedWellWhenAnArchiveIsHeldOpen)
+{
+    MakeLeftOvers();
+    m_adb.Prints("");
+    const HANDLE hFile = CreateFileW(Archive().c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    EXPECT_FALSE(Tools().Uninstall());
+    CloseHandle(hFile);
+    EXPECT_TRUE(exists(Archive()));
+    EXPECT_FALSE(exists(ToolsFolder()));
+}
+
+TEST_F(DeployedPlatformTools, AreRemovedInOrder)
+{
+    MakeLeftOvers();
+    m_adb.Prints("");
+    const REPLACED(SHFileOperationW) fileOperation;
+    const REPLACED(FindFirstFileW) findFirst;
+    const REPLACED(DeleteFileW) deleteFile;
+    const REPLACED(FindClose) findClose;
+    EXPECT_TRUE(Tools().Uninstall());
+    EXPECT_EQ(Journal(), (Lines{"sleep 2000", "adb kill-server", "SHFileOperationW", "FindFirstFileW", "DeleteFileW",
+                                "FindClose"}));
+}
+
+using PlatformToolsFolder = DeployedPlatformTools;
+
+TEST_F(PlatformToolsFolder, IsMadeWithAllFoldersOnTheWay)
+{
+    const REPLACED(SHCreateDirectoryExW) createFolder;
+    EXPECT_TRUE(Tools().Install());
+    EXPECT_EQ(createFolder.Arg<0>(), nullptr);
+    EXPECT_EQ(createFolder.Arg<1>(), ToolsFolder().wstring());
+    EXPECT_EQ(createFolder.Arg<2>(), nullptr);
+}
+
+TEST_F(PlatformToolsFolder, MayBeThereAlready)
+{
+    create_directories(ToolsFolder());
+    for (const int nResult : {0, 183, 80}) {
+        const REPLACED(SHCreateDirectoryExW) createFolder(Returns(nResult));
+        EXPECT_TRUE(Tools().Install()) << nResult;
+    }
+}
+
+TEST_F(PlatformToolsFolder, ThatCannotBeMadeEndsTheProcessWithTheResult)
+{
+    const REPLACED(SHCreateDirectoryExW) createFolder(Returns(3));
+    REPLACED(FindResourceW) findResource;
+    findResource.Optional();
+    EXPECT_EQ(ExitCodeOf([] { Tools().Install(); }), 3u);
+    ExpectBox(L"CPlatformTools::CreateFolderPath() > SHCreateDirectoryEx() failed with error 0x00000003: " +
+                  SystemDescription(3) + L"\r\n",
+              L"Win32 Error");
+    EXPECT_EQ(findResource.Calls(), 0u);
+}
+
+TEST_F(PlatformToolsFolder, IsDeletedByTheShellSilentlyAndForGood)
+{
+    MakeLeftOvers();
+    SHFILEOPSTRUCTW asked = {};
+    std::wstring strFrom;
+    const REPLACED(SHFileOperationW) fileOperation([&](SHFILEOPSTRUCTW* pOperation) {
+        asked = *pOperation;
+        strFrom.assign(pOperation->pFrom, wcslen(pOperation->pFrom) + 2);
+        return 0;
+    });
+    EXPECT_TRUE(Tools().DeleteFolder());
+    EXPECT_EQ(asked.hwnd, nullptr);
+    EXPECT_EQ(asked.wFunc, static_cast<UINT>(FO_DELETE));
+    EXPECT_EQ(strFrom, ToolsFolder().wstring() + std::wstring(2, L'\0'));
+    EXPECT_EQ(asked.pTo, nullptr);
+    EXPECT_EQ(asked.fFlags, 0x0414);
+    EXPECT_EQ(asked.fAnyOperationsAborted, FALSE);
+    EXPECT_EQ(asked.hNameMappings, nullptr);
+    EXPECT_EQ(asked.lpszProgressTitle, nullptr);
+}
+
+TEST_F(PlatformToolsFolder, OfTheLongestPathIsStillAListOfOne)
+{
+    Tools() = {};
+    ASSERT_TRUE(Tools().Initialize((L"C:\\" + std::wstring(231, L'w')).c_str()));
+    const std::wstring strLongest = L"C:\\" + std::wstring(256, L'p');
+    wcscpy_s(Tools().m_szPlatformToolsFolderPath, strLongest.c_str());
+    std::wstring strFrom;
+    const REPLACED(SHFileOperationW) fileOperation([&](SHFILEOPSTRUCTW* pOperation) {
+        strFrom.assign(pOperation->pFrom, 261);
+        return 0;
+    });
+    EXPECT_TRUE(Tools().DeleteFolder());
+    EXPECT_EQ(strFrom, strLongest + std::wstring(2, L'\0'));
+}
+
+TEST_F(PlatformToolsFolder, ThatIsMissingIsNotDeletedWithoutAWord)
+{
+    const REPLACED(SHFileOperationW) fileOperation(Returns(2));
+    EXPECT_FALSE(Tools().DeleteFolder());
+}
+
+TEST_F(PlatformToolsFolder, ThatCannotBeDeletedEndsTheProcessWithThirteen)
+{
+    for (const int nResult : {5, 3, 124, 0x78, 1}) {
+        const REPLACED(SHFileOperationW) fileOperation(Returns(nResult));
+        EXPECT_EQ(ExitCodeOf([] { Tools().DeleteFolder(); }), 13u) << nResult;
+        ExpectBox(L"CPlatformTools::DeleteFolder() > SHFileOperation() failed with error 0x0000000D: " +
+                      SystemDescription(13) + L"\r\n",
+                  L"Win32 Error");
+    }
+}
+
+using PlatformToolsResource = DeployedPlatformTools;
+
+TEST_F(PlatformToolsResource, IsFoundInTheProgramItself)
+{
+    const REPLACED(FindResourceW) find;
+    const REPLACED(LoadResource) load;
+    const REPLACED(LockResource) lock;
+    const REPLACED(SizeofResource) size;
+    EXPECT_TRUE(Tools().Install());
+    EXPECT_EQ(find.Arg<0>(), nullptr);
+    EXPECT_EQ(find.Arg<1>(), L"#223");
+    EXPECT_EQ(find.Arg<2>(), L"#10");
+    EXPECT_EQ(load.Arg<0>(), nullptr);
+    EXPECT_EQ(size.Arg<0>(), nullptr);
+    EXPECT_EQ(load.Arg<1>(), size.Arg<1>());
+    EXPECT_EQ(Journal(), (Lines{"FindResourceW", "LoadResource", "LockResource", "SizeofResource"}));
+}
+
+TEST_F(PlatformToolsResource, ThatCannotBeFoundEndsTheProcessWithTheLastError)
+{
+    const REPLACED(FindResourceW) find(Returns(HRSRC(nullptr), ERROR_RESOURCE_NAME_NOT_FOUND));
+    EXPECT_EQ(ExitCodeOf([] { Tools().Install(); }), 1814u);
+    ExpectBox(L"CPlatformTools::LockZipFileResource() > FindResource() failed with error 1814: " +
+                  SystemDescription(1814),
+              L"Error");
+    EXPECT_FALSE(exists(Archive()));
+}
+
+TEST_F(PlatformToolsResource, ThatCannotBeLoadedEndsTheProcessWithTheLastError)
+{
+    const REPLACED(LoadResource) load(Returns(HGLOBAL(nullptr), ERROR_NOT_ENOUGH_MEMORY));
+    EXPECT_EQ(ExitCodeOf([] { Tools().Install(); }), 8u);
+    ExpectBox(L"CPlatformTools::LockZipFileResource() > LoadResource() failed with error 8: " + SystemDescription(8),
+              L"Error");
+}
+
+TEST_F(PlatformToolsResource, ThatCannotBeLockedEndsTheProcessWithTheLastError)
+{
+    const REPLACED(LockResource) lock(Returns(static_cast<void*>(nullptr), ERROR_INVALID_DATA));
+    EXPECT_EQ(ExitCodeOf([] { Tools().Install(); }), 13u);
+    ExpectBox(L"CPlatformTools::LockZipFileResource() > LockResource() failed with error 13: " +
+                  SystemDescription(13),
+              L"Error");
+    EXPECT_FALSE(exists(Archive()));
+}
+
+// The tools' archive is replaced by a small one, so that what happens to its file can be followed.
+class PlatformToolsArchive : public DeployedPlatformTools
+{
+protected:
+    PlatformToolsArchive()
+        : m_zip({{"platform-tools/adb.exe", "tool"}}), m_find(Returns(reinterpret_cast<HRSRC>(&m_zip))),
+          m_load(Returns(static_cast<HGLOBAL>(&m_zip))),
+          m_lock(Returns(const_cast<void*>(static_cast<const void*>(m_zip.Bytes().data())))),
+          m_size(Returns(static_cast<DWORD>(m_zip.Bytes().size())))
+    {
+        m_find.Optional().Unnoted();
+        m_load.Optional().Unnoted();
+        m_lock.Optional().Unnoted();
+        m_size.Optional().Unnoted();
+    }
+
+    StoredZip m_zip;
+    REPLACED(FindResourceW) m_find;
+    REPLACED(LoadResource) m_load;
+    REPLACED(LockResource) m_lock;
+    REPLACED(SizeofResource) m_size;
+};
+
+TEST_F(PlatformToolsArchive, IsWrittenWholeAndUnpacked)
+{
+    const REPLACED(CreateFileW) create;
+    const REPLACED(WriteFile) write;
+    HANDLE hFile = nullptr;
+    const REPLACED(CloseHandle) close([&](HANDLE h) { return close.Next(hFile = h); });
+    EXPECT_TRUE(Tools().Install());
+    EXPECT_EQ(ReadTextFile(ToolsFolder() / "adb.exe"), "tool");
+
+    EXPECT_EQ(m_lock.Arg<0>(), &m_zip);
+    EXPECT_EQ(create.Arg<0>(), Archive().wstring());
+    EXPECT_EQ(create.Arg<1>(), static_cast<DWORD>(GENERIC_WRITE));
+    EXPECT_EQ(create.Arg<2>(), 0u);
+    EXPECT_EQ(create.Arg<3>(), nullptr);
+    EXPECT_EQ(create.Arg<4>(), static_cast<DWORD>(CREATE_ALWAYS));
+    EXPECT_EQ(create.Arg<5>(), static_cast<DWORD>(FILE_ATTRIBUTE_NORMAL));
+    EXPECT_EQ(create.Arg<6>(), nullptr);
+    EXPECT_EQ(write.Calls(), 1u);
+    EXPECT_EQ(write.Arg<0>(), hFile);
+    EXPECT_EQ(write.Arg<1>(), m_zip.Bytes().data());
+    EXPECT_EQ(write.Arg<2>(), m_zip.Bytes().size());
+    EXPECT_NE(write.Arg<3>(), nullptr);
+    EXPECT_EQ(write.Arg<4>(), nullptr);
+    EXPECT_EQ(Journal(), (Lines{"CreateFileW", "WriteFile", "CloseHandle"}));
+}
+
+TEST_F(PlatformToolsArchive, OfAnEarlierRunIsOverwritten)
+{
+    create_directories(WorkingFolder());
+    WriteTextFile(Archive(), std::string(100000, 'x'));
+    EXPECT_TRUE(Tools().Install());
+    EXPECT_EQ(ReadTextFile(Archive()), m_zip.Bytes());
+}
+
+TEST_F(PlatformToolsArchive, ThatCannotBeCreatedIsToldAndFails)
+{
+    const REPLACED(CreateFileW) create(Returns(INVALID_HANDLE_VALUE, ERROR_ACCESS_DENIED));
+    REPLACED(WriteFile) write;
+    write.Optional();
+    EXPECT_FALSE(Tools().Install());
+    ExpectBox(L"CPlatformTools::WriteZipFileResource() > CreateFile() failed with error 5: " + SystemDescription(5),
+              L"Error");
+    EXPECT_EQ(write.Calls(), 0u);
+    EXPECT_FALSE(exists(ToolsFolder() / "adb.exe"));
+}
+
+TEST_F(PlatformToolsArchive, ThatCannotBeWrittenFailsWithoutAWordAndStaysOpen)
+{
+    const HANDLE hFile = reinterpret_cast<HANDLE>(0xF11E1);
+    const REPLACED(CreateFileW) create(Returns(hFile));
+    const REPLACED(WriteFile) write(Returns(FALSE, ERROR_DISK_FULL));
+    REPLACED(CloseHandle) close;
+    close.Optional();
+    EXPECT_FALSE(Tools().Install());
+    EXPECT_EQ(close.Calls(), 0u);
+    EXPECT_FALSE(exists(ToolsFolder() / "adb.exe"));
+}
+
+TEST_F(PlatformToolsArchive, ThatCannotBeClosedFailsWithoutAWord)
+{
+    const REPLACED(CloseHandle) close([&](HANDLE h) {
+        close.Next(h);
+        return FALSE;
+    });
+    EXPECT_FALSE(Tools().Install());
+    EXPECT_EQ(close.Calls(), 1u);
+    EXPECT_FALSE(exists(ToolsFolder() / "adb.exe"));
+}
+
+TEST_F(PlatformToolsArchive, IsReadByItsNameInTheThreadsCodePage)
+{
+    const REPLACED(WideCharToMultiByte) narrow;
+    EXPECT_TRUE(Tools().Install());
+    EXPECT_EQ(narrow.Calls(), 2u);
+    EXPECT_EQ(narrow.Arg<0>(0), static_cast<UINT>(CP_THREAD_ACP));
+    EXPECT_EQ(narrow.Arg<2>(0), Archive().wstring());
+    EXPECT_EQ(narrow.Arg<0>(1), static_cast<UINT>(CP_THREAD_ACP));
+    EXPECT_EQ(narrow.Arg<2>(1), WorkingFolder().wstring());
+}
+
+TEST_F(PlatformToolsArchive, ThatCannotBeOpenedFailsWithoutAWord)
+{
+    const REPLACED(_wfopen_s) open(Returns(errno_t(EACCES)));
+    EXPECT_FALSE(Tools().Install());
+    EXPECT_EQ(open.Arg<1>(), Archive().wstring());
+}
+
+TEST_F(PlatformToolsArchive, ThatIsNoneFailsWithoutAWord)
+{
+    const REPLACED(SizeofResource) size(Returns(DWORD(10)));
+    EXPECT_FALSE(Tools().Install());
+    EXPECT_EQ(file_size(Archive()), 10u);
+}
+
+TEST_F(PlatformToolsArchive, ThatIsDamagedFailsWithoutAWord)
+{
+    StoredZip damaged({{"platform-tools/adb.exe", "tool", 0, 0, 1}});
+    ASSERT_EQ(damaged.Bytes().size(), m_zip.Bytes().size());
+    const REPLACED(LockResource)
+        lock(Returns(const_cast<void*>(static_cast<const void*>(damaged.Bytes().data()))));
+    EXPECT_FALSE(Tools().Install());
+}
+
+TEST_F(PlatformToolsArchive, StaysAfterInstalling)
+{
+    EXPECT_TRUE(Tools().Install());
+    EXPECT_TRUE(exists(Archive()));
+}
+
+// The user's name is not ASCII: the archive library reads the narrowed path as UTF-8, so where the
+// thread's code page is another one the two do not meet, and nothing is written anywhere else.
+TEST_F(PlatformToolsArchive, BelowAnUnnarrowablePathIsNotUnpacked)
+{
+    Tools() = {};
+    const std::filesystem::path folder = m_folder.Path() / L"J\u00F6rg";
+    ASSERT_TRUE(Tools().Initialize(folder.c_str()));
+    ASSERT_NE(GetACP(), static_cast<UINT>(CP_UTF8));
+    EXPECT_FALSE(Tools().Install());
+    EXPECT_TRUE(exists(folder / "platform-tools_kalvo.zip"));
+    EXPECT_FALSE(exists(folder / "platform-tools" / "adb.exe"));
+}
+
+class PlatformToolsArchives : public DeployedPlatformTools
+{
+protected:
+    PlatformToolsArchives()
+        : m_findFirst([this](PCWSTR, WIN32_FIND_DATAW* pFound) {
+              m_nFound = 0;
+              return Find(pFound) ? hFind : INVALID_HANDLE_VALUE;
+          }),
+          m_findNext([this](HANDLE, WIN32_FIND_DATAW* pFound) { return Find(pFound); }),
+          m_delete([this](PCWSTR pszPath) -> BOOL { return pszPath != m_strUndeletable; })
+    {
+        m_adb.Prints("");
+        m_findFirst.Optional();
+        m_findNext.Optional();
+        m_delete.Optional();
+        m_close.Optional();
+    }
+
+    BOOL Find(WIN32_FIND_DATAW* pFound)
+    {
+        if (m_nFound == m_names.size()) {
+            SetLastError(ERROR_NO_MORE_FILES);
+            return FALSE;
+        }
+        wcscpy_s(pFound->cFileName, m_names[m_nFound++].c_str());
+        return TRUE;
+    }
+
+    // The rest of the removal goes well.
+    bool DeletesArchives()
+    {
+        const REPLACED(SHFileOperationW) fileOperation(Returns(0));
+        const bool bResult = Tools().Uninstall();
+        Lines& journal = Journal();
+        journal.erase(journal.begin(), std::ranges::find(journal, "SHFileOperationW") + 1);
+        return bResult;
+    }
+
+    const HANDLE hFind = reinterpret_cast<HANDLE>(0xF17D);
+    std::vector<std::wstring> m_names = {L"platform-tools_a.zip", L"platform-tools_b.zip", L"platform-tools_c.zip"};
+    size_t m_nFound = 0;
+    std::wstring m_strUndeletable;
+    REPLACED(FindFirstFileW) m_findFirst;
+    REPLACED(FindNextFileW) m_findNext;
+    REPLACED(DeleteFileW) m_delete;
+    REPLACED(FindClose) m_close{Returns(TRUE)};
+};
+
+TEST_F(PlatformToolsArchives, AreAllDeleted)
+{
+    EXPECT_TRUE(DeletesArchives());
+    EXPECT_EQ(Journal(), (Lines{"FindFirstFileW", "DeleteFileW", "FindNextFileW", "DeleteFileW", "FindNextFileW",
+                                "DeleteFileW", "FindNextFileW", "FindClose"}));
+    EXPECT_EQ(m_findFirst.Arg<0>(), (WorkingFolder() / "platform-tools_*.zip").wstring());
+    EXPECT_EQ(m_delete.Arg<0>(0), (WorkingFolder() / "platform-tools_a.zip").wstring());
+    EXPECT_EQ(m_delete.Arg<0>(2), (WorkingFolder() / "platform-tools_c.zip").wstring());
+    EXPECT_EQ(m_findNext.Arg<0>(), hFind);
+    EXPECT_EQ(m_close.Arg<0>(), hFind);
+}
+
+TEST_F(PlatformToolsArchives, MayBeNone)
+{
+    m_names.clear();
+    EXPECT_TRUE(DeletesArchives());
+    EXPECT_EQ(Journal(), Lines{"FindFirstFileW"});
+}
+
+TEST_F(PlatformToolsArchives, TheFirstThatCannotBeDeletedEndsTheSearch)
+{
+    m_strUndeletable = (WorkingFolder() / "platform-tools_b.zip").wstring();
+    EXPECT_FALSE(DeletesArchives());
+    EXPECT_EQ(m_delete.Calls(), 2u);
+    EXPECT_EQ(Journal().back(), "FindClose");
+}
+
+TEST_F(PlatformToolsArchives, TheLastThatCannotBeDeletedFails)
+{
+    m_strUndeletable = (WorkingFolder() / "platform-tools_c.zip").wstring();
+    EXPECT_FALSE(DeletesArchives());
+    EXPECT_EQ(m_delete.Calls(), 3u);
+    EXPECT_EQ(Journal().back(), "FindClose");
+}
+
+TEST_F(PlatformToolsArchives, FailWhenTheSearchPatternCannotBeMade)
+{
+    const REPLACED(PathCchCombine) combine(Returns(HRESULT(E_INVALIDARG)));
+    EXPECT_FALSE(DeletesArchives());
+    EXPECT_EQ(combine.Calls(), 1u);
+    EXPECT_EQ(combine.Arg<1>(), 260u);
+    EXPECT_EQ(combine.Arg<2>(), WorkingFolder().wstring());
+    EXPECT_EQ(combine.Arg<3>(), L"platform-tools_*.zip");
+    EXPECT_EQ(m_findFirst.Calls(), 0u);
+}
+
+TEST_F(PlatformToolsArchives, OneWhosePathCannotBeMadeEndsTheSearch)
+{
+    const REPLACED(PathCchCombine) combine{InTurn(PassOn(), Returns(HRESULT(E_INVALIDARG)))};
+    EXPECT_FALSE(DeletesArchives());
+    EXPECT_EQ(combine.Arg<3>(1), L"platform-tools_a.zip");
+    EXPECT_EQ(m_delete.Calls(), 0u);
+    EXPECT_EQ(Journal().back(), "FindClose");
+}
+
+} // namespace
