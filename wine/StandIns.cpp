@@ -6,6 +6,7 @@
 #include "imports/JournaledCalls.h"
 #include "system/AddressControl.h"
 #include "system/BestRoute.h"
+#include "system/Foreground.h"
 
 namespace {
 
@@ -23,6 +24,7 @@ bool Install(HMODULE hProgram)
 {
     g_pfnPropertySheetW = ReplaceImport(hProgram, "PropertySheetW", ShowPropertySheet);
     ReplaceImport(hProgram, "GetBestRoute2", BestRoute);
+    ReplaceImport(hProgram, "SetForegroundWindow", BringToForeground);
     if (!InstallFaults(hProgram)) {
         return false;
     }

@@ -31,9 +31,8 @@ AnsweringAdb::AnsweringAdb()
           return IsOurs(h) || m_setHandleInformation.Next(h, dwMask, dwFlags);
       }),
       m_createProcess([this](PCWSTR, PWSTR pszCommandLine, SECURITY_ATTRIBUTES*, SECURITY_ATTRIBUTES*, BOOL, DWORD,
-                             void*, PCWSTR, STARTUPINFOW*, PROCESS_INFORMATION* pInfo) {
-          return OnCreateProcess(pszCommandLine, pInfo);
-      }),
+                             void*, PCWSTR, STARTUPINFOW*,
+                             PROCESS_INFORMATION* pInfo) { return OnCreateProcess(pszCommandLine, pInfo); }),
       m_readFile([this](HANDLE h, void* pBuffer, DWORD cbBuffer, DWORD* pcbRead, OVERLAPPED* pOverlapped) {
           return IsOurs(h) ? OnReadFile(pBuffer, cbBuffer, pcbRead)
                            : m_readFile.Next(h, pBuffer, cbBuffer, pcbRead, pOverlapped);

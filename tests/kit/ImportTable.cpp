@@ -15,7 +15,7 @@ BYTE* Image()
     return reinterpret_cast<BYTE*>(GetModuleHandleW(nullptr));
 }
 
-template <typename T>
+template<typename T>
 T* At(DWORD nRva)
 {
     return reinterpret_cast<T*>(Image() + nRva);

@@ -27,7 +27,7 @@
 namespace kit {
 
 // An answer: gives this result, and leaves this last error behind when there is one.
-template <typename T>
+template<typename T>
 auto Returns(T result, std::optional<DWORD> error = std::nullopt)
 {
     return [result, error](auto&&...) {
@@ -45,7 +45,7 @@ struct PassOn
 
 // Answers for the first, second, third call. One more call than answers fails the test and gets the
 // last answer again.
-template <typename... Answers>
+template<typename... Answers>
 struct InTurn
 {
     explicit InTurn(Answers... args) : answers(std::move(args)...) {}
@@ -60,7 +60,7 @@ bool IsTestThread();
 void SetBodyThread(DWORD dwThreadId);
 
 // A function's name as a template argument.
-template <size_t t_nSize>
+template<size_t t_nSize>
 struct FunctionName
 {
     // NOLINTNEXTLINE(google-explicit-constructor): a text literal stands for it
@@ -72,7 +72,7 @@ struct FunctionName
 };
 
 // How an argument is kept: wide texts as they were at the time of the call, everything else as it is.
-template <typename T>
+template<typename T>
 struct KeptArgument
 {
     using type = T;
@@ -82,7 +82,7 @@ struct KeptArgument
     }
 };
 
-template <>
+template<>
 struct KeptArgument<const wchar_t*>
 {
     using type = std::wstring;
@@ -90,10 +90,10 @@ struct KeptArgument<const wchar_t*>
     static std::wstring From(const wchar_t* psz);
 };
 
-template <FunctionName t_name, typename Function>
+template<FunctionName t_name, typename Function>
 class Replaced;
 
-template <FunctionName t_name, typename Result, typename... Args>
+template<FunctionName t_name, typename Result, typename... Args>
 class Replaced<t_name, Result (*)(Args...)>
 {
 public:
@@ -108,14 +108,14 @@ public:
     }
 
     // One answer for every call: Returns(…), or anything that takes the arguments.
-    template <typename Callable>
+    template<typename Callable>
         requires std::is_invocable_v<Callable, Args...>
     explicit Replaced(Callable answer) : m_answers{MakeAnswer(std::move(answer))}
     {
         Install();
     }
 
-    template <typename... Answers>
+    template<typename... Answers>
     explicit Replaced(InTurn<Answers...> inTurn) : m_bInTurn(true)
     {
         std::apply([this](auto&... answer) { (m_answers.push_back(MakeAnswer(std::move(answer))), ...); },
@@ -155,7 +155,7 @@ public:
     }
 
     // Argument t_nIndex of a call, both counted from 0.
-    template <size_t t_nIndex>
+    template<size_t t_nIndex>
     auto Arg(size_t nCall = 0) const
     {
         if (nCall < m_calls.size()) {
@@ -186,7 +186,7 @@ private:
         return [this](Args... args) { return Next(args...); };
     }
 
-    template <typename Callable>
+    template<typename Callable>
     static Answer MakeAnswer(Callable answer)
     {
         return Answer(std::move(answer));
@@ -245,7 +245,7 @@ private:
 };
 
 // Functions declared never to throw are replaced like any other.
-template <FunctionName t_name, typename Result, typename... Args>
+template<FunctionName t_name, typename Result, typename... Args>
 class Replaced<t_name, Result (*)(Args...) noexcept> : public Replaced<t_name, Result (*)(Args...)>
 {
 public:

@@ -80,8 +80,7 @@ std::optional<UINT> Test::ExitCodeOf(std::function<void()> function)
     Body body{std::move(function)};
     m_exitCode.reset();
     DWORD dwThread = 0;
-    const HANDLE hThread =
-        unreplaced::CreateThread(nullptr, 0, RunBody, &body, CREATE_SUSPENDED, &dwThread);
+    const HANDLE hThread = unreplaced::CreateThread(nullptr, 0, RunBody, &body, CREATE_SUSPENDED, &dwThread);
     if (hThread == nullptr) {
         throw std::runtime_error("no thread for the body");
     }

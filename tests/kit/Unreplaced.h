@@ -7,9 +7,8 @@
 namespace kit::unreplaced {
 
 #define KIT_UNREPLACED(function)                                                                                       \
-    inline const auto function =                                                                                       \
-        reinterpret_cast<decltype(&::function)>(reinterpret_cast<void*>(                                               \
-            ::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), #function)))
+    inline const auto function = reinterpret_cast<decltype(&::function)>(                                              \
+        reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"kernel32.dll"), #function)))
 
 KIT_UNREPLACED(CloseHandle);
 KIT_UNREPLACED(CreateThread);

@@ -1,9 +1,15 @@
 """Keyboard and mouse: input events as the devices themselves make them."""
 
 import subprocess
+import time
 
 # Between two keys. A practised typist's pace, with room for programs that look at every key.
 KEY_DELAY_MS = 12
+
+# Two clicks on one place are a double click to Windows unless so much time is between them.
+SEPARATE_CLICKS = 0.6
+
+_last_click = (0, 0, 0.0)
 
 
 def _act(*arguments: str) -> None:
@@ -21,8 +27,13 @@ def type_text(text: str) -> None:
 
 
 def click(x: int, y: int, times: int = 1) -> None:
-    """Moves the mouse there and clicks."""
-    _act("mousemove", "--sync", str(x), str(y), "click", "--repeat", str(times), "--delay", "40", "1")
+    """Moves the mouse there and clicks; twice is a double click."""
+    global _last_click
+    last_x, last_y, when = _last_click
+    if (x, y) == (last_x, last_y):
+        time.sleep(max(0.0, when + SEPARATE_CLICKS - time.monotonic()))
+    _act("mousemove", str(x), str(y), "click", "--repeat", str(times), "--delay", "40", "1")
+    _last_click = (x, y, time.monotonic())
 
 
 def move_mouse_away() -> None:

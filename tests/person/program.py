@@ -1,5 +1,6 @@
 """The installer as the user has it: a downloaded program with the package beside it."""
 
+import re
 import shutil
 import subprocess
 from pathlib import Path
@@ -76,13 +77,27 @@ def left_behind() -> list[str]:
     return files + ["a running adb.exe"] * adb_is_running()
 
 
+def stop_adb() -> None:
+    """Stops adb's server as somebody else would who uses adb on this computer."""
+    adb = working_folder() / "platform-tools" / "adb.exe"
+    quiet = subprocess.DEVNULL
+    subprocess.run(["wine", adb, "kill-server"], check=True, timeout=30, stdin=quiet, stdout=quiet, stderr=quiet)
+
+
+def adb_processes() -> list[int]:
+    """The ids of this home's processes of adb. Its server goes by the bare name."""
+    processes = Path("/proc").glob("[0-9]*")
+    return [int(process.name) for process in processes if _program_name(process) in ("adb", "adb.exe")]
+
+
 def adb_is_running() -> bool:
     """Whether adb's server is among the processes of this home."""
-    return any("adb.exe" in _command_line(process) for process in Path("/proc").glob("[0-9]*"))
+    return bool(adb_processes())
 
 
-def _command_line(process: Path) -> str:
+def _program_name(process: Path) -> str:
     try:
-        return (process / "cmdline").read_text(errors="replace")
+        program = (process / "cmdline").read_text(errors="replace").split("\0")[0]
     except OSError:  # it has just ended
         return ""
+    return re.split(r"[\\/]", program)[-1].lower()

@@ -5,6 +5,7 @@ import unittest
 import pages
 from installation import InstallationTest
 from journey import fill_in, go_to_page
+from wizard import Sight
 
 LAST = len(pages.PAGES)
 
@@ -50,9 +51,10 @@ class BackAndForth(InstallationTest):
         self.person.click_button("Finish")
         self.finish()
 
-    def assert_kept(self, sight) -> None:
+    def assert_kept(self, sight: Sight) -> None:
         """What was filled in is still there, and Next with it."""
         page = sight.page
+        assert page
         if page.box:
             self.assertIs(self.person.holds(page.box), True, f"page {page.number} lost its tick")
         if page.number == 5:

@@ -1,6 +1,7 @@
 """Leaving the wizard before its end: at once, without a question, with nothing left behind."""
 
 import unittest
+from collections.abc import Callable
 
 import pages
 from installation import InstallationTest
@@ -15,7 +16,7 @@ class LeavingTest(InstallationTest):
     # So that an earlier pairing is not needed on the way to the later pages.
     watch_switches = ("--trust-all",)
 
-    def leave(self, page: int, how) -> None:
+    def leave(self, page: int, how: Callable[[Person], None]) -> None:
         go_to_page(self.person, page, self.watch, pair=False)
         how(self.person)
         self.finish()
@@ -35,7 +36,7 @@ def _add_tests() -> None:
         when = "before" if page <= INSTALL else "after"
         for name, how in (("cancel", _click_cancel), ("escape", _press_escape)):
 
-            def test(self: LeavingTest, page: int = page, how=how) -> None:
+            def test(self: LeavingTest, page: int = page, how: Callable[[Person], None] = how) -> None:
                 self.leave(page, how)
 
             setattr(LeavingTest, f"test_{name}_{when}_installing_on_page_{page:02}", test)

@@ -34,8 +34,8 @@ bool CBackButton::Create(HWND hwndFrame, int nId, const RECT& rect)
         return false;
     }
     SetWindowLongPtrW(m_hwnd, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-    m_pfnOriginal = reinterpret_cast<WNDPROC>(
-        SetWindowLongPtrW(m_hwnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Procedure)));
+    m_pfnOriginal =
+        reinterpret_cast<WNDPROC>(SetWindowLongPtrW(m_hwnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Procedure)));
     return true;
 }
 

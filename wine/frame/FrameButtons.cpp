@@ -89,10 +89,10 @@ bool CFrameButtons::CreateStrip(HWND hwndFrame, const CFrameLayout& layout, HFON
 {
     const RECT rect = layout.Button(0);
     for (size_t n = IndexOf(PSWIZB_NEXT); n < std::size(kButtons); ++n) {
-        m_windows[n] = CreateWindowExW(0, L"Button", kButtons[n].pszText, WS_CHILD | WS_TABSTOP | BS_PUSHBUTTON,
-                                       rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top, hwndFrame,
-                                       reinterpret_cast<HMENU>(static_cast<INT_PTR>(kButtons[n].nId)), nullptr,
-                                       nullptr);
+        m_windows[n] =
+            CreateWindowExW(0, L"Button", kButtons[n].pszText, WS_CHILD | WS_TABSTOP | BS_PUSHBUTTON, rect.left,
+                            rect.top, rect.right - rect.left, rect.bottom - rect.top, hwndFrame,
+                            reinterpret_cast<HMENU>(static_cast<INT_PTR>(kButtons[n].nId)), nullptr, nullptr);
         if (m_windows[n] == nullptr) {
             return false;
         }

@@ -7,10 +7,10 @@
 struct FRAME_CONTENT
 {
     UINT nDpi;
-    SIZE page;          // of the largest page
-    SIZE captionText;   // one line of the caption's font
-    SIZE headerTitle;   // one line of the header title's font; only the height counts
-    SIZE widestButton;  // the longest text on a button
+    SIZE page;         // of the largest page
+    SIZE captionText;  // one line of the caption's font
+    SIZE headerTitle;  // one line of the header title's font; only the height counts
+    SIZE widestButton; // the longest text on a button
 };
 
 // All rectangles are in the coordinates of the frame's window, which has no non-client area.

@@ -26,7 +26,8 @@ float DistanceToLine(STROKE_POINT p, std::initializer_list<STROKE_POINT> points)
 
 BYTE Mix(BYTE nOld, BYTE nNew, float fShare)
 {
-    return static_cast<BYTE>(std::lround(static_cast<float>(nOld) * (1.0f - fShare) + static_cast<float>(nNew) * fShare));
+    return static_cast<BYTE>(
+        std::lround(static_cast<float>(nOld) * (1.0f - fShare) + static_cast<float>(nNew) * fShare));
 }
 
 COLORREF Mix(COLORREF old, COLORREF color, float fShare)
@@ -43,7 +44,8 @@ RECT BoundsOf(float fWidth, std::initializer_list<STROKE_POINT> points)
     const auto [pLeft, pRight] = std::minmax_element(points.begin(), points.end(), byX);
     const auto [pTop, pBottom] = std::minmax_element(points.begin(), points.end(), byY);
     return {static_cast<LONG>(std::floor(pLeft->x - fWidth)), static_cast<LONG>(std::floor(pTop->y - fWidth)),
-            static_cast<LONG>(std::ceil(pRight->x + fWidth)) + 1, static_cast<LONG>(std::ceil(pBottom->y + fWidth)) + 1};
+            static_cast<LONG>(std::ceil(pRight->x + fWidth)) + 1,
+            static_cast<LONG>(std::ceil(pBottom->y + fWidth)) + 1};
 }
 
 } // namespace

@@ -141,10 +141,9 @@ bool CWizardFrame::CreateControls()
         return false;
     }
     const RECT title = m_layout->HeaderTitle();
-    m_hwndHeaderTitle =
-        CreateWindowExW(0, L"Static", nullptr, WS_CHILD | WS_VISIBLE | SS_NOPREFIX | SS_ENDELLIPSIS, title.left,
-                        title.top, title.right - title.left, title.bottom - title.top, m_hwnd, nullptr, nullptr,
-                        nullptr);
+    m_hwndHeaderTitle = CreateWindowExW(0, L"Static", nullptr, WS_CHILD | WS_VISIBLE | SS_NOPREFIX | SS_ENDELLIPSIS,
+                                        title.left, title.top, title.right - title.left, title.bottom - title.top,
+                                        m_hwnd, nullptr, nullptr, nullptr);
     if (m_hwndHeaderTitle == nullptr) {
         return false;
     }

@@ -109,7 +109,7 @@ private:
     HWND m_hwndFocus = nullptr;    // where the focus belongs while the window is not the active one
     HWND m_hwndFollowed = nullptr; // where it was after the last message
     bool m_bActive = false;
-    bool m_bSettled = true;            // false from a page's activation until what it posted has arrived
-    bool m_bDefaultGetsFocus = false;  // once settled: the page has nothing of its own to focus
+    bool m_bSettled = true;           // false from a page's activation until what it posted has arrived
+    bool m_bDefaultGetsFocus = false; // once settled: the page has nothing of its own to focus
     std::optional<INT_PTR> m_result;
 };

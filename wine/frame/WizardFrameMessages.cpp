@@ -171,8 +171,7 @@ std::optional<LRESULT> CWizardFrame::OnPaintMessage(UINT nMessage, WPARAM wParam
 
 FRAME_LOOK CWizardFrame::Look() const
 {
-    return {*m_layout,    m_closeBox,  m_fonts.Text(),
-            m_hSmallIcon, m_szCaption, GetActiveWindow() == m_hwnd};
+    return {*m_layout, m_closeBox, m_fonts.Text(), m_hSmallIcon, m_szCaption, GetActiveWindow() == m_hwnd};
 }
 
 std::optional<LRESULT> CWizardFrame::OnMouseMessage(UINT nMessage, LPARAM lParam)

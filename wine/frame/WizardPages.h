@@ -57,7 +57,7 @@ public:
     // 0 accepts, -1 goes on in direction nStep, anything else is the id of a page. The window is not yet
     // seen: see ShowCurrent. beforeActivation runs before each PSN_SETACTIVE. False, with the last error,
     // when a window cannot be made.
-    template <typename Function>
+    template<typename Function>
     bool Activate(int nPage, int nStep, Function beforeActivation)
     {
         for (int nAsked = nPage; Has(nAsked);) {

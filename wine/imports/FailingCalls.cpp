@@ -25,12 +25,21 @@ namespace {
 // Null until InstallFaults.
 CFaultList* g_pFaults;
 
-// What a call can be told by: the texts among its arguments, the path behind a handle of a file, the
-// number of a resource. Memory that the call is to fill holds nothing yet and is not looked at.
+// Whether a function reads the texts that it may write to. Others are only to fill that memory, which may hold
+// anything before.
+enum class WRITABLE_TEXTS
+{
+    AreFilled,
+    AreRead,
+};
+
+// What a call can be told by: the texts among its arguments, the path behind a handle of a file, the number of a
+// resource.
+template<WRITABLE_TEXTS kWritable>
 class CCallTexts
 {
 public:
-    template <typename... Args>
+    template<typename... Args>
     explicit CCallTexts(Args... args)
     {
         (Add(args), ...);
@@ -51,6 +60,13 @@ private:
         }
     }
 
+    void Add(PWSTR psz)
+    {
+        if (kWritable == WRITABLE_TEXTS::AreRead && psz != nullptr) {
+            m_texts.emplace_back(psz);
+        }
+    }
+
     void Add(UINT nNumber)
     {
         m_texts.push_back(std::to_wstring(nNumber));
@@ -59,9 +75,8 @@ private:
     void Add(HANDLE hFile)
     {
         WCHAR szPath[MAX_PATH];
-        const DWORD nLength = GetFileType(hFile) == FILE_TYPE_DISK
-                                  ? GetFinalPathNameByHandleW(hFile, szPath, ARRAYSIZE(szPath), 0)
-                                  : 0;
+        const DWORD nLength =
+            GetFileType(hFile) == FILE_TYPE_DISK ? GetFinalPathNameByHandleW(hFile, szPath, ARRAYSIZE(szPath), 0) : 0;
         if (nLength > 0 && nLength < ARRAYSIZE(szPath)) {
             m_texts.emplace_back(szPath);
         }
@@ -72,7 +87,7 @@ private:
         Add(pOperation->pFrom);
     }
 
-    template <typename Argument>
+    template<typename Argument>
     void Add(const Argument&)
     {
     }
@@ -83,12 +98,12 @@ private:
 // How a function tells its caller of a failure.
 enum class TELLS
 {
-    Code,        // the result is the code of the error
-    Zero,        // FALSE or null, and the last error
-    MinusOne,    // INVALID_HANDLE_VALUE or SOCKET_ERROR, and the last error
+    Code,     // the result is the code of the error
+    Zero,     // FALSE or null, and the last error
+    MinusOne, // INVALID_HANDLE_VALUE or SOCKET_ERROR, and the last error
 };
 
-template <typename Result>
+template<typename Result>
 Result ToResult(long long n)
 {
     if constexpr (std::is_pointer_v<Result>) {
@@ -98,7 +113,7 @@ Result ToResult(long long n)
     }
 }
 
-template <typename Result>
+template<typename Result>
 Result Fail(const FAULT& fault, TELLS tells)
 {
     if (fault.dwError) {
@@ -119,7 +134,7 @@ Result Fail(const FAULT& fault, TELLS tells)
 }
 
 // A name that a template can be instantiated with.
-template <size_t nSize>
+template<size_t nSize>
 struct NAME
 {
     constexpr NAME(const char (&szName)[nSize]) // NOLINT: meant to convert
@@ -131,18 +146,18 @@ struct NAME
 };
 
 // One function: the stand-in, and what it stands in for.
-template <NAME kName, TELLS kTells, typename Function>
+template<NAME kName, TELLS kTells, WRITABLE_TEXTS kWritable, typename Function>
 struct FAILING_CALL;
 
-template <NAME kName, TELLS kTells, typename Result, typename... Args>
-struct FAILING_CALL<kName, kTells, Result WINAPI(Args...)>
+template<NAME kName, TELLS kTells, WRITABLE_TEXTS kWritable, typename Result, typename... Args>
+struct FAILING_CALL<kName, kTells, kWritable, Result WINAPI(Args...)>
 {
     static inline Result(WINAPI* s_pfnReal)(Args...) = nullptr;
 
     static Result WINAPI Call(Args... args)
     {
         const DWORD dwError = GetLastError();
-        const FAULT* const pFault = g_pFaults->OnCall(kName.sz, CCallTexts(args...).Texts());
+        const FAULT* const pFault = g_pFaults->OnCall(kName.sz, CCallTexts<kWritable>(args...).Texts());
         SetLastError(dwError);
         if (pFault == nullptr) {
             return s_pfnReal(args...);
@@ -151,25 +166,27 @@ struct FAILING_CALL<kName, kTells, Result WINAPI(Args...)>
         return Fail<Result>(*pFault, kTells);
     }
 
-    static void Install(HMODULE hModule)
+    static bool Install(HMODULE hModule)
     {
         s_pfnReal = ReplaceImport(hModule, kName.sz, Call);
+        return s_pfnReal != nullptr;
     }
 };
 
 struct ROW
 {
     PCSTR pszFunction;
-    void (*pfnInstall)(HMODULE hModule);
+    bool (*pfnInstall)(HMODULE hModule);
 };
 
-template <NAME kName, TELLS kTells, typename Function>
+template<NAME kName, TELLS kTells, WRITABLE_TEXTS kWritable, typename Function>
 constexpr ROW Row()
 {
-    return {kName.sz, FAILING_CALL<kName, kTells, Function>::Install};
+    return {kName.sz, FAILING_CALL<kName, kTells, kWritable, Function>::Install};
 }
 
-#define CALL(function, tells) Row<#function, TELLS::tells, decltype(function)>()
+#define CALL(function, tells) Row<#function, TELLS::tells, WRITABLE_TEXTS::AreFilled, decltype(function)>()
+#define READING_CALL(function, tells) Row<#function, TELLS::tells, WRITABLE_TEXTS::AreRead, decltype(function)>()
 
 constexpr ROW kRows[] = {
     // start-up and its end
@@ -182,7 +199,7 @@ constexpr ROW kRows[] = {
     CALL(WSACleanup, MinusOne),
     CALL(QueryFullProcessImageNameW, Zero),
     CALL(SHGetKnownFolderPath, Code),
-    CALL(PathCchAppend, Code),
+    READING_CALL(PathCchAppend, Code),
     CALL(PropertySheetW, MinusOne),
     // deployment of the tools
     CALL(PathCchCombine, Code),
@@ -204,7 +221,7 @@ constexpr ROW kRows[] = {
     CALL(IcmpCreateFile, MinusOne),
     CALL(IcmpSendEcho2, Zero),
     CALL(InetNtopW, Zero),
-    CALL(WSAStringToAddressW, MinusOne),
+    READING_CALL(WSAStringToAddressW, MinusOne),
     CALL(WSAAddressToStringW, MinusOne),
     CALL(socket, MinusOne),
     CALL(ioctlsocket, MinusOne),
@@ -218,7 +235,7 @@ constexpr ROW kRows[] = {
     // the tool's process
     CALL(CreatePipe, Zero),
     CALL(SetHandleInformation, Zero),
-    CALL(CreateProcessW, Zero),
+    READING_CALL(CreateProcessW, Zero),
     CALL(GetExitCodeProcess, Zero),
     // the About box
     CALL(GetFileVersionInfoSizeExW, Zero),
@@ -272,9 +289,12 @@ bool InstallFaults(HMODULE hModule)
     g_pFaults = new CFaultList(std::move(*list));
     std::vector<std::string_view> installed;
     for (const FAULT& fault : g_pFaults->Faults()) {
-        if (std::find(installed.begin(), installed.end(), fault.szFunction) == installed.end()) {
-            installed.push_back(fault.szFunction);
-            FindRow(fault.szFunction)->pfnInstall(hModule);
+        if (std::find(installed.begin(), installed.end(), fault.szFunction) != installed.end()) {
+            continue;
+        }
+        installed.push_back(fault.szFunction);
+        if (!FindRow(fault.szFunction)->pfnInstall(hModule)) {
+            return false;
         }
     }
     return true;

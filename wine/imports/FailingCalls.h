@@ -16,5 +16,6 @@ bool CheckFaults(std::wstring& szWrong);
 
 // Puts a stand-in into the import table of hModule for every function that the environment names. To be
 // called when all other replacements but the journal are in place: a call that does not fail goes on
-// to what was there. False as CheckFaults.
+// to what was there. False as CheckFaults, and for a function that the module does not call: a fault that can
+// never strike would let a test pass that has tested nothing.
 bool InstallFaults(HMODULE hModule);

@@ -74,8 +74,7 @@ bool Concerns(const FAULT& fault, std::string_view szFunction, const std::vector
     const auto matches = [&fault](const std::wstring& szText) {
         return LowerCase(szText).find(fault.szText) != std::wstring::npos;
     };
-    return fault.szFunction == szFunction &&
-           (fault.szText.empty() || std::any_of(texts.begin(), texts.end(), matches));
+    return fault.szFunction == szFunction && (fault.szText.empty() || std::any_of(texts.begin(), texts.end(), matches));
 }
 
 } // namespace

@@ -4,7 +4,7 @@
 
 namespace {
 
-template <typename Part>
+template<typename Part>
 const Part* At(HMODULE hModule, DWORD nOffset)
 {
     return reinterpret_cast<const Part*>(reinterpret_cast<const BYTE*>(hModule) + nOffset);

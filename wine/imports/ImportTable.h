@@ -8,9 +8,8 @@
 void* ReplaceImport(HMODULE hModule, PCSTR pszFunction, void* pReplacement);
 
 // The same, typed.
-template <typename Function>
+template<typename Function>
 Function* ReplaceImport(HMODULE hModule, PCSTR pszFunction, Function* pfnReplacement)
 {
-    return reinterpret_cast<Function*>(
-        ReplaceImport(hModule, pszFunction, reinterpret_cast<void*>(pfnReplacement)));
+    return reinterpret_cast<Function*>(ReplaceImport(hModule, pszFunction, reinterpret_cast<void*>(pfnReplacement)));
 }

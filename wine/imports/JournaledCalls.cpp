@@ -97,7 +97,7 @@ INT_PTR WINAPI JournaledPropertySheetW(LPCPROPSHEETHEADERW pHeader)
 
 // The pointer to the real function is set before the replacement can be called: the program has not
 // started yet.
-template <typename Function>
+template<typename Function>
 void Install(HMODULE hModule, PCSTR pszFunction, Function* pfnReplacement, Function*& pfnReal)
 {
     pfnReal = ReplaceImport(hModule, pszFunction, pfnReplacement);

@@ -44,12 +44,10 @@ DWORD LoadRemoteLibrary(HANDLE hProcess, const std::wstring& szPath)
 {
     const size_t cb = (szPath.size() + 1) * sizeof(WCHAR);
     const CRemoteMemory memory(hProcess, cb);
-    if (memory.Address() == nullptr ||
-        !WriteProcessMemory(hProcess, memory.Address(), szPath.c_str(), cb, nullptr)) {
+    if (memory.Address() == nullptr || !WriteProcessMemory(hProcess, memory.Address(), szPath.c_str(), cb, nullptr)) {
         return GetLastError();
     }
-    const CHandle hThread(
-        CreateRemoteThread(hProcess, nullptr, 0, LoadLibraryAddress(), memory.Address(), 0, nullptr));
+    const CHandle hThread(CreateRemoteThread(hProcess, nullptr, 0, LoadLibraryAddress(), memory.Address(), 0, nullptr));
     if (!hThread) {
         return GetLastError();
     }

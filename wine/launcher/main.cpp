@@ -63,14 +63,21 @@ std::wstring LibraryPath()
     return szLauncher.substr(0, szLauncher.find_last_of(L'\\') + 1) + L"standins.dll";
 }
 
+// What may be wrong when the library refuses; it has no way to say so itself.
+std::wstring Advice(DWORD dwError)
+{
+    return dwError == ERROR_DLL_INIT_FAILED && GetEnvironmentVariableW(kFaultsVariable, nullptr, 0) > 1
+               ? std::wstring(L"; does it call every function that ") + kFaultsVariable + L" names?"
+               : std::wstring();
+}
+
 // Lets the program end with the launcher, however that ends; not the processes that the program starts. Where
 // it cannot be done, nothing depends on it.
 CHandle TieTo(HANDLE hProcess)
 {
     CHandle hJob(CreateJobObjectW(nullptr, nullptr));
     JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
-    limits.BasicLimitInformation.LimitFlags =
-        JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE | JOB_OBJECT_LIMIT_SILENT_BREAKAWAY_OK;
+    limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE | JOB_OBJECT_LIMIT_SILENT_BREAKAWAY_OK;
     SetInformationJobObject(hJob.get(), JobObjectExtendedLimitInformation, &limits, sizeof(limits));
     AssignProcessToJobObject(hJob.get(), hProcess);
     return hJob;
@@ -101,7 +108,7 @@ int Run(std::wstring szCommandLine, PCWSTR pszProgram, bool bWait)
     const DWORD dwError = LoadRemoteLibrary(hProcess.get(), LibraryPath());
     if (dwError != ERROR_SUCCESS) {
         TerminateProcess(hProcess.get(), kLauncherFailed);
-        return SayFailed(L"cannot load " + LibraryPath() + L" into " + pszProgram, dwError);
+        return SayFailed(L"cannot load " + LibraryPath() + L" into " + pszProgram + Advice(dwError), dwError);
     }
     const CHandle hJob = bWait ? TieTo(hProcess.get()) : nullptr;
     ResumeThread(hThread.get());

@@ -1,8 +1,8 @@
 // The route towards an address, as Windows tells it.
 #pragma once
 
-#include <winsock2.h>
 #include <windows.h>
+#include <winsock2.h>
 #include <ws2ipdef.h>
 
 #include <iphlpapi.h>

@@ -13,8 +13,7 @@ class Description
 {
 public:
     explicit Description(std::wstring strText)
-        : m_strText(std::move(strText)),
-          m_format([this](DWORD, const void*, DWORD, DWORD, PWSTR psz, DWORD, va_list*) {
+        : m_strText(std::move(strText)), m_format([this](DWORD, const void*, DWORD, DWORD, PWSTR psz, DWORD, va_list*) {
               return Give(reinterpret_cast<PWSTR*>(psz));
           })
     {

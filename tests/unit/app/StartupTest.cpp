@@ -21,7 +21,7 @@ protected:
         m_close.Optional();
     }
 
-    REPLACED(ReleaseMutex) m_release{Returns(TRUE)};
+    REPLACED(ReleaseMutex) m_release { Returns(TRUE) };
     REPLACED(CloseHandle) m_close;
 };
 
@@ -91,7 +91,7 @@ TEST_F(InstanceLock, KeepsASecondOneOut)
 class ComLibrary : public Test
 {
 protected:
-    REPLACED(CoUninitialize) m_uninitialize{[] {}};
+    REPLACED(CoUninitialize) m_uninitialize { [] {} };
 };
 
 TEST_F(ComLibrary, IsStartedForASingleThreadedApartment)
@@ -132,7 +132,7 @@ protected:
         m_cleanup.Optional();
     }
 
-    REPLACED(WSACleanup) m_cleanup{Returns(0)};
+    REPLACED(WSACleanup) m_cleanup { Returns(0) };
 };
 
 TEST_F(WinSockLibrary, IsStartedInVersionTwoPointTwo)

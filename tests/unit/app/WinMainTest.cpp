@@ -110,16 +110,16 @@ protected:
     HINSTANCE m_hWizardInstance = nullptr;
     bool m_bToolsThere = false;
 
-    REPLACED(CreateMutexW) m_createMutex{Returns(hMutex, ERROR_SUCCESS)};
-    REPLACED(ReleaseMutex) m_release{Returns(TRUE)};
+    REPLACED(CreateMutexW) m_createMutex { Returns(hMutex, ERROR_SUCCESS) };
+    REPLACED(ReleaseMutex) m_release { Returns(TRUE) };
     REPLACED(CloseHandle) m_close;
-    REPLACED(FindWindowW) m_findWindow{Returns(HWND(nullptr))};
-    REPLACED(SetForegroundWindow) m_foreground{Returns(TRUE)};
-    REPLACED(VerifyVersionInfoW) m_verify{Returns(TRUE)};
-    REPLACED(CoInitializeEx) m_comStart{Returns(HRESULT(S_OK))};
-    REPLACED(CoUninitialize) m_comEnd{[] {}};
-    REPLACED(WSAStartup) m_socketStart{Returns(0)};
-    REPLACED(WSACleanup) m_socketEnd{Returns(0)};
+    REPLACED(FindWindowW) m_findWindow { Returns(HWND(nullptr)) };
+    REPLACED(SetForegroundWindow) m_foreground { Returns(TRUE) };
+    REPLACED(VerifyVersionInfoW) m_verify { Returns(TRUE) };
+    REPLACED(CoInitializeEx) m_comStart { Returns(HRESULT(S_OK)) };
+    REPLACED(CoUninitialize) m_comEnd { [] {} };
+    REPLACED(WSAStartup) m_socketStart { Returns(0) };
+    REPLACED(WSACleanup) m_socketEnd { Returns(0) };
     REPLACED(QueryFullProcessImageNameW) m_imageName;
     REPLACED(SHGetKnownFolderPath) m_knownFolder;
     REPLACED(SHCreateDirectoryExW) m_createFolder;
@@ -139,10 +139,9 @@ TEST_F(WinMainWithAdb, DeploysRunsTheWizardAndLeavesNothing)
     m_adb.Prints("");
     EXPECT_EQ(Run(), 0);
     EXPECT_EQ(Journal(),
-              (Lines{"CreateMutexW", "VerifyVersionInfoW", "CoInitializeEx", "WSAStartup",
-                     "QueryFullProcessImageNameW", "SHGetKnownFolderPath", "SHCreateDirectoryExW", "PropertySheetW",
-                     "sleep 2000", "adb kill-server", "SHFileOperationW", "WSACleanup", "CoUninitialize",
-                     "ReleaseMutex", "CloseHandle of the mutex"}));
+              (Lines{"CreateMutexW", "VerifyVersionInfoW", "CoInitializeEx", "WSAStartup", "QueryFullProcessImageNameW",
+                     "SHGetKnownFolderPath", "SHCreateDirectoryExW", "PropertySheetW", "sleep 2000", "adb kill-server",
+                     "SHFileOperationW", "WSACleanup", "CoUninitialize", "ReleaseMutex", "CloseHandle of the mutex"}));
     EXPECT_TRUE(m_bToolsThere);
     EXPECT_EQ(m_hWizardInstance, hInstance);
     EXPECT_TRUE(exists(WorkingFolder()));
@@ -180,8 +179,7 @@ TEST_F(WinMain, ARunningInstanceIsBroughtToTheFrontWithoutAWord)
     const REPLACED(CreateMutexW) createMutex(Returns(hMutex, ERROR_ALREADY_EXISTS));
     const REPLACED(FindWindowW) findWindow(Returns(hwnd));
     EXPECT_EQ(Run(), 0);
-    EXPECT_EQ(Journal(),
-              (Lines{"CreateMutexW", "CloseHandle of the mutex", "FindWindowW", "SetForegroundWindow"}));
+    EXPECT_EQ(Journal(), (Lines{"CreateMutexW", "CloseHandle of the mutex", "FindWindowW", "SetForegroundWindow"}));
     EXPECT_EQ(findWindow.Arg<0>(), L"(null)");
     EXPECT_EQ(findWindow.Arg<1>(), strTitle);
     EXPECT_EQ(m_foreground.Arg<0>(), hwnd);
@@ -210,8 +208,8 @@ TEST_F(WinMain, AnOlderWindowsIsRefused)
         L"This application requires Windows 10 Version 2004 (build 19041) or newer.  Please update Windows on you "
         L"computer.";
     ExpectBox(strText, strTitle);
-    EXPECT_EQ(Journal(), (Lines{"CreateMutexW", "VerifyVersionInfoW", "box \"" + Narrow(strText) + '"',
-                                "ReleaseMutex", "CloseHandle of the mutex"}));
+    EXPECT_EQ(Journal(), (Lines{"CreateMutexW", "VerifyVersionInfoW", "box \"" + Narrow(strText) + '"', "ReleaseMutex",
+                                "CloseHandle of the mutex"}));
 }
 
 TEST_F(WinMain, AFailedStartOfComIsTold)
@@ -219,9 +217,9 @@ TEST_F(WinMain, AFailedStartOfComIsTold)
     const REPLACED(CoInitializeEx) comStart(Returns(HRESULT(E_OUTOFMEMORY)));
     EXPECT_EQ(Run(), 0);
     ExpectBox(L"Unable to initalize COM Library", strTitle);
-    EXPECT_EQ(Journal(), (Lines{"CreateMutexW", "VerifyVersionInfoW", "CoInitializeEx",
-                                "box \"Unable to initalize COM Library\"", "CoUninitialize", "ReleaseMutex",
-                                "CloseHandle of the mutex"}));
+    EXPECT_EQ(Journal(),
+              (Lines{"CreateMutexW", "VerifyVersionInfoW", "CoInitializeEx", "box \"Unable to initalize COM Library\"",
+                     "CoUninitialize", "ReleaseMutex", "CloseHandle of the mutex"}));
 }
 
 TEST_F(WinMain, AFailedStartOfTheSocketsIsTold)
@@ -289,9 +287,8 @@ TEST_F(WinMainWithAdb, LeftOverToolsAreRemovedBeforeTheNewOnesAreWritten)
     });
     EXPECT_EQ(Run(), 0);
     const Lines steps = {"adb kill-server", "SHFileOperationW", "SHCreateDirectoryExW", "PropertySheetW"};
-    EXPECT_EQ(JournalOf(steps),
-              (Lines{"adb kill-server", "SHFileOperationW", "SHCreateDirectoryExW", "PropertySheetW",
-                     "adb kill-server", "SHFileOperationW"}));
+    EXPECT_EQ(JournalOf(steps), (Lines{"adb kill-server", "SHFileOperationW", "SHCreateDirectoryExW", "PropertySheetW",
+                                       "adb kill-server", "SHFileOperationW"}));
     EXPECT_TRUE(m_bToolsThere);
     EXPECT_TRUE(is_empty(WorkingFolder()));
 }

@@ -75,7 +75,12 @@ TEST_F(KitTest, FailsOverAnArgumentOfACallThatNeverWas)
 
 TEST_F(KitTest, FailsOverAFunctionThatIsNotImported)
 {
-    EXPECT_NONFATAL_FAILURE({ REPLACED(Beep) beep; beep.Optional(); }, "Beep is not imported");
+    EXPECT_NONFATAL_FAILURE(
+        {
+            REPLACED(Beep) beep;
+            beep.Optional();
+        },
+        "Beep is not imported");
 }
 
 TEST_F(KitTest, ReplacementsNestAndEnd)

@@ -2,6 +2,7 @@
 
 #include "tools/PlatformTools.h"
 
+#include "adb/AdbCommands.h"
 #include "tests/kit/AnsweringAdb.h"
 #include "tests/kit/TemporaryFolder.h"
 #include "tests/kit/Test.h"
@@ -295,6 +296,34 @@ TEST_F(DeployedPlatformTools, AreRemovedInOrder)
                                 "FindClose"}));
 }
 
+// Nothing is answered here: the real adb runs, and its server is of this test's home alone.
+class RunningPlatformTools : public PlatformTools
+{
+protected:
+    RunningPlatformTools()
+    {
+        Initialize();
+    }
+};
+
+TEST_F(RunningPlatformTools, AreRemovedWhenTheirServerNeverRan)
+{
+    ASSERT_TRUE(Tools().Install());
+    EXPECT_TRUE(Tools().Uninstall());
+    EXPECT_TRUE(is_empty(WorkingFolder()));
+}
+
+TEST_F(RunningPlatformTools, AreRemovedThoughTheirServerHeldThemOpen)
+{
+    ASSERT_TRUE(Tools().Install());
+    std::string strOutput;
+    EXPECT_EQ(Connect(L"127.0.0.1:5999", strOutput), CONNECT_CANNOT_CONNECT) << strOutput;
+    EXPECT_NE(strOutput.find("daemon started successfully"), std::string::npos) << strOutput;
+    EXPECT_FALSE(DeleteFileW(Tools().m_szAdbExePath));
+    EXPECT_TRUE(Tools().Uninstall());
+    EXPECT_TRUE(is_empty(WorkingFolder()));
+}
+
 using PlatformToolsFolder = DeployedPlatformTools;
 
 TEST_F(PlatformToolsFolder, IsMadeWithAllFoldersOnTheWay)
@@ -420,8 +449,7 @@ TEST_F(PlatformToolsResource, ThatCannotBeLockedEndsTheProcessWithTheLastError)
 {
     const REPLACED(LockResource) lock(Returns(static_cast<void*>(nullptr), ERROR_INVALID_DATA));
     EXPECT_EQ(ExitCodeOf([] { Tools().Install(); }), 13u);
-    ExpectBox(L"CPlatformTools::LockZipFileResource() > LockResource() failed with error 13: " +
-                  SystemDescription(13),
+    ExpectBox(L"CPlatformTools::LockZipFileResource() > LockResource() failed with error 13: " + SystemDescription(13),
               L"Error");
     EXPECT_FALSE(exists(Archive()));
 }
@@ -529,6 +557,21 @@ TEST_F(PlatformToolsArchive, IsReadByItsNameInTheThreadsCodePage)
     EXPECT_EQ(narrow.Arg<2>(1), WorkingFolder().wstring());
 }
 
+TEST_F(PlatformToolsArchive, WhoseNameCannotBeNarrowedRaisesAnException)
+{
+    const REPLACED(WideCharToMultiByte) narrow(Returns(0, ERROR_NO_UNICODE_TRANSLATION));
+    EXPECT_THROW(Tools().Install(), CAtlException);
+}
+
+TEST_F(PlatformToolsArchive, WhoseNameNeedsMoreRoomIsNarrowedAgain)
+{
+    const auto tooSmall = Returns(0, ERROR_INSUFFICIENT_BUFFER);
+    const REPLACED(WideCharToMultiByte) narrow{InTurn(tooSmall, PassOn(), PassOn(), PassOn())};
+    EXPECT_TRUE(Tools().Install());
+    EXPECT_EQ(narrow.Arg<5>(1), 0);
+    EXPECT_EQ(narrow.Arg<2>(2), Archive().wstring());
+}
+
 TEST_F(PlatformToolsArchive, ThatCannotBeOpenedFailsWithoutAWord)
 {
     const REPLACED(_wfopen_s) open(Returns(errno_t(EACCES)));
@@ -547,8 +590,7 @@ TEST_F(PlatformToolsArchive, ThatIsDamagedFailsWithoutAWord)
 {
     StoredZip damaged({{"platform-tools/adb.exe", "tool", 0, 0, 1}});
     ASSERT_EQ(damaged.Bytes().size(), m_zip.Bytes().size());
-    const REPLACED(LockResource)
-        lock(Returns(const_cast<void*>(static_cast<const void*>(damaged.Bytes().data()))));
+    const REPLACED(LockResource) lock(Returns(const_cast<void*>(static_cast<const void*>(damaged.Bytes().data()))));
     EXPECT_FALSE(Tools().Install());
 }
 
@@ -616,7 +658,7 @@ protected:
     REPLACED(FindFirstFileW) m_findFirst;
     REPLACED(FindNextFileW) m_findNext;
     REPLACED(DeleteFileW) m_delete;
-    REPLACED(FindClose) m_close{Returns(TRUE)};
+    REPLACED(FindClose) m_close { Returns(TRUE) };
 };
 
 TEST_F(PlatformToolsArchives, AreAllDeleted)

@@ -54,8 +54,7 @@ protected:
     {
         Names names;
         for (const auto& entry : std::filesystem::recursive_directory_iterator(m_folder.Path())) {
-            names.insert(relative(entry.path(), m_folder.Path()).generic_string() +
-                         (entry.is_directory() ? "/" : ""));
+            names.insert(relative(entry.path(), m_folder.Path()).generic_string() + (entry.is_directory() ? "/" : ""));
         }
         return names;
     }
@@ -115,8 +114,8 @@ TEST_F(ZipExtraction, NoEntryLandsOutsideTheFolder)
                        {"./../dot.txt", "5"}},
                       strInner),
               0);
-    EXPECT_EQ(Found(), (Names{"in/", "in/ner/", "in/ner/up.txt", "in/ner/down.txt", "in/ner/a/",
-                              "in/ner/a/side.txt", "in/ner/root.txt", "in/ner/dot.txt"}));
+    EXPECT_EQ(Found(), (Names{"in/", "in/ner/", "in/ner/up.txt", "in/ner/down.txt", "in/ner/a/", "in/ner/a/side.txt",
+                              "in/ner/root.txt", "in/ner/dot.txt"}));
 }
 
 TEST_F(ZipExtraction, DotComponentsAreDropped)
@@ -128,8 +127,8 @@ TEST_F(ZipExtraction, DotComponentsAreDropped)
 TEST_F(ZipExtraction, NamesThatOnlyBeginWithADotAreKept)
 {
     EXPECT_EQ(Extract({{".hidden/.a", "1"}, {"..b/c", "2"}, {"d/..e", "3"}, {"f.g/h", "4"}, {"...x/y", "5"}}), 0);
-    EXPECT_EQ(Found(), (Names{".hidden/", ".hidden/.a", "..b/", "..b/c", "d/", "d/..e", "f.g/", "f.g/h", "...x/",
-                              "...x/y"}));
+    EXPECT_EQ(Found(),
+              (Names{".hidden/", ".hidden/.a", "..b/", "..b/c", "d/", "d/..e", "f.g/", "f.g/h", "...x/", "...x/y"}));
 }
 
 TEST_F(ZipExtraction, LeadingSeparatorsAreDropped)
@@ -277,8 +276,8 @@ protected:
         return folders;
     }
 
-    REPLACED(_wmkdir) m_makeFolder{Returns(0)};
-    REPLACED(_wfopen_s) m_open{Returns(errno_t(EACCES))};
+    REPLACED(_wmkdir) m_makeFolder { Returns(0) };
+    REPLACED(_wfopen_s) m_open { Returns(errno_t(EACCES)) };
 };
 
 TEST_F(ExtractionPaths, EveryFolderIsMadeFromTheOutermost)

@@ -1,0 +1,147 @@
+// Issues the product's adb commands on request, with the adb that the product carries, and tells what came of them.
+//
+//     commands FOLDER    keeps the tools in the folder while it runs
+//
+// A request is a line on standard input (UTF-8, tabs between its words):
+//   kill-server
+//   pair ADDRESS CODE
+//   connect ADDRESS
+//   install ADDRESS PATH
+// The answer is a line of JSON on standard output: the outcome, the name of its row, the boxes that were shown, each
+// caption and text, the pauses in milliseconds, and what adb printed, a character for each byte. Boxes are answered
+// with OK and pauses take no time. The end of the input ends it.
+#include "adb/AdbCommands.h"
+#include "tests/kit/Replaced.h"
+#include "tools/PlatformTools.h"
+
+#include <cstdio>
+#include <format>
+#include <iostream>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+namespace {
+
+template<typename Char>
+std::string Quoted(std::basic_string_view<Char> text)
+{
+    std::string strQuoted = "\"";
+    for (const Char c : text) {
+        const unsigned nUnit = static_cast<std::make_unsigned_t<Char>>(c);
+        const bool bAsItIs = nUnit >= 0x20 && nUnit < 0x7F && nUnit != '"' && nUnit != '\\';
+        strQuoted += bAsItIs ? std::string(1, static_cast<char>(nUnit)) : std::format("\\u{:04x}", nUnit);
+    }
+    return strQuoted + '"';
+}
+
+std::string List(const std::vector<std::string>& items)
+{
+    std::string strList;
+    for (const std::string& strItem : items) {
+        strList += (strList.empty() ? "" : ",") + strItem;
+    }
+    return '[' + strList + ']';
+}
+
+std::wstring FromUtf8(const std::string& str)
+{
+    const int cb = static_cast<int>(str.size());
+    std::wstring strWide(str.size(), L'\0');
+    strWide.resize(static_cast<size_t>(
+        MultiByteToWideChar(CP_UTF8, 0, str.data(), cb, strWide.data(), static_cast<int>(strWide.size()))));
+    return strWide;
+}
+
+std::vector<std::wstring> Split(const std::string& strRequest)
+{
+    std::vector<std::wstring> words(1);
+    for (const wchar_t c : FromUtf8(strRequest)) {
+        if (c == L'\t') {
+            words.emplace_back();
+        } else if (c != L'\r') {
+            words.back() += c;
+        }
+    }
+    return words;
+}
+
+// Keeps what a run shows and how long it would have paused.
+class CWitness
+{
+public:
+    std::string Answer(const std::string& strRequest)
+    {
+        m_boxes.clear();
+        m_sleeps.clear();
+        std::string strOutput;
+        const ADB_EXIT_CODE nOutcome = Issue(Split(strRequest), strOutput);
+        ADB_EXIT_CODE_ENTRY entry = {L"", L""};
+        LookupAdbExitCode(nOutcome, entry);
+        return std::format(R"({{"outcome":{},"name":{},"boxes":{},"sleeps":{},"output":{}}})",
+                           static_cast<int>(nOutcome), Quoted(std::wstring_view(entry.pszName)), List(m_boxes),
+                           List(m_sleeps), Quoted(std::string_view(strOutput)));
+    }
+
+private:
+    static ADB_EXIT_CODE Issue(const std::vector<std::wstring>& words, std::string& strOutput)
+    {
+        if (words.size() == 1 && words[0] == L"kill-server") {
+            return KillServer(strOutput);
+        }
+        if (words.size() == 3 && words[0] == L"pair") {
+            return Pair(words[1].c_str(), words[2].c_str(), strOutput);
+        }
+        if (words.size() == 2 && words[0] == L"connect") {
+            return Connect(words[1].c_str(), strOutput);
+        }
+        if (words.size() == 3 && words[0] == L"install") {
+            return Install(words[1].c_str(), words[2].c_str(), strOutput);
+        }
+        throw std::invalid_argument("the requests are: kill-server, pair ADDRESS CODE, connect ADDRESS, install "
+                                    "ADDRESS PATH");
+    }
+
+    int OnMessageBox(PCWSTR pszText, PCWSTR pszCaption)
+    {
+        m_boxes.push_back(List({Quoted(std::wstring_view(pszCaption)), Quoted(std::wstring_view(pszText))}));
+        return IDOK;
+    }
+
+    std::vector<std::string> m_boxes;
+    std::vector<std::string> m_sleeps;
+    REPLACED(MessageBoxW)
+    m_messageBox{[this](HWND, PCWSTR pszText, PCWSTR pszCaption, UINT) { return OnMessageBox(pszText, pszCaption); }};
+    REPLACED(Sleep)
+    m_sleep{[this](DWORD dwMilliseconds) { m_sleeps.push_back(std::to_string(dwMilliseconds)); }};
+};
+
+int Serve(const std::wstring& strFolder)
+{
+    CPlatformTools& tools = CPlatformTools::GetInstance();
+    if (!tools.Initialize(strFolder.c_str()) || !tools.Install()) {
+        std::fputs("the tools cannot be installed\n", stderr);
+        return 1;
+    }
+    CWitness witness;
+    for (std::string strRequest; std::getline(std::cin, strRequest);) {
+        std::cout << witness.Answer(strRequest) << '\n' << std::flush;
+    }
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+try {
+    if (argc != 2) {
+        std::fputs("usage: commands FOLDER\n", stderr);
+        return 2;
+    }
+    return Serve(FromUtf8(argv[1]));
+} catch (const std::exception& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return 1;
+}

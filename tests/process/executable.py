@@ -1,0 +1,69 @@
+"""A Windows program as a file, read with nothing but the layout of its headers."""
+
+import struct
+from collections.abc import Iterator
+from dataclasses import dataclass
+from pathlib import Path
+
+OPTIONAL_HEADER = 24
+SECTION_BYTES = 40
+IMPORT_BYTES = 20
+IMPORTS = 1
+
+
+@dataclass(frozen=True)
+class Section:
+    name: str
+    address: int
+    size: int
+    offset: int
+    characteristics: int
+
+
+class Executable:
+    """A 64-bit program. Addresses are those of the loaded program, counted from its start."""
+
+    def __init__(self, file: Path) -> None:
+        self._bytes = file.read_bytes()
+        self._header = self._number("<I", 0x3C)
+        assert self._bytes[self._header : self._header + 4] == b"PE\0\0", f"{file} is no Windows program"
+        self._optional = self._header + OPTIONAL_HEADER
+        self.magic = self._number("<H", self._optional)
+        self.subsystem = self._number("<H", self._optional + 68)
+        self.characteristics = self._number("<H", self._optional + 70)
+        self.sections = list(self._sections())
+
+    def directory(self, index: int) -> tuple[int, int]:
+        """The address and size of one of the tables that the loader uses; zeros where there is none."""
+        assert index < self._number("<I", self._optional + 108)
+        return struct.unpack_from("<II", self._bytes, self._optional + 112 + 8 * index)
+
+    def read(self, address: int, size: int) -> bytes:
+        """What is loaded to that address."""
+        section = next(s for s in self.sections if s.address <= address and address + size <= s.address + s.size)
+        offset = section.offset + address - section.address
+        return self._bytes[offset : offset + size]
+
+    def imported_libraries(self) -> list[str]:
+        """The libraries that it is linked with, in order."""
+        address, size = self.directory(IMPORTS)
+        table = self.read(address, size)
+        names = [fields[3] for fields in struct.iter_unpack("<5I", table[: size - size % IMPORT_BYTES])]
+        end = names.index(0)
+        return [self._text(name) for name in names[:end]]
+
+    def _text(self, address: int) -> str:
+        section = next(s for s in self.sections if s.address <= address < s.address + s.size)
+        start = section.offset + address - section.address
+        return self._bytes[start : self._bytes.index(b"\0", start)].decode("ascii")
+
+    def _sections(self) -> Iterator[Section]:
+        count = self._number("<H", self._header + 6)
+        start = self._optional + self._number("<H", self._header + 20)
+        for at in range(start, start + count * SECTION_BYTES, SECTION_BYTES):
+            name = self._bytes[at : at + 8].rstrip(b"\0").decode("ascii")
+            size, address, _, offset = struct.unpack_from("<4I", self._bytes, at + 8)
+            yield Section(name, address, size, offset, self._number("<I", at + 36))
+
+    def _number(self, kind: str, offset: int) -> int:
+        return struct.unpack_from(kind, self._bytes, offset)[0]

@@ -1,0 +1,79 @@
+"""A second start: shows nothing, brings the first to the front and ends."""
+
+import os
+import signal
+import subprocess
+import unittest
+from collections.abc import Iterator
+from contextlib import contextmanager
+
+from processtest import CANCELLED, LOCK, OLD_WINDOWS, TITLE, ProcessTest
+from start import processes_called
+
+FRONT = f'SetForegroundWindow title="{TITLE}"'
+HANDLE = "CloseHandle mutex"
+
+
+class Second(ProcessTest):
+    @contextmanager
+    def notepad(self) -> Iterator[None]:
+        """Another program, in front of all others as it comes."""
+        quiet = subprocess.DEVNULL
+        with subprocess.Popen(["wine", "notepad"], stdin=quiet, stdout=quiet, stderr=quiet):
+            yield
+            for process in processes_called("notepad.exe") | processes_called("notepad"):
+                os.kill(process, signal.SIGKILL)
+
+    def expect_nothing(self, *events: str, faults: str = "") -> None:
+        """A start that ends with these calls and puts nothing on the screen."""
+        before = {window.handle for window in self.eyes.look().windows}
+        start = self.start(faults)
+        self.person.wait_until("its end", lambda _: start.has_ended)
+        self.assertLessEqual({window.handle for window in self.eyes.look().windows}, before)
+        self.expect_end(start, 0, *events)
+
+    def test_while_the_wizard_is_open(self) -> None:
+        first = self.start_wizard()
+        self.expect_nothing(HANDLE, FRONT)
+        self.cancel(first)
+
+    def test_brings_the_wizard_to_the_front(self) -> None:
+        first = self.start_wizard()
+        wizard = self.person.look().frame
+        assert wizard
+        with self.notepad():
+            self.person.wait_until("something before it", lambda sight: sight.view.foreground != wizard.handle)
+            self.expect_nothing(HANDLE, FRONT)
+            self.person.wait_until("it in front", lambda sight: sight.view.foreground == wizard.handle)
+        self.cancel(first)
+
+    def test_while_the_first_shows_a_box_with_the_title(self) -> None:
+        first = self.start("VerifyVersionInfoW=null:1150")
+        self.wait_for_box(first)
+        self.expect_nothing(HANDLE, FRONT)
+        self.dismiss_box(first, TITLE, OLD_WINDOWS)
+        self.expect_end(first, 0, (TITLE, OLD_WINDOWS), *LOCK)
+
+    def test_while_the_first_has_no_window(self) -> None:
+        first = self.start("PropertySheetW=ret:0")
+        self.person.wait_until("its removal of the tools", lambda _: first.journal == ["PropertySheetW result=0"])
+        self.expect_nothing(HANDLE)
+        self.expect_end(first, 0, *CANCELLED)
+
+    def test_while_the_first_shows_a_box_without_the_title(self) -> None:
+        first = self.start("SHGetKnownFolderPath=fail:0x80070002")
+        self.wait_for_box(first)
+        self.expect_nothing(HANDLE)
+
+    def test_lock_that_cannot_be_made(self) -> None:
+        first = self.start_wizard()
+        self.expect_nothing(FRONT, faults="CreateMutexW=null:5")
+        self.cancel(first)
+
+    def test_can_start_as_soon_as_the_first_was_killed(self) -> None:
+        self.start_wizard().kill()
+        self.expect_good_run()
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,168 @@
+"""Killed at any point, the installer comes up at the next start, replaces what was left, and leaves nothing."""
+
+import os
+import signal
+import socket
+import time
+import unittest
+from collections.abc import Callable, Iterator
+from contextlib import ExitStack, contextmanager
+
+from processtest import ADB, CANCELLED, CREATE_PROCESS, FOLDER, MEMBERS, ZIP, ProcessTest, exit_process, last_error
+from program import left_behind
+from start import Start, running, start_adb_server
+from waiting import wait_for
+
+# A process can be caught in a short moment of its run only by trying.
+ATTEMPTS = 12
+
+
+class Killed(ProcessTest):
+    def size(self, name: str) -> int:
+        """A file's, -1 while there is none."""
+        try:
+            return os.stat(f"{self.folder}/{name}").st_size
+        except OSError:
+            return -1
+
+    def kill_when(self, start: Start, happens: Callable[[], bool]) -> None:
+        """Looks as often as the machine can, for a moment that is over soon."""
+        process = start.wait_for_process()
+        end = time.monotonic() + 20
+        while not happens():
+            self.assertLess(time.monotonic(), end, "the moment to kill it did not come")
+        os.kill(process, signal.SIGKILL)
+        start.wait()
+
+    def kill_at(self, offset: int, file: str) -> None:
+        """Kills it in the midst of a write, when just so many bytes of that file are written."""
+        start = self.start(largest_file=offset)
+        start.wait()
+        self.assertEqual(self.size(file), offset)
+
+
+class Installing(Killed):
+    def test_in_the_archive(self) -> None:
+        whole = self.size_of_archive()
+        for offset in (4096, 1 << 20, whole - 1):
+            with self.subTest(offset):
+                self.kill_at(offset, ZIP)
+                self.assertEqual(sorted(left_behind()), sorted((FOLDER, ZIP)))
+                self.expect_good_run()
+
+    def size_of_archive(self) -> int:
+        self.start_wizard().kill()
+        whole = self.size(ZIP)
+        self.clean_account()
+        return whole
+
+    def test_between_members(self) -> None:
+        """The first is there, the last is not."""
+        for _ in range(ATTEMPTS):
+            self.clean_account()
+            whole = self.size_of_adb()
+            self.kill_when(self.start(), lambda: self.size(ADB) == whole)
+            if self.size(MEMBERS[2]) < 0:
+                break
+        else:
+            self.fail(f"not caught between two members in {ATTEMPTS} attempts")
+        self.expect_good_run()
+
+    def size_of_adb(self) -> int:
+        if not hasattr(self, "whole"):
+            self.start_wizard().kill()
+            self.whole = self.size(ADB)
+            self.clean_account()
+        return self.whole
+
+    def test_in_adb_itself(self) -> None:
+        """Half an adb.exe cannot be started to stop its server, and each later start ends with saying so."""
+        for offset in (3 << 20, 5 << 20):
+            with self.subTest(offset):
+                self.clean_account()
+                self.kill_at(offset, ADB)
+                box = last_error(CREATE_PROCESS, 193)
+                for _ in range(2):
+                    self.expect_way_out("", 193, box, exit_process(193), disk=(FOLDER, ZIP, ADB))
+                (self.folder / ADB).unlink()
+                self.expect_good_run()
+
+
+class Running(Killed):
+    def test_with_the_wizard_open(self) -> None:
+        self.start_wizard().kill()
+        self.expect_good_run()
+
+    def test_with_the_wizard_open_and_a_server_of_adb_that_stays(self) -> None:
+        start = self.start_wizard()
+        start_adb_server(self.folder / ADB)
+        start.kill()
+        self.assertIn("adb", running())
+        self.expect_good_run()
+
+    def test_again_and_again(self) -> None:
+        for _ in range(3):
+            self.start_wizard().kill()
+        self.expect_good_run()
+
+    def test_with_a_box_open(self) -> None:
+        start = self.start("PropertySheetW=fail:0")
+        self.wait_for_box(start)
+        start.kill()
+        self.expect_good_run()
+
+
+class Removing(Killed):
+    def leave_wizard(self) -> Start:
+        start = self.start_wizard()
+        self.person.press("Escape")
+        return start
+
+    @contextmanager
+    def silent_server(self) -> Iterator[Callable[[], None]]:
+        """Something in the place of adb's server that lets adb wait. Gives a way to wait until adb does."""
+        with socket.create_server(("127.0.0.1", 5037)) as server, ExitStack() as connections:
+            server.settimeout(20)
+
+            def wait_for_adb() -> None:
+                connections.enter_context(server.accept()[0])
+                self.assertIn("adb.exe", running())
+
+            yield wait_for_adb
+
+    def expect_good_run_after_adb(self) -> None:
+        wait_for("adb to end", lambda: not running())
+        self.expect_good_run()
+
+    def test_before_adb_runs(self) -> None:
+        start = self.leave_wizard()
+        self.kill_when(start, lambda: start.journal == [CANCELLED[0]])
+        self.expect_good_run()
+
+    def test_while_adb_runs(self) -> None:
+        with self.silent_server() as wait_for_adb:
+            start = self.leave_wizard()
+            wait_for_adb()
+            start.kill()
+        self.expect_good_run_after_adb()
+
+    def test_while_the_folder_is_deleted(self) -> None:
+        for _ in range(ATTEMPTS):
+            self.kill_when(self.leave_wizard(), lambda: any(self.size(name) < 0 for name in MEMBERS))
+            if self.size(ZIP) >= 0:
+                break
+        else:
+            self.fail(f"not caught between folder and archive in {ATTEMPTS} attempts")
+        self.expect_good_run()
+
+    def test_of_tools_left_over(self) -> None:
+        self.leave_tools_behind()
+        with self.silent_server() as wait_for_adb:
+            start = self.start()
+            wait_for_adb()
+            start.kill()
+        self.expect_good_run_after_adb()
+
+
+if __name__ == "__main__":
+    unittest.main()

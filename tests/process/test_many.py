@@ -1,0 +1,101 @@
+"""Many starts, one after the other and all at once: one wizard, nothing left, no handles lost."""
+
+import unittest
+
+import bystander
+import pages
+from journey import go_to_page
+from processtest import CANCELLED, TITLE, ProcessTest
+from start import END, Start, running
+from waiting import wait_for
+from watch import Watch
+
+# A home's share of the fifty; every end takes two seconds by itself, in which adb is stopped.
+STARTS_IN_A_ROW = 10
+
+STARTS_AT_ONCE = 20
+
+# The server is stopped once, then there are three attempts.
+COMMANDS_TO_PAIR_IN_VAIN = 4
+
+
+class Many(ProcessTest):
+    def count_handles(self) -> int:
+        """Those of the installer whose wizard is open and at rest."""
+        frame = self.person.rest().frame
+        assert frame, "there is no wizard"
+        return bystander.count_handles(frame.process)
+
+
+class Row(Many):
+    def test_each_start_ends_as_the_first_did(self) -> None:
+        handles = []
+        for number in range(STARTS_IN_A_ROW):
+            with self.subTest(number):
+                start = self.start_wizard()
+                handles.append(self.count_handles())
+                self.cancel(start)
+                self.expect_nothing_left()
+        self.assertEqual(len(set(handles)), 1, handles)
+
+
+class AtOnce(Many):
+    def test_one_wizard(self) -> None:
+        starts = [self.start() for _ in range(STARTS_AT_ONCE)]
+        wait_for("all but one to end", lambda: sum(start.has_ended for start in starts) == len(starts) - 1, 90)
+        (first,) = (start for start in starts if not start.has_ended)
+        self.wait_for_wizard(first)
+        titled = [window for window in self.eyes.look().windows if window.text == TITLE]
+        self.assertEqual(len(titled), 1, titled)
+        self.expect_whole_tools()
+        for start in starts:
+            if start is not first:
+                self.expect_refusal(start)
+        self.cancel(first)
+        self.expect_nothing_left()
+
+    def expect_refusal(self, start: Start) -> None:
+        # Whether the first had its window yet is a matter of chance.
+        front = [line for line in start.journal if line == f'SetForegroundWindow title="{TITLE}"']
+        self.assertLessEqual(len(front), 1)
+        self.expect_end(start, 0, "CloseHandle mutex", *front)
+
+
+class Handles(Many):
+    def test_left_over_tools_cost_one(self) -> None:
+        """They are removed by an adb command, and each of these keeps one handle."""
+        fresh = self.start_wizard()
+        before = self.count_handles()
+        fresh.kill()
+        start = self.start_wizard()
+        self.assertEqual(self.count_handles(), before + 1)
+        self.cancel(start)
+
+    def test_one_for_each_adb_command(self) -> None:
+        watch = self.enterContext(Watch())
+        start = self.start_wizard()
+        go_to_page(self.person, 6, watch)
+        self.person.write(pages.PAIRING_CODE, watch.code)
+        self.person.write(pages.PAIRING_PORT, "37098")
+        # What the first use of a page or a box costs is not of the commands.
+        self.fail_to_pair()
+        before = self.count_handles()
+        self.fail_to_pair()
+        self.assertEqual(self.count_handles(), before + COMMANDS_TO_PAIR_IN_VAIN)
+        self.person.press("Escape")
+        self.expect_journal_end(start)
+
+    def fail_to_pair(self) -> None:
+        """One press of Next in vain."""
+        self.person.enter_when_offered()
+        self.person.dismiss(self.person.wait_for_box("Pair Connection"))
+        self.person.wait_until_it_listens()
+
+    def expect_journal_end(self, start: Start) -> None:
+        start.wait(END)
+        self.assertEqual(tuple(start.journal[-len(CANCELLED) - 1 :]), (*CANCELLED, "ended code=0"))
+        self.assertEqual(running(), [])
+
+
+if __name__ == "__main__":
+    unittest.main()
