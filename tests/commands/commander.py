@@ -8,6 +8,10 @@ from pathlib import Path
 
 import places
 
+# Where its tools are; the blank is meant.
+FOLDER = "C:\\adb tools"
+ADB = FOLDER + "\\platform-tools\\adb.exe"
+
 # adb gives an address that stays silent this much and more.
 PATIENCE = 60.0
 
@@ -24,7 +28,7 @@ class Answer:
 
     @property
     def lines(self) -> list[str]:
-        """What adb printed, without what it tells of its server. A line that does not end as Windows' lines shows that."""
+        """What adb printed, without what it tells of its server's start. Lines end with CR LF, nothing else is cut."""
         lines = self.output.removesuffix("\r\n").split("\r\n") if self.output else []
         return [line for line in lines if not line.startswith("* daemon ")]
 
@@ -40,7 +44,7 @@ class Commander:
         self._complaints = Path("/tmp/commands.txt")
         with self._complaints.open("w") as complaints:
             self._process = subprocess.Popen(
-                ["wine", program, "C:\\adb tools"],
+                ["wine", program, FOLDER],
                 stdin=subprocess.PIPE,
                 stdout=subprocess.PIPE,
                 stderr=complaints,

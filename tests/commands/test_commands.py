@@ -1,16 +1,20 @@
-"""The four commands, with the adb that the product carries, on a watch in every state: what they come to and what adb said.
+"""The four commands, with the adb that the product carries, on a watch in every state: what they come to and what adb
+said.
 
 The product waits two seconds before each command; here it only says so.
 """
 
 import os
+import subprocess
 import time
 import unittest
+from collections.abc import Callable
+from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 import network
 import places
-from commander import Answer, Commander
+from commander import ADB, Answer, Commander
 from program import windows_path
 from watch import Watch
 
@@ -23,6 +27,7 @@ NO_SERVER = (
 PERFORMING = "Performing Streamed Install"
 NOBODY = "192.168.1.55"
 CLOSED_PORT = 43299
+QUIET = subprocess.DEVNULL
 
 
 class SecondWatch(Watch):
@@ -37,6 +42,11 @@ def debugging(watch: Watch) -> str:
 
 def pairing(watch: Watch) -> str:
     return f"{watch.address}:{watch.pairing_port}"
+
+
+def stop_server() -> None:
+    """Stops adb's server from outside, as another program that uses adb may."""
+    subprocess.run(["wine", ADB, "kill-server"], check=True, timeout=30, stdin=QUIET, stdout=QUIET, stderr=QUIET)
 
 
 class CommandTest(unittest.TestCase):
@@ -59,10 +69,11 @@ class CommandTest(unittest.TestCase):
         self.expect(self.commander.connect(debugging(watch)), 0, "ADB_SUCCESS", f"connected to {debugging(watch)}")
         return watch
 
-    def expect(self, answer: Answer, outcome: int, name: str, *lines: str, boxes: tuple[tuple[str, str], ...] = ()) -> None:
+    def expect(self, answer: Answer, outcome: int, name: str, *lines: str) -> None:
+        """That outcome without a box, after two seconds, from these lines of adb."""
         self.assertEqual((answer.outcome, answer.name), (outcome, name), answer)
         self.assertEqual(answer.lines, list(lines))
-        self.assertEqual(answer.boxes, boxes)
+        self.assertEqual(answer.boxes, ())
         self.assertEqual(answer.sleeps, (2000,))
 
 
@@ -153,8 +164,19 @@ class Connecting(CommandTest):
         reason = "cannot connect to 192.168.1.100:43299: Connection refused. (10061)"
         self.expect(answer, 101, "CONNECT_CANNOT_CONNECT", reason)
 
+    def test_at_the_port_of_pairing(self) -> None:
+        watch = self.watch()
+        answer = self.commander.connect(pairing(watch))
+        self.expect(answer, 6, "ADB_PARSE_ERROR", "failed to connect to 192.168.1.100:37099")
+        again = self.commander.connect(pairing(watch))
+        self.expect(again, 100, "CONNECT_ALREADY_CONNECTED", "already connected to 192.168.1.100:37099")
+        installed = self.commander.install(pairing(watch), "C:\\any.apk")
+        self.expect(installed, 344, "INSTALL_DEVICE_OFFLINE", "adb.exe: device offline")
+
     def test_with_nobody(self) -> None:
-        self.expect_unreachable(self.commander.connect(f"{NOBODY}:43210"), f"cannot connect to {NOBODY}:43210: ", "10065")
+        self.expect_unreachable(
+            self.commander.connect(f"{NOBODY}:43210"), f"cannot connect to {NOBODY}:43210: ", "10065"
+        )
 
     def test_without_a_network(self) -> None:
         self.addCleanup(network.plug_in_computer)
@@ -217,7 +239,8 @@ class Installing(CommandTest):
 
     def test_takes_a_path_with_blanks_and_letters_of_any_language(self) -> None:
         watch = self.connected_watch()
-        for name in ("My Downloads/Solvane Watch 2.1 (new) & more.apk", "Téléchargements/Uhr für Łukasz.apk", "Two  blanks.APK"):
+        names = ("My Downloads/Solvane 2.1 (new) & more.apk", "Téléchargements/Uhr für Łukasz.apk", "Two  blanks.APK")
+        for name in names:
             package = write_package(name)
             self.expect(self.install(watch, package), 0, "ADB_SUCCESS", PERFORMING, "Success")
             self.assertTrue(watch.has_received(package), name)
@@ -272,11 +295,34 @@ class Installing(CommandTest):
         package = write_package("solvane.apk")
         self.expect(self.install(watch, package), 344, "INSTALL_DEVICE_OFFLINE", "adb.exe: device offline")
 
-    def test_that_breaks_off_half_way(self) -> None:
-        watch = self.connected_watch("--drop-on-install")
-        answer = self.install(watch, write_package("solvane.apk", 4_000_037))
+    def test_whose_watch_is_switched_off_meanwhile(self) -> None:
+        watch = self.connected_watch("--silent-install")
+        self.expect_broken_off(self.install_and(watch, watch.switch_off))
+        answer = self.commander.install(debugging(watch), "C:\\solvane.apk")
+        self.expect(answer, 344, "INSTALL_DEVICE_OFFLINE", "adb.exe: device offline")
+
+    def test_whose_server_is_stopped_meanwhile(self) -> None:
+        watch = self.connected_watch("--silent-install")
+        self.expect_broken_off(self.install_and(watch, stop_server))
+        answer = self.commander.install(debugging(watch), "C:\\solvane.apk")
+        self.expect(answer, 6, "ADB_PARSE_ERROR", "adb.exe: device '192.168.1.100:43210' not found")
+
+    def install_and(self, watch: Watch, interrupt: Callable[[], None]) -> Answer:
+        """Installs on a watch that stays silent, until something interrupts it."""
+        with ThreadPoolExecutor(1) as another:
+            answer = another.submit(self.install, watch, write_package("solvane.apk"))
+            watch.wait_for_event("install: stays silent", 30)
+            interrupt()
+            return answer.result()
+
+    def expect_broken_off(self, answer: Answer) -> None:
         # The reason is missing, and so is the end of the line.
         self.expect(answer, 300, "INSTALL_FAILED", PERFORMING, "adb: failed to install C:\\solvane.apk: ")
+        self.assertFalse(answer.output.endswith("\n"))
+
+    def test_that_breaks_off_half_way(self) -> None:
+        watch = self.connected_watch("--drop-on-install")
+        self.expect_broken_off(self.install(watch, write_package("solvane.apk", 4_000_037)))
         self.assertFalse(watch.store.exists())
 
 
@@ -334,9 +380,8 @@ class Refusing(CommandTest):
         reason = "Failure [INSTALL_FAILED_OLDER_SDK: " + 900 * "."
         watch = self.connected_watch("--reply", reason)
         answer = self.commander.install(debugging(watch), windows_path(write_package("solvane.apk", 10_000)))
-        self.expect(
-            answer, 313, "INSTALL_FAILED_OLDER_SDK", PERFORMING, f"adb: failed to install C:\\solvane.apk: {reason[:511]}"
-        )
+        cut = f"adb: failed to install C:\\solvane.apk: {reason[:511]}"
+        self.expect(answer, 313, "INSTALL_FAILED_OLDER_SDK", PERFORMING, cut)
 
     def test_once_and_then_no_more(self) -> None:
         watch = self.connected_watch("--reply", "Failure [INSTALL_FAILED_ALREADY_EXISTS: x]", "--reply", "Success")

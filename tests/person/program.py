@@ -6,6 +6,7 @@ import subprocess
 from pathlib import Path
 
 import places
+from waiting import WaitedTooLong, wait_for
 
 
 def downloads() -> Path:
@@ -71,10 +72,19 @@ def working_folder() -> Path:
 
 
 def left_behind() -> list[str]:
-    """What is in the working folder, and an adb that still runs."""
+    """What is in the working folder, and an adb that goes on running."""
     folder = working_folder()
     files = [str(path.relative_to(folder)) for path in folder.rglob("*")] if folder.is_dir() else []
-    return files + ["a running adb.exe"] * adb_is_running()
+    return files + ["a running adb.exe"] * (not _adb_ends())
+
+
+def _adb_ends() -> bool:
+    # Its server has been told to end; it does so a moment later.
+    try:
+        wait_for("adb to end", lambda: not adb_is_running(), 5)
+    except WaitedTooLong:
+        return False
+    return True
 
 
 def stop_adb() -> None:

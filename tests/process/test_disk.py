@@ -23,7 +23,6 @@ from processtest import (
 )
 from program import left_behind
 
-
 # How Wine says that a disk is read-only. Windows has a word of its own for it, ERROR_WRITE_PROTECT.
 READ_ONLY = 5
 

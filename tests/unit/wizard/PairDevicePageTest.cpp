@@ -496,6 +496,20 @@ TEST_F(PairDevicePage, RefusesAPortThatIsNoNumber)
     EXPECT_EQ(Journal(), (Lines{"status \"Stopping ADB server\"", BoxLine(kBadPortText)}));
 }
 
+TEST_F(PairDevicePage, ReadsThePortAsAnUnsignedNumberAndMindsWhetherItIsOne)
+{
+    Enter(L"37777", L"123456");
+    const REPLACED(GetDlgItemInt) read([](HWND, int, BOOL* pbTranslated, BOOL) -> UINT {
+        *pbTranslated = FALSE;
+        return 37777;
+    });
+    EXPECT_EQ(Next(), -1);
+    ExpectBox(m_page.Window(), kBadPortText, kMethod);
+    EXPECT_EQ(read.Arg<0>(), m_page.Window());
+    EXPECT_EQ(read.Arg<1>(), kPort);
+    EXPECT_EQ(read.Arg<3>(), FALSE);
+}
+
 class PairDevicePortRange : public PairDevicePage, public testing::WithParamInterface<PCWSTR>
 {
 };

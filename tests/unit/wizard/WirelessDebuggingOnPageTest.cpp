@@ -376,6 +376,20 @@ INSTANTIATE_TEST_SUITE_P(Ports, WirelessDebuggingOnBadPort,
                          testing::Values(L"1023", L"65536", L"999", L"99999", L"0", L"", L"4x10", L"-4000",
                                          L"4294968320"));
 
+TEST_F(WirelessDebuggingOnPage, ReadsThePortAsAnUnsignedNumberAndMindsWhetherItIsOne)
+{
+    Enter(L"192.168.1.100", L"43210");
+    const REPLACED(GetDlgItemInt) read([](HWND, int, BOOL* pbTranslated, BOOL) -> UINT {
+        *pbTranslated = FALSE;
+        return 43210;
+    });
+    EXPECT_EQ(Next(), -1);
+    ExpectBox(m_page.Window(), kPortRange, L"Invalid Port Value");
+    EXPECT_EQ(read.Arg<0>(), m_page.Window());
+    EXPECT_EQ(read.Arg<1>(), kPort);
+    EXPECT_EQ(read.Arg<3>(), FALSE);
+}
+
 class WirelessDebuggingOnGoodPort : public WirelessDebuggingOnPage,
                                     public testing::WithParamInterface<std::pair<PCWSTR, u_short>>
 {
