@@ -25,8 +25,8 @@ NO_NETWORK = (
     "Ethernet cable is plugged in."
 )
 NO_CONNECTION = (
-    "Could not connect to a watch at the IP address and port you entered.\nPlease verify your workstation and watch are "
-    "on the same network.\nAlso verify you entered the correct IP address and port.\n\nIf the above does not work, "
+    "Could not connect to a watch at the IP address and port you entered.\nPlease verify your workstation and watch "
+    "are on the same network.\nAlso verify you entered the correct IP address and port.\n\nIf the above does not work, "
 ) + RESTART
 BAD_PORT = "Please enter a port value in the range of 1024 through 65535."
 NOT_PAIRED = (
@@ -109,7 +109,7 @@ class FailureTest(InstallationTest):
         self.assertEqual([line for line in seen if line in lines], list(lines), seen)
 
     def expect_some_seen(self, *lines: str) -> None:
-        """The same, of lines that may be gone before anybody can read them: more than one, in this order, none twice."""
+        """The same, of lines that may be gone too soon: more than one was seen, in this order, none twice."""
         seen = [line for _, line in self.person.statuses[self._seen_before :] if line in lines]
         self.assertGreater(len(seen), 1)
         self.assertEqual(seen, [line for line in lines if line in seen])

@@ -1,4 +1,4 @@
-"""The install page when the watch takes the package and refuses it, once for each answer that the user sees differently."""
+"""The install page when the watch takes the package and refuses it: each answer that the user sees differently."""
 
 import unittest
 
