@@ -240,7 +240,9 @@ class Installing(CommandTest):
     def test_takes_a_path_with_blanks_and_letters_of_any_language(self) -> None:
         watch = self.connected_watch()
         names = (
-            "My Downloads/Solvane 2.1 (new) & more.apk", "Téléchargements/Uhr für Łukasz.apk", "Two  blanks.APK",
+            "My Downloads/Solvane 2.1 (new) & more.apk",
+            "Téléchargements/Uhr für Łukasz.apk",
+            "Two  blanks.APK",
         )
         for name in names:
             package = write_package(name)
