@@ -12,16 +12,16 @@ root_packages=(
     android-libboringssl-dev libctre-dev libzopfli-dev googletest
     # Windows to run on, and a display with a window manager to look at
     wine wine64 wine32:i386 xvfb openbox xdotool x11-utils x11-xserver-utils imagemagick
-    fonts-wine fonts-liberation fonts-open-sans
+    fonts-wine fonts-liberation fonts-urw-base35
     # the icon
     librsvg2-bin icoutils
     # the home network, the person and the measurements
     iproute2 nftables iputils-ping python3 procps zip unzip gcovr
 )
 
-# Windows 10 shows dialogs in Segoe UI's proportions, Wine in Tahoma's, and draws that wider than it
-# measures it. Open Sans has the proportions of Segoe UI.
-windows_dialog_font="Open Sans"
+# The dialogs ask for "MS Shell Dlg". Wine answers with Tahoma, whose letters it draws wider than it
+# measures them, so that words lose their ends; Nimbus Sans fits the templates from 96 to 288 DPI.
+windows_dialog_font="Nimbus Sans"
 
 # name, SHA-256
 miniz_source_package=woof-doom

@@ -5,8 +5,8 @@
 
 namespace {
 
-// In order of preference. Open Sans has the proportions of Segoe UI; the dialog font always exists.
-constexpr PCWSTR kFaces[] = {L"Segoe UI", L"Open Sans", L"MS Shell Dlg"};
+// In order of preference; the dialog font always exists.
+constexpr PCWSTR kFaces[] = {L"Segoe UI", L"MS Shell Dlg"};
 
 int CALLBACK NoteFont(const LOGFONTW*, const TEXTMETRICW*, DWORD, LPARAM lParam)
 {
