@@ -15,7 +15,7 @@
 
 namespace {
 
-consteval IMAGE_LOAD_CONFIG_DIRECTORY64 MakeLoadConfig()
+consteval IMAGE_LOAD_CONFIG_DIRECTORY64 MakeLoadConfig() noexcept
 {
     IMAGE_LOAD_CONFIG_DIRECTORY64 config = {};
     config.Size = sizeof(config);
