@@ -7,6 +7,7 @@
 #include "system/AddressControl.h"
 #include "system/BestRoute.h"
 #include "system/Foreground.h"
+#include "system/MessageBoxes.h"
 
 namespace {
 
@@ -25,6 +26,7 @@ bool Install(HMODULE hProgram)
     g_pfnPropertySheetW = ReplaceImport(hProgram, "PropertySheetW", ShowPropertySheet);
     ReplaceImport(hProgram, "GetBestRoute2", BestRoute);
     ReplaceImport(hProgram, "SetForegroundWindow", BringToForeground);
+    ReplaceImport(hProgram, "MessageBoxW", ShowMessageBox);
     if (!InstallFaults(hProgram)) {
         return false;
     }

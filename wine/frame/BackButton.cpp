@@ -43,6 +43,10 @@ LRESULT CALLBACK CBackButton::Procedure(HWND hwnd, UINT nMessage, WPARAM wParam,
 {
     auto& button = *reinterpret_cast<CBackButton*>(GetWindowLongPtrW(hwnd, GWLP_USERDATA));
     switch (nMessage) {
+    case WM_LBUTTONDBLCLK:
+        // A button that draws itself tells of a double click instead of a second click; the arrow means two.
+        nMessage = WM_LBUTTONDOWN;
+        break;
     case WM_MOUSEMOVE:
         button.SetHot(true);
         break;

@@ -5,6 +5,10 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
+#include <cwchar>
+#include <utility>
+
 namespace {
 
 WNDPROC g_pfnOriginal;
@@ -12,6 +16,19 @@ WNDPROC g_pfnOriginal;
 // The control that is being told of a change in one of its fields: it answers by setting its own text to
 // what the fields say, which must not fill the fields again.
 HWND g_hwndFollowing;
+
+// The control that a program is filling; only what a user changes is told.
+HWND g_hwndFilling;
+
+// Runs while the fields change by a program's doing.
+template<typename FILL>
+LRESULT Fill(HWND hwnd, FILL fill)
+{
+    const HWND hwndBefore = std::exchange(g_hwndFilling, hwnd);
+    const LRESULT nResult = fill();
+    g_hwndFilling = hwndBefore;
+    return nResult;
+}
 
 LRESULT SetText(HWND hwnd, PCWSTR pszText)
 {
@@ -34,14 +51,59 @@ LRESULT CallOriginal(HWND hwnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
     return nResult;
 }
 
+// Tells the dialog at every change of a field; Wine tells it only when a field is full or left.
+void NotifyFieldChanged(HWND hwnd, HWND hwndField)
+{
+    const std::array<HWND, kAddressFields> fields = AddressFields(hwnd);
+    const auto* const pField = std::ranges::find(fields, hwndField);
+    if (pField == fields.end()) {
+        return;
+    }
+    WCHAR szValue[4] = {};
+    GetWindowTextW(hwndField, szValue, ARRAYSIZE(szValue));
+    NMIPADDRESS notification = {};
+    notification.hdr.hwndFrom = hwnd;
+    notification.hdr.idFrom = static_cast<UINT_PTR>(GetDlgCtrlID(hwnd));
+    notification.hdr.code = static_cast<UINT>(IPN_FIELDCHANGED);
+    notification.iField = static_cast<int>(pField - fields.begin());
+    notification.iValue = szValue[0] == L'\0' ? -1 : static_cast<int>(wcstol(szValue, nullptr, 10));
+    SendMessageW(GetParent(hwnd), WM_NOTIFY, notification.hdr.idFrom, reinterpret_cast<LPARAM>(&notification));
+}
+
+LRESULT OnCommand(HWND hwnd, WPARAM wParam, LPARAM lParam)
+{
+    const LRESULT nResult = CallOriginal(hwnd, WM_COMMAND, wParam, lParam);
+    if (HIWORD(wParam) == EN_CHANGE && hwnd != g_hwndFilling) {
+        NotifyFieldChanged(hwnd, reinterpret_cast<HWND>(lParam));
+    }
+    return nResult;
+}
+
+// Blank from the start; Wine begins with 0.0.0.0.
+LRESULT OnCreate(HWND hwnd, WPARAM wParam, LPARAM lParam)
+{
+    return Fill(hwnd, [=] {
+        const LRESULT nResult = CallOriginal(hwnd, WM_CREATE, wParam, lParam);
+        CallOriginal(hwnd, IPM_CLEARADDRESS, 0, 0);
+        return nResult;
+    });
+}
+
 LRESULT CALLBACK Procedure(HWND hwnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
 {
     switch (nMessage) {
+    case WM_CREATE:
+        return OnCreate(hwnd, wParam, lParam);
     case WM_SETTEXT:
         if (hwnd != g_hwndFollowing) {
-            return SetText(hwnd, reinterpret_cast<PCWSTR>(lParam));
+            return Fill(hwnd, [=] { return SetText(hwnd, reinterpret_cast<PCWSTR>(lParam)); });
         }
         break;
+    case IPM_SETADDRESS:
+    case IPM_CLEARADDRESS:
+        return Fill(hwnd, [=] { return CallOriginal(hwnd, nMessage, wParam, lParam); });
+    case WM_COMMAND:
+        return OnCommand(hwnd, wParam, lParam);
     case WM_SETFONT:
         return SetAddressFont(hwnd, wParam);
     case WM_GETFONT:

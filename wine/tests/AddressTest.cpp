@@ -1,5 +1,6 @@
 // Addresses: texts, the control, the route.
 #include "system/AddressControl.h"
+#include "system/AddressLook.h"
 #include "system/AddressText.h"
 #include "system/BestRoute.h"
 
@@ -8,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <vector>
 
 using Fields = std::array<std::wstring, 4>;
 
@@ -65,6 +67,14 @@ TEST_F(AddressControl, TakesAWholeText)
     EXPECT_EQ(Address(), std::pair(LRESULT{4}, DWORD{MAKEIPADDRESS(192, 168, 1, 100)}));
 }
 
+TEST_F(AddressControl, IsBlankAtFirst)
+{
+    EXPECT_EQ(Address(), std::pair(LRESULT{0}, DWORD{0}));
+    for (const HWND hwndField : AddressFields(m_hwnd)) {
+        EXPECT_EQ(GetWindowTextLengthW(hwndField), 0);
+    }
+}
+
 TEST_F(AddressControl, LeavesTheFieldsBlankThatTheTextLeavesOut)
 {
     SetWindowTextW(m_hwnd, L"192.168.1.100");
@@ -95,6 +105,73 @@ TEST_F(AddressControl, GivesItsFontToItsFields)
     for (HWND field = GetWindow(m_hwnd, GW_CHILD); field != nullptr; field = GetWindow(field, GW_HWNDNEXT)) {
         EXPECT_EQ(SendMessageW(field, WM_GETFONT, 0, 0), static_cast<LRESULT>(hFont));
     }
+}
+
+// The same in a parent that listens.
+class AddressNotification : public AddressControl
+{
+protected:
+    struct CHANGE
+    {
+        int nField, nValue;
+        bool operator==(const CHANGE&) const = default;
+    };
+
+    void SetUp() override
+    {
+        AddressControl::SetUp();
+        SetWindowLongPtrW(m_hwndParent, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+        SetWindowLongPtrW(m_hwndParent, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Listen));
+    }
+
+    static LRESULT CALLBACK Listen(HWND hwnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
+    {
+        if (nMessage == WM_NOTIFY) {
+            const auto& change = *reinterpret_cast<const NMIPADDRESS*>(lParam);
+            EXPECT_EQ(change.hdr.code, static_cast<UINT>(IPN_FIELDCHANGED));
+            reinterpret_cast<AddressNotification*>(GetWindowLongPtrW(hwnd, GWLP_USERDATA))
+                ->m_changes.push_back({change.iField, change.iValue});
+        }
+        return DefWindowProcW(hwnd, nMessage, wParam, lParam);
+    }
+
+    // In the field that is the last one on the screen.
+    void Type(WCHAR ch)
+    {
+        SendMessageW(AddressFields(m_hwnd)[3], WM_CHAR, ch, 1);
+    }
+
+    std::vector<CHANGE> m_changes;
+};
+
+TEST_F(AddressNotification, ComesWithEveryKeyThatChangesAField)
+{
+    Type(L'7');
+    ASSERT_FALSE(m_changes.empty());
+    EXPECT_EQ(m_changes.back(), (CHANGE{3, 7}));
+    Type(L'0');
+    EXPECT_EQ(m_changes.back(), (CHANGE{3, 70}));
+    m_changes.clear();
+    Type(VK_BACK);
+    ASSERT_FALSE(m_changes.empty());
+    EXPECT_EQ(m_changes.back(), (CHANGE{3, 7}));
+    Type(VK_BACK);
+    EXPECT_EQ(m_changes.back(), (CHANGE{3, -1}));
+}
+
+TEST_F(AddressNotification, TellsWhatTheControlHoldsByThen)
+{
+    SetWindowTextW(m_hwnd, L"192.168.1.");
+    Type(L'7');
+    EXPECT_EQ(Address(), std::pair(LRESULT{4}, DWORD{MAKEIPADDRESS(192, 168, 1, 7)}));
+}
+
+TEST_F(AddressNotification, DoesNotComeWhenAProgramFillsTheControl)
+{
+    SetWindowTextW(m_hwnd, L"192.168.1.");
+    m_changes.clear(); // of Wine's own
+    SetWindowTextW(m_hwnd, L"10.0.0.1");
+    EXPECT_EQ(m_changes, std::vector<CHANGE>{});
 }
 
 class Route : public testing::Test

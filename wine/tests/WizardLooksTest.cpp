@@ -126,11 +126,12 @@ protected:
 
     CFrameLayout Layout(SIZE page, SIZE widestButton) const
     {
-        return CFrameLayout({.nDpi = GetParam(),
-                             .page = {At96(static_cast<int>(page.cx)), At96(static_cast<int>(page.cy))},
-                             .captionText = {At96(8), At96(16)},
-                             .headerTitle = {At96(10), At96(21)},
-                             .widestButton = {At96(static_cast<int>(widestButton.cx)), At96(16)}});
+        return CFrameLayout(
+            {.nDpi = GetParam(),
+             .page = {At96(static_cast<int>(page.cx)), At96(static_cast<int>(page.cy))},
+             .captionText = {At96(8), At96(16)},
+             .headerTitle = {At96(10), At96(21)},
+             .widestButton = {At96(static_cast<int>(widestButton.cx)), At96(static_cast<int>(widestButton.cy))}});
     }
 };
 
@@ -166,6 +167,16 @@ TEST_P(FrameLayout, ASmallPageLeavesRoomForAllButtons)
 {
     const CFrameLayout layout = Layout({100, 100}, {150, 16});
     EXPECT_GE(layout.Button(2).left, 0);
+}
+
+TEST_P(FrameLayout, AHighTextMakesEveryButtonHighAndHidesNone)
+{
+    const CFrameLayout layout = Layout({550, 390}, {150, 60});
+    for (const int n : {0, 1, 2}) {
+        EXPECT_GT(layout.Button(n).bottom - layout.Button(n).top, At96(60));
+        EXPECT_LT(layout.Button(n).bottom, layout.Frame().cy);
+        EXPECT_GE(layout.Button(n).top, layout.Page().bottom);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Resolutions, FrameLayout, testing::Values(96u, 120u, 144u, 192u, 288u));

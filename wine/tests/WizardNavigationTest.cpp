@@ -110,6 +110,16 @@ TEST_F(WizardNavigation, BackOnTheFirstPageLeadsNowhere)
               0);
 }
 
+TEST_F(WizardNavigation, TwoQuickClicksOnTheArrowGoBackTwice)
+{
+    const auto clickTwice = [this] {
+        for (const UINT nMessage : {WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP}) {
+            PostMessageW(Button(kBackButtonId), nMessage, 0, MAKELPARAM(5, 5));
+        }
+    };
+    EXPECT_EQ(Run({IDD_TEXT, IDD_BOX, IDD_TEXT}, {Next, Next, clickTwice, ExpectPage(1), Cancel}), 0);
+}
+
 TEST_F(WizardNavigation, TheStartPageIsTheOneThatTheHeaderNames)
 {
     PROPSHEETHEADERW header = Header({IDD_TEXT, IDD_BOX, IDD_FIELDS});
