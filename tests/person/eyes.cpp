@@ -5,7 +5,12 @@
 //                  in tab order. Asks nothing of the windows, so a program that is busy does not hold it up.
 //   read HANDLE    what a control holds: the text of an edit or combo box, the state of a check box. Null where
 //                  the program is too busy to say it.
+//   measure HANDLE FONT [TEXT]
+//                  the room that a control has for its text, the extent of the text and what is drawn of it
+//                  when nothing is cut; with TEXT, as if the control said that. See person/Measure.h.
 // The end of the input ends it.
+#include "person/Measure.h"
+
 #include <windows.h>
 
 #include <commctrl.h>
@@ -13,6 +18,7 @@
 #include <cstdio>
 #include <format>
 #include <iostream>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -166,16 +172,47 @@ std::string Read(HWND hwnd)
     return "null";
 }
 
+std::string Edges(const RECT& rect)
+{
+    return std::format("[{},{},{},{}]", rect.left, rect.top, rect.right, rect.bottom);
+}
+
+std::wstring FromUtf8(std::string_view utf8)
+{
+    const int nLength = static_cast<int>(utf8.size());
+    std::wstring text(utf8.size(), L'\0');
+    text.resize(static_cast<size_t>(
+        MultiByteToWideChar(CP_UTF8, 0, utf8.data(), nLength, text.data(), static_cast<int>(text.size()))));
+    return text;
+}
+
+std::string MeasureControl(HWND hwnd, std::string_view font, const std::wstring& text)
+{
+    const std::optional<MEASURE> measure = Measure(hwnd, font, text);
+    return measure ? std::format(R"({{"room":{},"extent":{},"ink":{}}})", Edges(measure->room), Edges(measure->extent),
+                                 Edges(measure->ink))
+                   : R"({"error":"there is no such font, or the control shows no text"})";
+}
+
 std::string Answer(const std::string& request)
 {
     unsigned long nHandle = 0;
+    char szFont[16] = {};
+    int nTextStart = 0;
     if (request == "look") {
         return Look();
     }
     if (std::sscanf(request.c_str(), "read %lu", &nHandle) == 1) {
         return std::format(R"({{"holds":{}}})", Read(static_cast<HWND>(ULongToHandle(nHandle))));
     }
-    return R"({"error":"the requests are: look, read HANDLE"})";
+    if (std::sscanf(request.c_str(), "measure %lu %15s%n", &nHandle, szFont, &nTextStart) == 2) {
+        const HWND hwnd = static_cast<HWND>(ULongToHandle(nHandle));
+        const auto nStart = static_cast<size_t>(nTextStart);
+        return MeasureControl(hwnd, szFont,
+                              nStart < request.size() ? FromUtf8(std::string_view(request).substr(nStart + 1))
+                                                      : TitleOf(hwnd));
+    }
+    return R"({"error":"the requests are: look, read HANDLE, measure HANDLE FONT [TEXT]"})";
 }
 
 } // namespace

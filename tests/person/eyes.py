@@ -13,7 +13,48 @@ import places
 BUTTON_KINDS = 0xF
 DEFAULT_BUTTON = 0x1
 CHECK_BOXES = (0x2, 0x3)
+TAB_STOP = 0x10000
 DIALOG_CLASS = "#32770"
+
+
+@dataclass(frozen=True)
+class Area:
+    """A rectangle of the screen; right and bottom are the first pixels outside."""
+
+    left: int
+    top: int
+    right: int
+    bottom: int
+
+    def holds(self, other: "Area") -> bool:
+        return (
+            self.left <= other.left
+            and self.top <= other.top
+            and other.right <= self.right
+            and other.bottom <= self.bottom
+        )
+
+    def meets(self, other: "Area") -> bool:
+        """Whether any pixel is in both."""
+        common = self & other
+        return common.left < common.right and common.top < common.bottom
+
+    def __and__(self, other: "Area") -> "Area":
+        return Area(
+            max(self.left, other.left),
+            max(self.top, other.top),
+            min(self.right, other.right),
+            min(self.bottom, other.bottom),
+        )
+
+
+@dataclass(frozen=True)
+class Measure:
+    """The room that a control has for its text, the text as the system measures it, and what is drawn of it uncut."""
+
+    room: Area
+    extent: Area
+    ink: Area
 
 
 @dataclass(frozen=True)
@@ -66,6 +107,10 @@ class Window:
         return self.is_kind("Button") and self.style & BUTTON_KINDS == DEFAULT_BUTTON
 
     @property
+    def area(self) -> Area:
+        return Area(self.x, self.y, self.x + self.width, self.y + self.height)
+
+    @property
     def middle(self) -> tuple[int, int]:
         return self.x + self.width // 2, self.y + self.height // 2
 
@@ -115,6 +160,14 @@ class Eyes:
     def read(self, control: Window) -> str | bool | None:
         """An edit's text, a check box's state. None when the program is too busy to say."""
         return self._ask(f"read {control.handle}")["holds"]
+
+    def measure(self, control: Window, font: str, text: str = "") -> Measure | None:
+        """How a control shows its text, or another one in its place. None when it shows none.
+
+        Windows keeps fonts to the program that made them, so the font is named: "page", "frame", "title" or "box".
+        """
+        answer = self._ask(f"measure {control.handle} {font} {text}".rstrip())
+        return None if "error" in answer else Measure(**{name: Area(*edges) for name, edges in answer.items()})
 
     def _ask(self, request: str) -> dict[str, Any]:
         assert self._process.stdin and self._process.stdout

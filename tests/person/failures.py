@@ -6,6 +6,8 @@ Every failure ends in a box, which is read, kept as a picture and dismissed, and
 import os
 import unittest.mock
 
+import guide
+import looks
 import places
 from installation import InstallationTest
 from program import adb_is_running
@@ -86,6 +88,8 @@ class FailureTest(InstallationTest):
         self.assertEqual(box.window.owner, sight.frame.handle if owned else 0)
         self.assertEqual(sight.view.foreground, box.window.handle)
         self.person.picture(places.build() / "run" / "boxes" / f"{picture}.png", box.window)
+        self.assertTrue(guide.explains(box), f"the guide does not explain {box}")
+        self.assertEqual(looks.look_at_box(self.person.eyes, box), [])
         self.person.dismiss(box)
 
     def expect_page(self, number: int, status: str) -> None:

@@ -19,6 +19,11 @@ def plug_in_computer() -> None:
     _ip("route", "replace", "default", "via", "192.168.1.1")
 
 
+def remove_gateway() -> None:
+    """Leaves the computer in its network, which now leads nowhere else."""
+    _ip("route", "delete", "default")
+
+
 def unplug_watch() -> None:
     _ip("link", "set", "lan", "down", on_watch=True)
 

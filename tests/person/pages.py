@@ -7,6 +7,7 @@ TITLE = "KALVO Solvane Android Watch Installer"
 # The ids of the frame's buttons.
 BACK, NEXT, FINISH, CANCEL = 12323, 12324, 12325, 2
 BUTTONS = {BACK: "Back", NEXT: "Next", FINISH: "Finish", CANCEL: "Cancel"}
+BUTTONS_BY_NAME = {name: number for number, name in BUTTONS.items()}
 
 # Controls of the pages that do work.
 ABOUT = 1039

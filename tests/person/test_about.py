@@ -3,6 +3,7 @@
 import unittest
 
 import pages
+import places
 from installation import InstallationTest
 
 TEXT = f"{pages.TITLE}\n\nApplication to install APK on Android Device\n\nVersion: 1.4.0"
@@ -27,6 +28,7 @@ class About(InstallationTest):
         box = self.person.wait_for_box("About")
         self.assertEqual(box.message, TEXT)
         self.assertEqual(box.buttons, ("OK",))
+        self.person.picture(places.build() / "run" / "boxes" / "about.png", box.window)
         self.person.dismiss(box)
         self.assertEqual(self.person.look().number, 1)
 

@@ -46,6 +46,13 @@ class TheWatchsAddress(FieldsTest):
         self.person.expect(pages.PORT, "4321")
         self.assertEqual(self.person.rest().buttons, {"Back", "Cancel"})
 
+    def test_next_follows_every_key_in_the_address(self) -> None:
+        self.enter(pages.PORT, "4", "3", "2", "1")
+        self.person.click(self.last_field())
+        for key, offered in (("7", True), ("BackSpace", False), ("1", True), ("0", True)):
+            self.person.press(key)
+            self.person.wait_until(f"Next to follow {key}", lambda sight: ("Next" in sight.buttons) is offered)
+
     def last_field(self) -> Window:
         return max(self.person.look().control(pages.ADDRESS).children, key=lambda field: field.x)
 

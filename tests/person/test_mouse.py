@@ -24,6 +24,16 @@ class TheMouseAlone(InstallationTest):
             self.person.expect(box, expected)
             self.person.wait_until("Next to follow", lambda sight: ("Next" in sight.buttons) is expected)
 
+    def test_two_quick_clicks_on_the_arrow_go_back_twice(self) -> None:
+        for page in pages.PAGES[:2]:
+            self.fill_in(page)
+            self.person.click_button("Next")
+            self.person.wait_for_page(page.number + 1)
+        arrow = self.person.look().button("Back")
+        assert arrow
+        self.person.click(arrow, times=2)
+        self.person.wait_until("page 1", lambda sight: sight.number == 1)
+
     def fill_in(self, page: pages.Page) -> None:
         if page.box:
             self.person.click_control(page.box)

@@ -1,0 +1,176 @@
+"""What is to be seen on each page and on the About box, measured, at the resolution of the home that it runs in.
+
+    test_looks.py DPI [ARGUMENT...]    the resolution, which names the folder of the pictures
+"""
+
+import sys
+import unittest
+
+import hands
+import journey
+import looks
+import pages
+import places
+from installation import InstallationTest
+from outcomes import messages
+from wizard import Sight
+
+# Where the keyboard is when a page is shown for the first time, where that is not the box to tick.
+FIRST_FOCUS = {
+    1: pages.NEXT,
+    5: pages.ADDRESS,
+    6: pages.PAIRING_CODE,
+    7: pages.APK_PATH,
+    8: pages.NEXT,
+    14: pages.FINISH,
+}
+# The buttons, where they are not Back and Cancel until the page has what it needs and then Next as well.
+ALWAYS = {
+    1: {"Next", "Cancel"},
+    7: {"Back", "Next", "Cancel"},
+    8: {"Back", "Next", "Cancel"},
+    14: {"Back", "Finish"},
+}
+
+# The keyboard comes to the box that makes the fields needless after the fields, as the template has it.
+FIELDS_OF_PAIRING = [pages.PAIRING_CODE, pages.PAIRING_PORT]
+
+LONGEST_ADDRESS = "255.255.255.255"
+LONGEST = f"{LONGEST_ADDRESS}:65535"
+PINGING = (f"Pinging {LONGEST_ADDRESS} (6 of 6)", "Unreachable")
+PACKAGE = "Solvane Watch Client 2.1 for Galaxy Watch.apk"
+OUTCOMES = messages()
+
+# Everything that the status lines come to say. The outcomes of a run of adb, and those of pairing.
+RUN = [OUTCOMES[number] for number in (4, 5, 6)]
+STATUS_LINES = {
+    5: [*PINGING, f"Connecting to {LONGEST} (7 of 7)", f"Could not connect to {LONGEST}"],
+    6: [
+        *PINGING,
+        "Stopping ADB server",
+        "Pairing attempt 3 of 3",
+        f"Pairing to {LONGEST} | 888888",
+        "Unknown ADB Exit Code",
+        *RUN,
+        OUTCOMES[501],
+    ],
+    7: [
+        *PINGING,
+        f"Connecting to {LONGEST} (attempt 3 of 3)",
+        f"Connected to {LONGEST}",
+        f"Unable to connect to {LONGEST}",
+        f"Installing {PACKAGE} (attempt 3 of 3)",
+        f"Installed {PACKAGE}",
+        "Unable to stop adb service",
+        "Unknown ADB Exit Code",
+        *OUTCOMES.values(),
+    ],
+}
+# Reasons of the watch for which the line has no room at every resolution. A box, which has, tells them as well.
+WORDY = [OUTCOMES[number] for number in (308, 309, 312, 314, 316, 327, 339, 340)]
+
+
+class Looks(InstallationTest):
+    resolution = "96"
+
+    def setUp(self) -> None:
+        super().setUp()
+        self.folder = places.build() / "run" / f"{self.resolution}dpi"
+
+    def test_every_page(self) -> None:
+        for page in pages.PAGES:
+            with self.subTest(page=page.number, filled=False):
+                self.look_before(page)
+            journey.fill_in(self.person, page, self.watch)
+            with self.subTest(page=page.number, filled=True):
+                self.look_after(page)
+            if page is pages.PAGES[-1]:
+                break
+            self.person.enter_when_offered()
+            self.person.wait_for_page(page.number + 1)
+        self.person.press("Return")
+        self.finish()
+
+    def look_before(self, page: pages.Page) -> None:
+        """A page as it is shown for the first time."""
+        focus = FIRST_FOCUS.get(page.number, page.box)
+        self.person.wait_until(f"the keyboard to be at control {focus}", lambda sight: sight.focus_id == focus)
+        sight = self.look(ALWAYS.get(page.number, {"Back", "Cancel"}))
+        self.look_at_status_lines(sight)
+        # The way around would end in the first field of the address.
+        if page.number != 5:
+            self.walk(sight)
+        if page.number == 6:
+            self.look_at_skipped_pairing()
+
+    def look_after(self, page: pages.Page) -> None:
+        """A page that has all that it needs."""
+        sight = self.look(ALWAYS.get(page.number, {"Back", "Next", "Cancel"}))
+        self.person.picture(self.folder / f"page-{page.number:02}.png")
+        self.walk(sight)
+
+    def look(self, buttons: set[str]) -> Sight:
+        """All that can be seen, once the frame has exactly these buttons."""
+        self.person.wait_until(f"the buttons {buttons}", lambda sight: sight.buttons == buttons)
+        hands.move_mouse_away()
+        sight = self.person.rest()
+        self.assertEqual(looks.look_at_page(self.person.eyes, sight), [])
+        self.expect_default(sight)
+        return sight
+
+    def expect_default(self, sight: Sight) -> None:
+        """One button has the outline of the one that Enter presses; none has where Enter does nothing."""
+        assert sight.frame
+        focused = sight.view.focused()
+        if focused and focused.is_kind("Button") and not focused.is_check_box:
+            # The arrow draws itself, without that outline.
+            expected = [focused.id] if focused.id != pages.BACK else []
+        else:
+            expected = [pages.BUTTONS_BY_NAME[name] for name in ("Next", "Finish") if name in sight.buttons]
+        self.assertEqual(looks.default_buttons(sight.frame), expected)
+
+    def look_at_status_lines(self, sight: Sight) -> None:
+        if not sight.page or not sight.page.status:
+            return
+        status = sight.control(sight.page.status)
+        cut = [line for line in STATUS_LINES[sight.number] if looks.cut_text(self.person.eyes, status, "page", line)]
+        self.assertEqual([line for line in cut if line not in WORDY], [])
+
+    def look_at_skipped_pairing(self) -> None:
+        """Both fields are grey and out of the way of the keyboard."""
+        self.person.click_control(pages.SKIP_PAIRING)
+        sight = self.look({"Back", "Next", "Cancel"})
+        self.person.picture(self.folder / "page-06-skipped.png")
+        self.walk(sight)
+        self.person.click_control(pages.SKIP_PAIRING)
+        self.person.wait_until("Next to go", lambda sight: "Next" not in sight.buttons)
+
+    def walk(self, sight: Sight) -> None:
+        """Once around with the Tab key, through everything that can be reached, in the order of reading."""
+        stops = looks.stops_in_reading_order(sight)
+        if pages.PAIRING_CODE in stops:
+            stops.remove(pages.SKIP_PAIRING)
+            stops.insert(stops.index(FIELDS_OF_PAIRING[-1]) + 1, pages.SKIP_PAIRING)
+        start = stops.index(sight.focus_id)
+        for expected in (*stops[start + 1 :], *stops[: start + 1]):
+            self.person.press("Tab")
+            sight = self.person.rest()
+            self.assertEqual(sight.focus_id, expected, stops)
+            self.expect_default(sight)
+
+    def test_about_box(self) -> None:
+        self.person.click_control(pages.ABOUT)
+        box = self.person.wait_for_box("About")
+        hands.move_mouse_away()
+        self.assertEqual(looks.look_at_box(self.person.eyes, box), [])
+        self.person.picture(self.folder / "about.png", box.window)
+        self.person.dismiss(box)
+        self.person.wait_until("the page", lambda sight: sight.focus_id == pages.ABOUT)
+        self.person.rest()
+        self.person.press("Escape")
+        self.finish()
+
+
+if __name__ == "__main__":
+    Looks.resolution = sys.argv.pop(1)
+    unittest.main()
