@@ -2,8 +2,10 @@
 
 #include "app/Platform.h"
 
-#include <cerrno>
 #include <direct.h>
+
+#include <algorithm>
+#include <cerrno>
 #include <string>
 #include <string_view>
 
@@ -25,7 +27,6 @@ constexpr size_t kMaxPathBytes = 512;
 constexpr BYTE kHostUnix = 3;
 constexpr BYTE kHostMacOs = 19;
 constexpr mz_uint32 kUnixLinkBit = 1U << 29;
-constexpr mz_uint32 kDosDirectoryBit = 0x10;
 
 bool IsSeparator(char ch)
 {
@@ -82,11 +83,6 @@ bool IsSymbolicLink(const mz_zip_archive_file_stat& entry)
     return (nHost == kHostUnix || nHost == kHostMacOs) && (entry.m_external_attr & kUnixLinkBit) != 0;
 }
 
-bool IsDirectory(const mz_zip_archive_file_stat& entry)
-{
-    return std::string_view(entry.m_filename).ends_with('/') || (entry.m_external_attr & kDosDirectoryBit) != 0;
-}
-
 EXTRACT_RESULT ExtractEntry(mz_zip_archive* pArchive, mz_uint nIndex, const std::string& strPrefix)
 {
     mz_zip_archive_file_stat entry;
@@ -101,7 +97,7 @@ EXTRACT_RESULT ExtractEntry(mz_zip_archive* pArchive, mz_uint nIndex, const std:
     if (!CreateParentFolders(strPath)) {
         return EXTRACT_NO_FOLDER;
     }
-    if (IsSymbolicLink(entry) || IsDirectory(entry)) {
+    if (IsSymbolicLink(entry) || entry.m_is_directory) {
         return EXTRACT_OK;
     }
     return mz_zip_reader_extract_to_file(pArchive, nIndex, strPath.c_str(), 0) ? EXTRACT_OK : EXTRACT_FAILED;

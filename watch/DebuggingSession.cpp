@@ -1,5 +1,7 @@
 #include "DebuggingSession.h"
 
+#include "Flood.h"
+
 #include <algorithm>
 
 namespace {
@@ -9,6 +11,10 @@ constexpr std::uint32_t STLS_VERSION = 0x01000000;
 // `cmd` makes adb stream a package in one go; without it adb would copy a file and call a shell.
 constexpr std::string_view BANNER = "device::ro.product.name=emulated_watch;ro.product.model=Emulated Watch;"
                                     "ro.product.device=emulated_watch;features=cmd,shell_v2,stat_v2";
+
+// Without it and without what came with it, adb takes what the shell says as it comes.
+constexpr std::string_view FLOODING_BANNER = "device::ro.product.name=emulated_watch;ro.product.model=Emulated Watch;"
+                                             "ro.product.device=emulated_watch;features=";
 
 // Payload sizes that a computer may ask for, whatever it says: the protocol's least, and a piece of an answer that is
 // still cheap to hold.
@@ -47,7 +53,8 @@ void CDebuggingSession::Run()
     } else if (fault == EConnectFault::Unauthorized) {
         RefuseConsent();
     } else if (StartTls()) {
-        Send(EAdbCommand::Connect, ADB_VERSION, ADB_MAX_PAYLOAD, BytesOf(BANNER));
+        Send(EAdbCommand::Connect, ADB_VERSION, ADB_MAX_PAYLOAD,
+             BytesOf(m_device.options.nFlood ? FLOODING_BANNER : BANNER));
         if (fault == EConnectFault::Offline) {
             m_connection.Pause(LEAVES_AFTER);
         } else {
@@ -141,15 +148,32 @@ void CDebuggingSession::OnOpen(const SAdbMessage& message)
 {
     const std::string_view service = ServiceOf(message);
     const std::uint32_t nTheirId = message.header.nArgument0;
-    const std::optional<SInstallRequest> request = ParseInstallService(service);
-    if (!request || m_streams.size() >= MOST_STREAMS) {
+    std::unique_ptr<CService> opened = m_streams.size() < MOST_STREAMS ? OpenService(service) : nullptr;
+    if (!opened) {
         m_device.log.Line("debugging: refused service {}", service);
         Send(EAdbCommand::Close, 0, nTheirId);
         return;
     }
     const std::uint32_t nOurId = ++m_nLastId;
     Send(EAdbCommand::Okay, nOurId, nTheirId);
-    ContinueReply(m_streams.try_emplace(nOurId, nTheirId, *request, m_device).first);
+    ContinueReply(m_streams.emplace(nOurId, SStream{nTheirId, std::move(opened)}).first);
+}
+
+// Null when the service is refused.
+std::unique_ptr<CService> CDebuggingSession::OpenService(std::string_view service) const
+{
+    const SOptions& options = m_device.options;
+    if (options.nFlood && service == CBlindCopy::SERVICE) {
+        return std::make_unique<CBlindCopy>();
+    }
+    if (options.nFlood) {
+        m_device.log.Line("debugging: floods service {}", service);
+        CInstallReply reply(m_device.replies.Next(), *options.nFlood);
+        reply.StopAfter(options.nStopAfter.value_or(UINT64_MAX));
+        return std::make_unique<CFlood>(std::move(reply));
+    }
+    const std::optional<SInstallRequest> request = ParseInstallService(service);
+    return request ? std::make_unique<CInstallStream>(*request, options, m_device.replies, m_device.log) : nullptr;
 }
 
 void CDebuggingSession::OnOkay(const SAdbMessage& message)
@@ -165,7 +189,7 @@ void CDebuggingSession::OnWrite(const SAdbMessage& message)
 {
     const auto stream = Find(message);
     if (stream != m_streams.end()) {
-        stream->second.install.Take(message.payload);
+        stream->second.service->Take(message.payload);
         Send(EAdbCommand::Okay, stream->first, stream->second.nTheirId);
         ContinueReply(stream);
     }
@@ -194,11 +218,11 @@ void CDebuggingSession::ContinueReply(Streams::iterator stream)
     if (state.bAwaitsOkay) {
         return;
     }
-    const std::string szPiece = state.install.NextPiece(m_nMostPayload);
+    const std::string szPiece = state.service->NextPiece(m_nMostPayload);
     if (!szPiece.empty()) {
         Send(EAdbCommand::Write, nOurId, state.nTheirId, BytesOf(szPiece));
         state.bAwaitsOkay = true;
-    } else if (state.install.IsDone()) {
+    } else if (state.service->IsDone()) {
         Send(EAdbCommand::Close, nOurId, state.nTheirId);
         m_streams.erase(stream);
     }

@@ -6,6 +6,7 @@
 #include "PairedKeys.h"
 
 #include <map>
+#include <memory>
 
 // What all computers' sessions share.
 struct SDevice
@@ -18,7 +19,7 @@ struct SDevice
 };
 
 // Greets the computer, makes sure that its key is trusted, then serves its streams until it leaves. Of all services
-// only installs are granted.
+// only installs are granted, except by a device that floods.
 class CDebuggingSession
 {
 public:
@@ -33,13 +34,8 @@ public:
 private:
     struct SStream
     {
-        SStream(std::uint32_t nId, const SInstallRequest& request, const SDevice& device)
-            : nTheirId(nId), install(request, device.options, device.replies, device.log)
-        {
-        }
-
         std::uint32_t nTheirId;
-        CInstallStream install;
+        std::unique_ptr<CService> service;
         bool bAwaitsOkay = false;
     };
 
@@ -52,6 +48,7 @@ private:
     void StayMute();
 
     void OnOpen(const SAdbMessage& message);
+    std::unique_ptr<CService> OpenService(std::string_view service) const;
     void OnOkay(const SAdbMessage& message);
     void OnWrite(const SAdbMessage& message);
     void OnClose(const SAdbMessage& message);

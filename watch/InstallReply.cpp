@@ -25,7 +25,7 @@ CInstallReply::CInstallReply(std::string szText, std::uint64_t nSize)
 
 std::string CInstallReply::NextPiece(std::size_t nMost)
 {
-    const std::uint64_t nEnd = std::min(m_nSize, m_nGiven + nMost);
+    const std::uint64_t nEnd = std::max(m_nGiven, std::min({m_nSize, m_nStop, m_nGiven + nMost}));
     std::string szPiece;
     szPiece.reserve(nEnd - m_nGiven);
     while (m_nGiven < nEnd) {

@@ -32,8 +32,20 @@ public:
     // Exactly `nSize` bytes: the text, as many dots as it takes, and a line feed; of a smaller size only the beginning.
     CInstallReply(std::string szText, std::uint64_t nSize);
 
-    // The next bytes, at most `nMost`; none when all have been given.
+    // From that many bytes on nothing more is given, although it is not the end.
+    void StopAfter(std::uint64_t nSize)
+    {
+        m_nStop = nSize;
+    }
+
+    // The next bytes, at most `nMost`; none when there are no more.
     std::string NextPiece(std::size_t nMost);
+
+    // Whether all of it has been given.
+    bool IsGiven() const
+    {
+        return m_nGiven == m_nSize;
+    }
 
     std::uint64_t SizeGiven() const
     {
@@ -47,5 +59,6 @@ private:
     std::string m_szText;
     bool m_bSized;
     std::uint64_t m_nSize;
+    std::uint64_t m_nStop = UINT64_MAX;
     std::uint64_t m_nGiven = 0;
 };

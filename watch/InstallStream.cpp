@@ -120,6 +120,9 @@ void CInstallStream::Complete()
     } else {
         m_reply.emplace(m_replies.Next());
     }
+    if (m_reply && m_options.nStopAfter) {
+        m_reply->StopAfter(*m_options.nStopAfter);
+    }
 }
 
 void CInstallStream::Refuse(std::string_view reason, std::string_view reply)
@@ -135,7 +138,7 @@ std::string CInstallStream::NextPiece(std::size_t nMost)
         return {};
     }
     std::string szPiece = m_reply->NextPiece(nMost);
-    if (szPiece.empty()) {
+    if (m_reply->IsGiven() && szPiece.empty()) {
         m_log.Line("install: replied {}", m_reply->Summary());
         m_reply.reset();
         m_bDone = true;

@@ -5,6 +5,7 @@
 #include "Log.h"
 #include "Options.h"
 #include "PackageFile.h"
+#include "Service.h"
 
 #include <memory>
 #include <optional>
@@ -20,28 +21,22 @@ struct SInstallRequest
 // `exec:cmd package 'install' -S SIZE`, with any further arguments.
 std::optional<SInstallRequest> ParseInstallService(std::string_view service);
 
-// Knows nothing of connections: whoever carries the bytes calls Take for each part of the package and sends what
-// NextPiece gives. Tells the log of each stage, of one that is broken off too.
-class CInstallStream
+// Takes the parts of the package. Tells the log of each stage, of one that is broken off too.
+class CInstallStream : public CService
 {
 public:
     static constexpr std::uint64_t LARGEST_PACKAGE = 256 * 1024 * 1024;
 
     // The three references must outlive the stream.
     CInstallStream(const SInstallRequest& request, const SOptions& options, CReplies& replies, CLog& log);
-    ~CInstallStream();
+    ~CInstallStream() override;
 
-    CInstallStream(const CInstallStream&) = delete;
-    CInstallStream& operator=(const CInstallStream&) = delete;
+    // What goes beyond the announced size is ignored.
+    void Take(ByteView bytes) override;
 
-    // What goes beyond the announced size is ignored. Throws CConnectionError when the connection is to break here.
-    void Take(ByteView bytes);
+    std::string NextPiece(std::size_t nMost) override;
 
-    // The next bytes of the answer, at most `nMost`; none while there is no answer yet, and none after its end.
-    std::string NextPiece(std::size_t nMost);
-
-    // True after the last piece: the stream is to be closed.
-    bool IsDone() const
+    bool IsDone() const override
     {
         return m_bDone;
     }

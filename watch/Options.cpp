@@ -10,7 +10,8 @@
 const char* const USAGE =
     "usage: emulated-watch --address A --port P --pairing-port P --code DDDDDD --store FILE [--reply TEXT]... "
     "[--trust-all] [--name GUID] [--pairings FILE] [--timeout SECONDS] [--offline | --mute | --unauthorized] "
-    "[--drop-on-install | --silent-install | --endless-reply | --reply-size N]";
+    "[--drop-on-install | --silent-install | --endless-reply | --reply-size N | --flood N] "
+    "[--stop-after N]";
 
 const char* const SWITCHES_HELP =
     "  --address A        the IPv4 address to listen on\n"
@@ -33,7 +34,10 @@ const char* const SWITCHES_HELP =
     "  --drop-on-install  the connection breaks when half of a package is there\n"
     "  --silent-install   packages are taken and never answered\n"
     "  --endless-reply    the answer goes on for 64 MiB\n"
-    "  --reply-size N     the answer is N bytes long, filled up with dots\n";
+    "  --reply-size N     the answer is N bytes long, filled up with dots\n"
+    "  --flood N          there is no streamed install, so that adb copies the package and asks the shell, which\n"
+    "                     says the next --reply, N bytes long, to whatever it is asked\n"
+    "  --stop-after N     an answer stops after N bytes, and nothing follows\n";
 
 namespace {
 
@@ -103,7 +107,7 @@ void SetConnectFault(SOptions& options, EConnectFault fault)
 
 void SetInstallFault(SOptions& options, EInstallFault fault)
 {
-    if (options.installFault != EInstallFault::None || options.nReplySize) {
+    if (options.installFault != EInstallFault::None || options.nReplySize || options.nFlood) {
         throw CUsageError("an install has one fault at a time");
     }
     options.installFault = fault;
@@ -143,6 +147,13 @@ constexpr SSwitch SWITCHES[] = {
          SetInstallFault(o, EInstallFault::None);
          o.nReplySize = ParseNumber(n, v, 0, ENDLESS_REPLY_SIZE);
      }},
+    {"--flood", true, false,
+     [](O& o, Text n, Text v) {
+         SetInstallFault(o, EInstallFault::None);
+         o.nFlood = ParseNumber(n, v, 0, ENDLESS_REPLY_SIZE);
+     }},
+    {"--stop-after", true, false,
+     [](O& o, Text n, Text v) { o.nStopAfter = ParseNumber(n, v, 0, ENDLESS_REPLY_SIZE); }},
 };
 
 } // namespace

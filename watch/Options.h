@@ -29,6 +29,7 @@ enum class EInstallFault
     EndlessReply // the answer goes on until ENDLESS_REPLY_SIZE bytes, then the stream closes
 };
 
+// The most that is ever answered.
 constexpr std::uint64_t ENDLESS_REPLY_SIZE = 64 * 1024 * 1024;
 
 struct SOptions
@@ -45,6 +46,8 @@ struct SOptions
     EConnectFault connectFault = EConnectFault::None;
     EInstallFault installFault = EInstallFault::None;
     std::optional<std::uint64_t> nReplySize;
+    std::optional<std::uint64_t> nStopAfter; // of any answer, so many bytes
+    std::optional<std::uint64_t> nFlood;     // the size of the shell's answers, which then take the place of installs
     std::chrono::milliseconds patience = std::chrono::seconds(20);
 };
 

@@ -21,6 +21,10 @@ from watch import Watch
 # A watch has broken the connection that it offered after this time, and adb has noticed.
 BROKEN = 1.0
 
+# The watch has taken the package, and may never say more about it.
+SILENT = "install: stays silent"
+STORED = "install: stored "
+
 NO_SERVER = (
     "cannot connect to daemon at tcp:5037: cannot connect to 127.0.0.1:5037: Connection refused. (10061)"
 )
@@ -225,10 +229,20 @@ def write_package(name: str, size: int = 300_001) -> Path:
     return file
 
 
-class Installing(CommandTest):
+class InstallingTest(CommandTest):
     def install(self, watch: Watch, package: Path) -> Answer:
         return self.commander.install(debugging(watch), windows_path(package))
 
+    def install_and(self, watch: Watch, event: str, interrupt: Callable[[], None]) -> Answer:
+        """Installs on a watch that does not come to an end, until something interrupts it after that event."""
+        with ThreadPoolExecutor(1) as another:
+            answer = another.submit(self.install, watch, write_package("solvane.apk"))
+            watch.wait_for_event(event, 30)
+            interrupt()
+            return answer.result()
+
+
+class Installing(InstallingTest):
     def test_brings_the_package_byte_for_byte(self) -> None:
         watch = self.connected_watch()
         # One byte, the length of a block of adb's transport, one more, and several megabytes.
@@ -301,23 +315,15 @@ class Installing(CommandTest):
 
     def test_whose_watch_is_switched_off_meanwhile(self) -> None:
         watch = self.connected_watch("--silent-install")
-        self.expect_broken_off(self.install_and(watch, watch.switch_off))
+        self.expect_broken_off(self.install_and(watch, SILENT, watch.switch_off))
         answer = self.commander.install(debugging(watch), "C:\\solvane.apk")
         self.expect(answer, 344, "INSTALL_DEVICE_OFFLINE", "adb.exe: device offline")
 
     def test_whose_server_is_stopped_meanwhile(self) -> None:
         watch = self.connected_watch("--silent-install")
-        self.expect_broken_off(self.install_and(watch, stop_server))
+        self.expect_broken_off(self.install_and(watch, SILENT, stop_server))
         answer = self.commander.install(debugging(watch), "C:\\solvane.apk")
         self.expect(answer, 6, "ADB_PARSE_ERROR", "adb.exe: device '192.168.1.100:43210' not found")
-
-    def install_and(self, watch: Watch, interrupt: Callable[[], None]) -> Answer:
-        """Installs on a watch that stays silent, until something interrupts it."""
-        with ThreadPoolExecutor(1) as another:
-            answer = another.submit(self.install, watch, write_package("solvane.apk"))
-            watch.wait_for_event("install: stays silent", 30)
-            interrupt()
-            return answer.result()
 
     def expect_broken_off(self, answer: Answer) -> None:
         # The reason is missing, and so is the end of the line.
@@ -394,6 +400,67 @@ class Refusing(CommandTest):
         self.assertEqual(self.commander.install(debugging(watch), path).outcome, 302)
         self.expect(self.commander.install(debugging(watch), path), 0, "ADB_SUCCESS", PERFORMING, "Success")
         self.assertTrue(watch.has_received(package))
+
+
+class Attacking(InstallingTest):
+    """The watch wants to harm: it says too much or breaks off. Each run ends, and with an outcome."""
+
+    # What adb takes of an answer to a streamed install.
+    TAKEN = 511
+    LARGE = 10_000_000
+
+    def expect_cut(self, answer: Answer, outcome: int, name: str, before: str, reply: str) -> None:
+        """That outcome from as much of the reply as adb takes."""
+        self.expect(answer, outcome, name, PERFORMING, before + reply.ljust(self.TAKEN, "."))
+
+    def test_with_an_endless_success(self) -> None:
+        watch = self.connected_watch("--endless-reply")
+        self.expect_cut(self.install(watch, write_package("solvane.apk")), 0, "ADB_SUCCESS", "", "Success")
+
+    def test_with_a_failure_of_ten_megabytes(self) -> None:
+        reply = "Failure [INSTALL_FAILED_ABORTED: "
+        watch = self.connected_watch("--reply", reply, "--reply-size", str(self.LARGE))
+        answer = self.install(watch, write_package("solvane.apk"))
+        before = "adb: failed to install C:\\solvane.apk: "
+        self.expect_cut(answer, 341, "INSTALL_FAILED_ABORTED", before, reply)
+
+    def test_with_nothing_that_could_be_a_failure_in_ten_megabytes(self) -> None:
+        watch = self.connected_watch("--reply", "x", "--reply-size", str(self.LARGE))
+        answer = self.install(watch, write_package("solvane.apk"))
+        self.expect_cut(answer, 300, "INSTALL_FAILED", "adb: failed to install C:\\solvane.apk: ", "x")
+
+    def test_with_a_failure_that_stops_in_its_name(self) -> None:
+        reply = "Failure [INSTALL_FAILED_ABORTED: the watch says so]"
+        for taken, outcome, name in ((20, 300, "INSTALL_FAILED"), (34, 341, "INSTALL_FAILED_ABORTED")):
+            with self.subTest(taken):
+                self.commander.kill_server()
+                watch = self.connected_watch("--reply", reply, "--stop-after", str(taken))
+                answer = self.install_and(watch, STORED, lambda: self.switch_off_later(watch))
+                before = "adb: failed to install C:\\solvane.apk: "
+                self.expect(answer, outcome, name, PERFORMING, before + reply[:taken])
+
+    def test_with_a_shell_that_says_ten_megabytes(self) -> None:
+        # Of a shell adb hands everything on: its answer to the install, and that to the removal of the copy.
+        # One that never ends, or a watch that is gone meanwhile, keeps adb waiting without end.
+        watch = self.connected_watch("--flood", str(self.LARGE))
+        answer = self.install(watch, write_package("solvane.apk"))
+        self.expect_pushed(answer)
+        self.assertEqual(answer.output.count("."), 2 * (self.LARGE - len("Success\n")) + self.dots_before(answer))
+
+    def switch_off_later(self, watch: Watch) -> None:
+        """When adb has had the time to take what comes."""
+        time.sleep(2 * BROKEN)
+        watch.switch_off()
+
+    def expect_pushed(self, answer: Answer) -> None:
+        """The words of adb about a watch that takes no streamed install, which are unknown."""
+        self.assertEqual((answer.outcome, answer.name, answer.boxes), (6, "ADB_PARSE_ERROR", ()))
+        self.assertEqual(answer.lines[0], "Performing Push Install")
+        self.assertRegex(answer.lines[1], r"^C:\\solvane\.apk: 1 file pushed, 0 skipped\.")
+        self.assertTrue(answer.lines[2].startswith("Success...."))
+
+    def dots_before(self, answer: Answer) -> int:
+        return sum(line.count(".") for line in answer.lines[:2])
 
 
 if __name__ == "__main__":

@@ -167,6 +167,15 @@ bool ExtractFile(Disk& disk, mz_zip_archive* pZip, mz_uint n, const std::string&
     return mz_zip_reader_extract_to_callback(pZip, n, Write, &target, 0) != MZ_FALSE;
 }
 
+// The entry's record holds the beginning alone.
+std::string WholeName(mz_zip_archive* pZip, mz_uint n)
+{
+    std::string name(mz_zip_reader_get_filename(pZip, n, nullptr, 0), '\0');
+    mz_zip_reader_get_filename(pZip, n, name.data(), static_cast<mz_uint>(name.size()));
+    name.pop_back();
+    return name;
+}
+
 int ExtractEntry(Disk& disk, mz_zip_archive* pZip, mz_uint n, const std::string& folder)
 {
     mz_zip_archive_file_stat entry;
@@ -183,7 +192,7 @@ int ExtractEntry(Disk& disk, mz_zip_archive* pZip, mz_uint n, const std::string&
     }
     const unsigned nHost = entry.m_version_made_by / 256;
     const bool bLink = (nHost == 3 || nHost == 19) && (entry.m_external_attr & 0x20000000) != 0;
-    const bool bFolder = name.back() == '/' || (entry.m_external_attr & 0x10) != 0;
+    const bool bFolder = WholeName(pZip, n).back() == '/' || (entry.m_external_attr & 0x10) != 0;
     if (bLink || bFolder) {
         return 0;
     }

@@ -1,122 +1,12 @@
 // The program itself: arguments, output, signals, exit status.
 
 #include "Computer.h"
+#include "Program.h"
 #include "WatchTest.h"
 
-#include <arpa/inet.h>
-#include <array>
 #include <csignal>
-#include <fcntl.h>
-#include <fstream>
-#include <spawn.h>
-#include <sys/socket.h>
-#include <sys/wait.h>
-#include <thread>
-
-extern char** environ;
 
 namespace {
-
-constexpr const char* PROGRAM = EMULATED_WATCH_PROGRAM;
-
-std::string ContentsOf(const std::filesystem::path& file)
-{
-    std::ifstream stream(file);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-// A port that was free a moment ago.
-std::uint16_t FreePort()
-{
-    const CFileDescriptor fd(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t nSize = sizeof address;
-    bind(fd.Get(), reinterpret_cast<const sockaddr*>(&address), nSize);
-    getsockname(fd.Get(), reinterpret_cast<sockaddr*>(&address), &nSize);
-    return ntohs(address.sin_port);
-}
-
-// A running program, its outputs in files of the folder.
-class CProgram
-{
-public:
-    CProgram(const std::filesystem::path& folder, const std::vector<std::string>& arguments)
-        : m_out(folder / "out"), m_err(folder / "err")
-    {
-        std::vector<char*> argv = {const_cast<char*>(PROGRAM)};
-        for (const std::string& szArgument : arguments) {
-            argv.push_back(const_cast<char*>(szArgument.c_str()));
-        }
-        argv.push_back(nullptr);
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, m_out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, m_err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        const int nError = posix_spawn(&m_nProcess, PROGRAM, &actions, nullptr, argv.data(), environ);
-        posix_spawn_file_actions_destroy(&actions);
-        if (nError != 0) {
-            throw std::system_error(nError, std::generic_category(), PROGRAM);
-        }
-    }
-
-    ~CProgram()
-    {
-        if (m_nProcess > 0) {
-            kill(m_nProcess, SIGKILL);
-            waitpid(m_nProcess, nullptr, 0);
-        }
-    }
-
-    CProgram(const CProgram&) = delete;
-    CProgram& operator=(const CProgram&) = delete;
-
-    bool WaitForOutput(const std::string& szText) const
-    {
-        for (int i = 0; i < 200; ++i) {
-            if (Output().find(szText) != std::string::npos) {
-                return true;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        }
-        return false;
-    }
-
-    void Signal(int nSignal) const
-    {
-        kill(m_nProcess, nSignal);
-    }
-
-    // The exit status; -1 when it was ended by a signal or does not end in time.
-    int Wait()
-    {
-        for (int i = 0; i < 200; ++i) {
-            int nStatus = 0;
-            if (waitpid(m_nProcess, &nStatus, WNOHANG) == m_nProcess) {
-                m_nProcess = 0;
-                return WIFEXITED(nStatus) ? WEXITSTATUS(nStatus) : -1;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        }
-        return -1;
-    }
-
-    std::string Output() const
-    {
-        return ContentsOf(m_out);
-    }
-
-    std::string Errors() const
-    {
-        return ContentsOf(m_err);
-    }
-
-private:
-    std::filesystem::path m_out;
-    std::filesystem::path m_err;
-    pid_t m_nProcess = 0;
-};
 
 class CommandLineTest : public CWatchTest
 {
@@ -176,9 +66,10 @@ TEST_F(CommandLineTest, HelpNamesEverySwitchOfTheUsageLine)
     CProgram program(m_folder, {"--help"});
     EXPECT_EQ(program.Wait(), 0);
     const std::string szHelp = program.Output();
-    for (const char* szName : {"--address", "--port", "--pairing-port", "--code", "--store", "--reply", "--trust-all",
-                               "--name", "--pairings", "--timeout", "--offline", "--mute", "--unauthorized",
-                               "--drop-on-install", "--silent-install", "--endless-reply", "--reply-size"}) {
+    for (const char* szName :
+         {"--address", "--port", "--pairing-port", "--code", "--store", "--reply", "--trust-all", "--name",
+          "--pairings", "--timeout", "--offline", "--mute", "--unauthorized", "--drop-on-install", "--silent-install",
+          "--endless-reply", "--reply-size", "--flood", "--stop-after"}) {
         EXPECT_NE(szHelp.find(std::string("\n  ") + szName + ' '), std::string::npos) << szName;
         EXPECT_NE(szHelp.substr(0, szHelp.find('\n')).find(szName), std::string::npos) << szName;
     }

@@ -63,6 +63,18 @@ TEST(InstallReply, GivesExactlyItsBytes)
     }
 }
 
+TEST(InstallReply, StopsWithoutBeingAtItsEnd)
+{
+    for (const std::uint64_t nStop : {0U, 2U, 7U, 8U, 9U}) {
+        CInstallReply reply("Success");
+        reply.StopAfter(nStop);
+        const std::string_view whole = "Success\n";
+        EXPECT_EQ(reply.NextPiece(100), whole.substr(0, nStop));
+        EXPECT_EQ(reply.NextPiece(100), "");
+        EXPECT_EQ(reply.IsGiven(), nStop >= whole.size());
+    }
+}
+
 TEST(InstallReply, LastOneRepeats)
 {
     CReplies replies({"a", "b"});
@@ -301,6 +313,57 @@ TEST_F(InstallTest, ReplyIsAsLongAsTold)
     EXPECT_EQ(szReply->size(), 10'000'000U);
     EXPECT_TRUE(szReply->starts_with("Failure [X: y...."));
     EXPECT_TRUE(szReply->ends_with("..\n"));
+}
+
+TEST_F(InstallTest, ReplyThatStopsLeavesTheStreamOpen)
+{
+    m_options.nStopAfter = 3;
+    Start();
+    CAdbLink link = PairedLink();
+    const std::optional<std::uint32_t> nTheirId = link.Open(1, InstallService(1));
+    ASSERT_TRUE(nTheirId);
+    EXPECT_TRUE(link.WritePart(1, *nTheirId, BytesOf("x")));
+    const std::optional<STestMessage> piece = link.Receive();
+    ASSERT_TRUE(piece);
+    EXPECT_EQ(TextOfBytes(piece->payload), "Suc");
+    link.Send({Letters("OKAY"), 1, *nTheirId});
+    // Whatever it is asked next, the answer is the first thing that comes.
+    EXPECT_FALSE(link.Open(2, "shell:"));
+    link.Send({Letters("CLSE"), 1, *nTheirId});
+    EXPECT_TRUE(m_journal.WaitFor("install: broken off after 3 bytes of the reply"));
+}
+
+TEST_F(InstallTest, FloodIsTheAnswerToEveryService)
+{
+    m_options.nFlood = 200'000;
+    m_options.replies = {"first", "second"};
+    Start();
+    CAdbLink link = PairedLink();
+    EXPECT_EQ(link.Banner().find("cmd"), std::string::npos);
+    const auto replyTo = [&](std::uint32_t nId, const std::string& szService) {
+        return link.ReadReply(nId, link.Open(nId, szService).value()).value_or("");
+    };
+    const std::string szFirst = replyTo(1, "shell:rm -f x");
+    EXPECT_EQ(szFirst.size(), 200'000U);
+    EXPECT_TRUE(szFirst.starts_with("first...."));
+    EXPECT_TRUE(replyTo(2, InstallService(100)).starts_with("second...."));
+    // Copying a file is none: it is only said to be done.
+    const std::optional<std::uint32_t> nCopy = link.Open(3, "sync:");
+    ASSERT_TRUE(nCopy);
+    const std::optional<STestMessage> copied = link.Receive();
+    ASSERT_TRUE(copied);
+    EXPECT_EQ(TextOfBytes(copied->payload), std::string("STAT") + std::string(12, '\0'));
+    link.Send({Letters("OKAY"), 3, *nCopy});
+    EXPECT_TRUE(link.WritePart(3, *nCopy, BytesOf("DATA")));
+    EXPECT_TRUE(link.WritePart(3, *nCopy, BytesOf("DONExxxx")));
+    const std::optional<STestMessage> done = link.Receive();
+    ASSERT_TRUE(done);
+    EXPECT_EQ(TextOfBytes(done->payload), std::string("OKAY") + std::string(4, '\0'));
+    link.Send({Letters("OKAY"), 3, *nCopy});
+    EXPECT_TRUE(link.WritePart(3, *nCopy, BytesOf(std::string_view("QUIT\0\0\0\0", 8))));
+    EXPECT_EQ(link.ReadReply(3, *nCopy), "");
+    EXPECT_EQ(m_journal.Count("debugging: floods service shell:rm -f x"), 1U);
+    EXPECT_TRUE(FolderContents().empty());
 }
 
 // A computer that takes small pieces only gets small pieces.

@@ -62,6 +62,8 @@ TEST(Options, RequiredOnesAloneGiveTheDefaults)
     EXPECT_EQ(options.connectFault, EConnectFault::None);
     EXPECT_EQ(options.installFault, EInstallFault::None);
     EXPECT_EQ(options.nReplySize, std::nullopt);
+    EXPECT_EQ(options.nFlood, std::nullopt);
+    EXPECT_EQ(options.nStopAfter, std::nullopt);
 }
 
 TEST(Options, EverySwitchHasItsEffect)
@@ -82,6 +84,9 @@ TEST(Options, EverySwitchHasItsEffect)
     EXPECT_EQ(ParseOptions(With({"--endless-reply"})).installFault, EInstallFault::EndlessReply);
     EXPECT_EQ(ParseOptions(With({"--reply-size", "0"})).nReplySize, 0U);
     EXPECT_EQ(ParseOptions(With({"--reply-size", "67108864"})).nReplySize, 67108864U);
+    EXPECT_EQ(ParseOptions(With({"--flood", "67108864"})).nFlood, 67108864U);
+    EXPECT_EQ(ParseOptions(With({"--stop-after", "7", "--flood", "9"})).nStopAfter, 7U);
+    EXPECT_EQ(ParseOptions(With({"--stop-after", "7", "--reply-size", "9"})).nStopAfter, 7U);
     EXPECT_EQ(ParseOptions(With({"--reply", ""})).replies, std::vector<std::string>{""});
     EXPECT_EQ(ParseOptions(Instead("--port", "1")).nDebuggingPort, 1);
     EXPECT_EQ(ParseOptions(Instead("--port", "65535")).nDebuggingPort, 65535);
@@ -93,7 +98,8 @@ TEST(Options, MissingAndUnknownOnesAreNamed)
     for (const char* szName : {"--address", "--port", "--pairing-port", "--code", "--store"}) {
         ExpectError(Instead(szName, nullptr), std::string(szName) + " is missing");
     }
-    for (const char* szName : {"--reply", "--name", "--pairings", "--timeout", "--reply-size"}) {
+    for (const char* szName :
+         {"--reply", "--name", "--pairings", "--timeout", "--reply-size", "--flood", "--stop-after"}) {
         ExpectError(With({szName}), std::string(szName) + " needs a value");
     }
     ExpectError(With({"--bogus"}), "'--bogus' is unknown");
@@ -131,6 +137,8 @@ TEST(Options, BadValuesAreRefused)
     ExpectError(With({"--timeout", "0"}), "--timeout: '0' is not a number from 1 to 3600");
     ExpectError(With({"--timeout", "3601"}), "--timeout: '3601' is not a number from 1 to 3600");
     ExpectError(With({"--reply-size", "67108865"}), "--reply-size: '67108865' is not a number from 0 to 67108864");
+    ExpectError(With({"--flood", "67108865"}), "--flood: '67108865' is not a number from 0 to 67108864");
+    ExpectError(With({"--stop-after", "-1"}), "--stop-after: '-1' is not a number from 0 to 67108864");
 }
 
 TEST(Options, ContradictionsAreRefused)
@@ -141,4 +149,6 @@ TEST(Options, ContradictionsAreRefused)
     ExpectError(With({"--drop-on-install", "--silent-install"}), "an install has one fault at a time");
     ExpectError(With({"--endless-reply", "--reply-size", "1"}), "an install has one fault at a time");
     ExpectError(With({"--reply-size", "1", "--endless-reply"}), "an install has one fault at a time");
+    ExpectError(With({"--reply-size", "1", "--flood", "1"}), "an install has one fault at a time");
+    ExpectError(With({"--flood", "1", "--silent-install"}), "an install has one fault at a time");
 }
