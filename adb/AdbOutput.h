@@ -9,12 +9,17 @@
 
 // Tests a line against the known output lines first to last. A line matches when it begins with the
 // known text; an empty known text matches only an empty line. Sets nIndex to the first that
-// matches; without a match, and when nFirst > nLast, returns false and leaves nIndex.
+// matches; without a match, and when nFirst > nLast, returns false and leaves nIndex. The rows are
+// counted from 0 to 20.
 bool FindOutputPattern(std::string_view line, int nFirst, int nLast, int& nIndex);
 
-// Each judges the whole output of one run of its command. A line that it does not know ends the
-// judging with ADB_PARSE_ERROR; lines about the start of adb's server are passed over.
+// Each of these judges the whole output of one run of its command.
+
+// By the first line alone; no output is ADB_SUCCESS, a line that it does not know ADB_PARSE_ERROR.
 ADB_EXIT_CODE ClassifyKillServerOutput(std::string_view output);
+
+// Line by line: those about the start of adb's server are passed over, the first that means something
+// decides. ADB_PARSE_ERROR for a line that is not known, and when no line decides.
 ADB_EXIT_CODE ClassifyConnectOutput(std::string_view output);
 ADB_EXIT_CODE ClassifyPairOutput(std::string_view output);
 

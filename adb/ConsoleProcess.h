@@ -18,8 +18,9 @@ public:
     // after a report, when the pipe cannot be made or the program not be started.
     void CreateProcess(PCWSTR pszApplicationName, PWSTR pszCommandLine);
 
-    // Reads until every holder of the pipe's other end has closed it; there is no time-out. What
-    // was in strOutput is lost, what was read is in it byte for byte.
+    // Reads until every holder of the pipe's other end has closed it; there is no time-out, and a read
+    // that fails for another reason is tried again. What was in strOutput is lost, what was read is in
+    // it byte for byte.
     void ReadStandardOutput(std::string& strOutput);
 
     // The program's exit status. Does not wait for the program to end. False when the system cannot
@@ -30,9 +31,10 @@ public:
     bool Close();
 
 private:
+    // The handles are closed one by one as the run goes on; this object closes none that is left.
     HANDLE m_hStandardInput = nullptr; // never opened: adb gets no input
-    // Stays open until this process ends, one handle for each run: no run is ever disturbed by the
-    // pipe going away under a server that adb left behind.
+    // Left to the system to close when this process ends: one handle for each run of adb, and a wizard
+    // runs it some dozens of times at most.
     HANDLE m_hStandardOutputRead = nullptr;
     HANDLE m_hStandardOutputWrite = nullptr;
     DWORD m_dwCreationFlags = CREATE_NO_WINDOW;

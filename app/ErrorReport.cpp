@@ -1,21 +1,14 @@
 #include "app/ErrorReport.h"
 
+#include "app/Owned.h"
+
+#include <cwchar>
 #include <cwctype>
-#include <memory>
 
 // strsafe.h deprecates older string functions for whatever follows it, so it comes last.
 #include <strsafe.h>
 
 namespace {
-
-struct LOCAL_FREE
-{
-    void operator()(WCHAR* psz) const
-    {
-        LocalFree(psz);
-    }
-};
-using CLocalText = std::unique_ptr<WCHAR, LOCAL_FREE>;
 
 // The fixed words and the number of a report.
 constexpr SIZE_T kReportOverhead = 40;

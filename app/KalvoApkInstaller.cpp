@@ -1,26 +1,13 @@
 #include "app/KalvoApkInstaller.h"
 
 #include "app/ErrorReport.h"
+#include "app/Owned.h"
 
 #include <knownfolders.h>
-#include <objbase.h>
 #include <pathcch.h>
 #include <shlobj.h>
 
 #include <cstdlib>
-#include <memory>
-
-namespace {
-
-struct CO_TASK_MEM_FREE
-{
-    void operator()(WCHAR* psz) const
-    {
-        CoTaskMemFree(psz);
-    }
-};
-
-} // namespace
 
 CKalvoApkInstaller& CKalvoApkInstaller::GetInstance()
 {

@@ -9,10 +9,6 @@
 
 #ifdef __MINGW32__
 
-#ifndef LOAD_LIBRARY_SEARCH_SYSTEM32
-#define LOAD_LIBRARY_SEARCH_SYSTEM32 0x00000800
-#endif
-
 namespace {
 
 consteval IMAGE_LOAD_CONFIG_DIRECTORY64 MakeLoadConfig() noexcept

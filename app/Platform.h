@@ -2,8 +2,9 @@
 // tolerate each other: Windows Sockets 2 before windows.h.
 #pragma once
 
-#include <windows.h>
 #include <winsock2.h>
+
+#include <windows.h>
 #include <ws2tcpip.h>
 
 #include <atlstr.h>

@@ -1,6 +1,6 @@
-// What start-up holds while the program runs. Each object takes its thing in Acquire, Start or its
-// constructor and gives it back in its destructor, so that leaving wWinMain at any point unwinds
-// exactly what was set up: sockets, then COM, then the instance lock.
+// What start-up holds while the program runs. Each object takes its thing in Acquire or Start and
+// gives it back in its destructor, so that leaving wWinMain at any point unwinds exactly what was set
+// up: sockets, then COM, then the instance lock.
 #pragma once
 
 #include "app/Platform.h"
@@ -28,9 +28,10 @@ public:
     CComLibrary() = default;
     CComLibrary(const CComLibrary&) = delete;
     CComLibrary& operator=(const CComLibrary&) = delete;
-    // Also after a failed Start.
+    // Leaves COM, also when Start failed.
     ~CComLibrary();
 
+    // False, and nothing is reported, when the system refuses.
     bool Start();
 };
 
@@ -43,6 +44,7 @@ public:
     CWinSockLibrary& operator=(const CWinSockLibrary&) = delete;
     ~CWinSockLibrary();
 
+    // False, and nothing is reported, when the system refuses.
     bool Start();
 
 private:

@@ -24,7 +24,8 @@ PCWSTR RunInstaller(HINSTANCE hInstance)
         return L"Unable to initalize Platform Tools";
     }
     if (PathFileExistsW(tools.m_szAdbExePath)) {
-        // Left by a run that was killed. What cannot be removed, Install overwrites or reports.
+        // Left by a run that did not end well. A folder that cannot be deleted ends the process here;
+        // whatever else stays, Install writes over it.
         tools.Uninstall();
     }
     if (!tools.Install()) {

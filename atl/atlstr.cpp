@@ -2,9 +2,11 @@
 #include "atlstr.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <cwchar>
 #include <cwctype>
+#include <new>
 #include <utility>
 
 void AtlThrow(HRESULT hr)
@@ -15,7 +17,7 @@ void AtlThrow(HRESULT hr)
 // What lies before the characters.
 struct CStringW::CHeader
 {
-    volatile LONG nRefs;
+    std::atomic<long> nRefs;
     int nLength;
     int nAllocLength;
 
@@ -85,7 +87,7 @@ CStringW::CHeader* CStringW::Header() const
 
 bool CStringW::IsShared() const
 {
-    return m_pszData == Nil() || Header()->nRefs > 1;
+    return m_pszData == Nil() || Header()->nRefs.load(std::memory_order_relaxed) > 1;
 }
 
 CStringW::CStringW() : m_pszData(Nil()) {}
@@ -125,7 +127,7 @@ CStringW::~CStringW()
 // Leaves m_pszData dangling.
 void CStringW::Release()
 {
-    if (m_pszData != Nil() && InterlockedDecrement(&Header()->nRefs) == 0) {
+    if (m_pszData != Nil() && Header()->nRefs.fetch_sub(1, std::memory_order_acq_rel) == 1) {
         HeapFree(GetProcessHeap(), 0, Header());
     }
 }
@@ -135,7 +137,7 @@ CStringW& CStringW::operator=(const CStringW& strSrc) // NOLINT(cert-oop54-cpp)
 {
     if (m_pszData != strSrc.m_pszData) {
         if (strSrc.m_pszData != Nil()) {
-            InterlockedIncrement(&strSrc.Header()->nRefs);
+            strSrc.Header()->nRefs.fetch_add(1, std::memory_order_relaxed);
         }
         Release();
         m_pszData = strSrc.m_pszData;
@@ -173,10 +175,8 @@ void CStringW::Reserve(int nLength)
     CHeader* const pOld = Header();
     if (IsShared()) {
         const int nAllocLength = std::max(nLength, pOld->nLength);
-        auto* const pNew = static_cast<CHeader*>(AllocateFor(sizeof(CHeader), nAllocLength, nullptr));
-        pNew->nRefs = 1;
-        pNew->nLength = pOld->nLength;
-        pNew->nAllocLength = nAllocLength;
+        auto* const pNew =
+            new (AllocateFor(sizeof(CHeader), nAllocLength, nullptr)) CHeader{1, pOld->nLength, nAllocLength};
         CopyUnits(pNew->Characters(), m_pszData, pOld->nLength + 1);
         Release();
         m_pszData = pNew->Characters();

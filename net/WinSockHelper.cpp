@@ -38,7 +38,8 @@ constexpr FATAL_RESULT kBestRouteResults[] = {
     {ERROR_INVALID_PARAMETER, L"Invalid parameter passed"},
 };
 
-// Ends the process for every result but success.
+// Ends the process for every result but success. What the call does not document is reported with the
+// thread's last error instead of the result: that is how support knows the box.
 template<size_t N>
 void ExitUnlessSuccess(DWORD dwResult, const FATAL_RESULT (&results)[N])
 {

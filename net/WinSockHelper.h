@@ -16,16 +16,17 @@ public:
 
     // A dotted IPv4 address, or an IPv6 address of eight groups in upper-case digits, as a socket
     // address. nLength is the size of pAddress in bytes, then the size written. Any other form of
-    // address is refused.
+    // address is refused: FALSE, and what pAddress points at is of no use.
     static BOOL StringToAddress(PCWSTR pszAddress, SOCKADDR* pAddress, INT& nLength);
 
-    // The dotted text of an address in network order.
+    // The dotted text of an address in network order. FALSE when the system cannot make it.
     static BOOL Ipv4ToString(const IN_ADDR* pAddress, CStringW& szAddress);
 
     // The text of an IPv4 or IPv6 socket address with its port ("192.168.1.100:43210"; without
     // colon and port when the port is 0). FALSE, and szAddress left alone, for other families.
     static BOOL AddressToString(const SOCKADDR* pAddress, CStringW& szAddress);
 
-    // The text of an IPv4 or IPv6 socket address without its port.
+    // The text of an IPv4 or IPv6 socket address without its port. FALSE, and szAddress left alone, for
+    // other families.
     static BOOL AddressToIpString(const SOCKADDR* pAddress, CStringW& szAddress);
 };

@@ -2,6 +2,7 @@
 
 #include "adb/AdbCommands.h"
 #include "app/ErrorReport.h"
+#include "app/Owned.h"
 #include "res/resource.h"
 #include "tools/ZipExtraction.h"
 
@@ -10,16 +11,13 @@
 #include <shellapi.h>
 #include <shlobj.h>
 
+#include <string>
+
 namespace {
 
 bool CombinePath(WCHAR (&szPath)[MAX_PATH], PCWSTR pszFolder, PCWSTR pszName)
 {
     return SUCCEEDED(PathCchCombine(szPath, ARRAYSIZE(szPath), pszFolder, pszName));
-}
-
-[[noreturn]] void ReportResourceErrorAndExit(PCWSTR pszMethod)
-{
-    ExitProcess(ReportLastError(pszMethod));
 }
 
 } // namespace
@@ -64,15 +62,15 @@ CPlatformTools::ZIP_RESOURCE CPlatformTools::LockZipFileResource()
 {
     const HRSRC hResource = FindResourceW(nullptr, MAKEINTRESOURCEW(IDR_PLATFORM_TOOLS_ZIP), RT_RCDATA);
     if (hResource == nullptr) {
-        ReportResourceErrorAndExit(L"CPlatformTools::LockZipFileResource() > FindResource()");
+        ReportLastErrorAndExit(L"CPlatformTools::LockZipFileResource() > FindResource()");
     }
     const HGLOBAL hData = LoadResource(nullptr, hResource);
     if (hData == nullptr) {
-        ReportResourceErrorAndExit(L"CPlatformTools::LockZipFileResource() > LoadResource()");
+        ReportLastErrorAndExit(L"CPlatformTools::LockZipFileResource() > LoadResource()");
     }
     const void* pData = LockResource(hData);
     if (pData == nullptr) {
-        ReportResourceErrorAndExit(L"CPlatformTools::LockZipFileResource() > LockResource()");
+        ReportLastErrorAndExit(L"CPlatformTools::LockZipFileResource() > LockResource()");
     }
     return {pData, SizeofResource(nullptr, hResource)};
 }
@@ -153,11 +151,11 @@ bool CPlatformTools::DeleteZipFiles()
     if (hFind == INVALID_HANDLE_VALUE) {
         return true;
     }
+    const CFindHandle pFind(hFind);
     bool bDeleted = true;
     do {
         WCHAR szPath[MAX_PATH];
         bDeleted = CombinePath(szPath, m_szRootFolderPath, found.cFileName) && DeleteFileW(szPath);
     } while (bDeleted && FindNextFileW(hFind, &found));
-    FindClose(hFind);
     return bDeleted;
 }

@@ -17,11 +17,13 @@ public:
 
     // Creates the folders, writes the archive and unpacks it; the archive stays until Uninstall.
     // False, without a message or after one, when a file cannot be written or unpacked. Ends the
-    // process, after a report, when a folder cannot be created or the archive cannot be found.
+    // process, after a report, when a folder cannot be created or the archive cannot be found; and
+    // without a word when the working folder's path has no narrow form.
     bool Install();
 
-    // Stops the adb server, then deletes the tools' folder and every archive, whatever fails on
-    // the way. True when all three went well. Ends the process as DeleteFolder does.
+    // Stops the adb server, then deletes the tools' folder and every archive, going on after a step
+    // that fails. True when all three went well. Ends the process, after a report, when adb cannot be
+    // started or the folder not be deleted.
     bool Uninstall();
 
     // Deletes the tools' folder with everything in it. False, without a message, when there is

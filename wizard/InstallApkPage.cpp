@@ -2,15 +2,17 @@
 
 #include "adb/AdbCommands.h"
 #include "app/KalvoApkInstaller.h"
+#include "app/Owned.h"
 #include "net/WinSockHelper.h"
 #include "res/resource.h"
 #include "wizard/WirelessDebuggingOnPage.h"
 
-#include <objbase.h>
+#include <pathcch.h>
 #include <shobjidl.h>
 #include <wrl/client.h>
 
 #include <cstdlib>
+#include <string>
 
 using Microsoft::WRL::ComPtr;
 
@@ -64,19 +66,6 @@ bool IsWatchAway(ADB_EXIT_CODE nOutcome)
 bool IsWorthAnotherInstall(ADB_EXIT_CODE nOutcome)
 {
     return nOutcome == INSTALL_FAILED || IsWatchAway(nOutcome);
-}
-
-// The first package in the folder (drive and directory) in the order of the file system.
-bool FindApkFile(PCWSTR pszDrive, PCWSTR pszDirectory, WIN32_FIND_DATAW& found)
-{
-    WCHAR szPattern[MAX_PATH];
-    _wmakepath_s(szPattern, ARRAYSIZE(szPattern), pszDrive, pszDirectory, L"*", L".apk");
-    const HANDLE hFind = FindFirstFileW(szPattern, &found);
-    if (hFind == INVALID_HANDLE_VALUE) {
-        return false;
-    }
-    FindClose(hFind);
-    return true;
 }
 
 HRESULT SetUpDialog(IFileOpenDialog* pDialog)
@@ -160,20 +149,24 @@ void CInstallApkPage::UpdateWizardButtons(HWND hwndPage)
     ShowWizardButtons(hwndPage, bFile ? kBackNextCancel : kBackCancel, kBackNextCancel);
 }
 
-// Puts the path of the package that lies beside the program into the edit, if there is one.
+// Puts the path of the package that lies beside the program into the edit, if there is one: the first
+// in the order of the file system.
 void CInstallApkPage::FindDefaultApkFile(HWND hwndPath)
 {
-    WCHAR szDrive[_MAX_DRIVE];
-    WCHAR szDirectory[_MAX_DIR];
-    _wsplitpath_s(CKalvoApkInstaller::GetInstance().m_szFolderPath, szDrive, ARRAYSIZE(szDrive), szDirectory,
-                  ARRAYSIZE(szDirectory), nullptr, 0, nullptr, 0);
-    WIN32_FIND_DATAW found;
-    if (!FindApkFile(szDrive, szDirectory, found)) {
+    const PCWSTR pszFolder = CKalvoApkInstaller::GetInstance().m_szFolderPath;
+    WCHAR szPath[MAX_PATH];
+    if (FAILED(PathCchCombine(szPath, ARRAYSIZE(szPath), pszFolder, L"*.apk"))) {
         return;
     }
-    WCHAR szPath[MAX_PATH];
-    _wmakepath_s(szPath, ARRAYSIZE(szPath), szDrive, szDirectory, found.cFileName, nullptr);
-    SetWindowTextW(hwndPath, szPath);
+    WIN32_FIND_DATAW found;
+    const HANDLE hFind = FindFirstFileW(szPath, &found);
+    if (hFind == INVALID_HANDLE_VALUE) {
+        return;
+    }
+    const CFindHandle pFind(hFind);
+    if (SUCCEEDED(PathCchCombine(szPath, ARRAYSIZE(szPath), pszFolder, found.cFileName))) {
+        SetWindowTextW(hwndPath, szPath);
+    }
 }
 
 // Lets the user choose a package; szPath then holds its path in the file system. A dialog that the
@@ -192,13 +185,10 @@ HRESULT CInstallApkPage::BrowseForApkFile(HWND hwndPage, CStringW& szPath)
     if (SUCCEEDED(hr)) {
         hr = pDialog->GetResult(&pItem);
     }
-    PWSTR pszPath = nullptr;
     if (SUCCEEDED(hr)) {
+        PWSTR pszPath = nullptr;
         hr = pItem->GetDisplayName(SIGDN_FILESYSPATH, &pszPath);
-    }
-    if (SUCCEEDED(hr)) {
-        szPath = pszPath;
-        CoTaskMemFree(pszPath);
+        szPath = CTaskText(pszPath).get();
     }
     return hr;
 }

@@ -13,7 +13,7 @@ private:
     // The package of one run: its full path, and its file name with extension for the user.
     struct PACKAGE
     {
-        WCHAR szPath[MAX_PATH];
+        WCHAR szPath[MAX_PATH] = {};
         CStringW szName;
     };
 

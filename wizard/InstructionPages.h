@@ -30,52 +30,53 @@ public:
     }
 };
 
-using CConnectWiFiPage = CInstructionPage<{.nBodyId = IDC_CONNECT_WIFI_BODY,
-                                           .nBodyStringId = IDS_CONNECT_WIFI_BODY,
-                                           .nCheckId = IDC_CONNECT_WIFI_CHECK,
-                                           .nCheckStringId = IDS_CONNECT_WIFI_CHECK}>;
+using CConnectWiFiPage = CInstructionPage<INSTRUCTION_PAGE{.nBodyId = IDC_CONNECT_WIFI_BODY,
+                                                           .nBodyStringId = IDS_CONNECT_WIFI_BODY,
+                                                           .nCheckId = IDC_CONNECT_WIFI_CHECK,
+                                                           .nCheckStringId = IDS_CONNECT_WIFI_CHECK}>;
 
-using CDeveloperOptionsOnPage = CInstructionPage<{.nBodyId = IDC_DEVELOPER_OPTIONS_ON_BODY,
-                                                  .nBodyStringId = IDS_DEVELOPER_OPTIONS_ON_BODY,
-                                                  .nCheckId = IDC_DEVELOPER_OPTIONS_ON_CHECK,
-                                                  .nCheckStringId = IDS_DEVELOPER_OPTIONS_ON_CHECK}>;
+using CDeveloperOptionsOnPage = CInstructionPage<INSTRUCTION_PAGE{.nBodyId = IDC_DEVELOPER_OPTIONS_ON_BODY,
+                                                                  .nBodyStringId = IDS_DEVELOPER_OPTIONS_ON_BODY,
+                                                                  .nCheckId = IDC_DEVELOPER_OPTIONS_ON_CHECK,
+                                                                  .nCheckStringId = IDS_DEVELOPER_OPTIONS_ON_CHECK}>;
 
-using CStayAwakeOnPage = CInstructionPage<{.nBodyId = IDC_STAY_AWAKE_ON_BODY,
-                                           .nBodyStringId = IDS_STAY_AWAKE_ON_BODY,
-                                           .nCheckId = IDC_STAY_AWAKE_ON_CHECK,
-                                           .nCheckStringId = IDS_STAY_AWAKE_ON_CHECK}>;
+using CStayAwakeOnPage = CInstructionPage<INSTRUCTION_PAGE{.nBodyId = IDC_STAY_AWAKE_ON_BODY,
+                                                           .nBodyStringId = IDS_STAY_AWAKE_ON_BODY,
+                                                           .nCheckId = IDC_STAY_AWAKE_ON_CHECK,
+                                                           .nCheckStringId = IDS_STAY_AWAKE_ON_CHECK}>;
 
-using CStayAwakeOffPage = CInstructionPage<{.nBodyId = IDC_STAY_AWAKE_OFF_BODY,
-                                            .nBodyStringId = IDS_STAY_AWAKE_OFF_BODY,
-                                            .nCheckId = IDC_STAY_AWAKE_OFF_CHECK,
-                                            .nCheckStringId = IDS_STAY_AWAKE_OFF_CHECK}>;
+using CStayAwakeOffPage = CInstructionPage<INSTRUCTION_PAGE{.nBodyId = IDC_STAY_AWAKE_OFF_BODY,
+                                                            .nBodyStringId = IDS_STAY_AWAKE_OFF_BODY,
+                                                            .nCheckId = IDC_STAY_AWAKE_OFF_CHECK,
+                                                            .nCheckStringId = IDS_STAY_AWAKE_OFF_CHECK}>;
 
-using CWirelessDebuggingOffPage = CInstructionPage<{.nBodyId = IDC_WIRELESS_DEBUGGING_OFF_BODY,
-                                                    .nBodyStringId = IDS_WIRELESS_DEBUGGING_OFF_BODY,
-                                                    .nCheckId = IDC_WIRELESS_DEBUGGING_OFF_CHECK,
-                                                    .nCheckStringId = IDS_WIRELESS_DEBUGGING_OFF_CHECK}>;
+using CWirelessDebuggingOffPage =
+    CInstructionPage<INSTRUCTION_PAGE{.nBodyId = IDC_WIRELESS_DEBUGGING_OFF_BODY,
+                                      .nBodyStringId = IDS_WIRELESS_DEBUGGING_OFF_BODY,
+                                      .nCheckId = IDC_WIRELESS_DEBUGGING_OFF_CHECK,
+                                      .nCheckStringId = IDS_WIRELESS_DEBUGGING_OFF_CHECK}>;
 
-using CRevokeAuthorizationsPage = CInstructionPage<{.nBodyId = IDC_REVOKE_AUTHORIZATIONS_BODY,
-                                                    .nBodyStringId = IDS_REVOKE_AUTHORIZATIONS_BODY,
-                                                    .nCheckId = IDC_REVOKE_AUTHORIZATIONS_CHECK,
-                                                    .nCheckStringId = IDS_REVOKE_AUTHORIZATIONS_CHECK}>;
+using CRevokeAuthorizationsPage = CInstructionPage<INSTRUCTION_PAGE{.nBodyId = IDC_REVOKE_AUTHORIZATIONS_BODY,
+                                                                    .nBodyStringId = IDS_REVOKE_AUTHORIZATIONS_BODY,
+                                                                    .nCheckId = IDC_REVOKE_AUTHORIZATIONS_CHECK,
+                                                                    .nCheckStringId = IDS_REVOKE_AUTHORIZATIONS_CHECK}>;
 
-using CDeveloperOptionsOffPage = CInstructionPage<{.nBodyId = IDC_DEVELOPER_OPTIONS_OFF_BODY,
-                                                   .nBodyStringId = IDS_DEVELOPER_OPTIONS_OFF_BODY,
-                                                   .nCheckId = IDC_DEVELOPER_OPTIONS_OFF_CHECK,
-                                                   .nCheckStringId = IDS_DEVELOPER_OPTIONS_OFF_CHECK}>;
+using CDeveloperOptionsOffPage = CInstructionPage<INSTRUCTION_PAGE{.nBodyId = IDC_DEVELOPER_OPTIONS_OFF_BODY,
+                                                                   .nBodyStringId = IDS_DEVELOPER_OPTIONS_OFF_BODY,
+                                                                   .nCheckId = IDC_DEVELOPER_OPTIONS_OFF_CHECK,
+                                                                   .nCheckStringId = IDS_DEVELOPER_OPTIONS_OFF_CHECK}>;
 
-using CDisconnectWiFiPage = CInstructionPage<{.nBodyId = IDC_DISCONNECT_WIFI_BODY,
-                                              .nBodyStringId = IDS_DISCONNECT_WIFI_BODY,
-                                              .nCheckId = IDC_DISCONNECT_WIFI_CHECK,
-                                              .nCheckStringId = IDS_DISCONNECT_WIFI_CHECK}>;
+using CDisconnectWiFiPage = CInstructionPage<INSTRUCTION_PAGE{.nBodyId = IDC_DISCONNECT_WIFI_BODY,
+                                                              .nBodyStringId = IDS_DISCONNECT_WIFI_BODY,
+                                                              .nCheckId = IDC_DISCONNECT_WIFI_CHECK,
+                                                              .nCheckStringId = IDS_DISCONNECT_WIFI_CHECK}>;
 
 // Its check box, an offer to go round again for another watch, is created hidden and nothing shows
 // it: the page always offers Back and Finish, and there is nothing left to cancel.
-using CFinishedPage = CInstructionPage<{.nBodyId = IDC_FINISHED_BODY,
-                                        .nBodyStringId = IDS_FINISHED_BODY,
-                                        .nCheckId = IDC_FINISHED_CHECK,
-                                        .nCheckStringId = IDS_FINISHED_CHECK,
-                                        .dwShownTicked = PSWIZB_BACK | PSWIZB_NEXT,
-                                        .dwShownUnticked = PSWIZB_BACK | PSWIZB_FINISH,
-                                        .dwAffected = PSWIZB_BACK | PSWIZB_FINISH | PSWIZB_CANCEL}>;
+using CFinishedPage = CInstructionPage<INSTRUCTION_PAGE{.nBodyId = IDC_FINISHED_BODY,
+                                                        .nBodyStringId = IDS_FINISHED_BODY,
+                                                        .nCheckId = IDC_FINISHED_CHECK,
+                                                        .nCheckStringId = IDS_FINISHED_CHECK,
+                                                        .dwShownTicked = PSWIZB_BACK | PSWIZB_NEXT,
+                                                        .dwShownUnticked = PSWIZB_BACK | PSWIZB_FINISH,
+                                                        .dwAffected = PSWIZB_BACK | PSWIZB_FINISH | PSWIZB_CANCEL}>;

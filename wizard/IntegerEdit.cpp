@@ -45,7 +45,7 @@ LRESULT CALLBACK CIntegerEdit::SubclassProc(HWND hwnd, UINT nMessage, WPARAM wPa
     return DefSubclassProc(hwnd, nMessage, wParam, lParam);
 }
 
-// Inserts the digits of the clipboard's text, which the caller has opened.
+// Inserts the digits in the text of the clipboard, which is open.
 void CIntegerEdit::PasteDigits(HWND hwnd)
 {
     const HANDLE hData = GetClipboardData(CF_UNICODETEXT);

@@ -5,12 +5,13 @@
 #include "net/WinSockHelper.h"
 #include "res/resource.h"
 #include "wizard/IntegerEdit.h"
+#include "wizard/Port.h"
 #include "wizard/WirelessDebuggingOnPage.h"
+
+#include <string>
 
 namespace {
 
-constexpr UINT kPortDigits = 5;
-constexpr int kFewestPortDigits = 4;
 constexpr int kCodeDigits = 6;
 constexpr int kAttempts = 3;
 constexpr WCHAR kOnInitDialog[] = L"CPairDevicePage::OnInitDialog()";

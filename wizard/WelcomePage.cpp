@@ -18,7 +18,7 @@ INT_PTR CALLBACK CWelcomePage::DialogProc(HWND hwndPage, UINT nMessage, WPARAM w
     case WM_INITDIALOG:
         StoreWizardData(hwndPage, lParam);
         LoadControlText(hwndPage, IDC_WELCOME_BODY, IDS_WELCOME_BODY);
-        // On from the About button, so that Enter means Next.
+        // Moves the focus off the About button, so that Enter means Next.
         PostMessageW(hwndPage, WM_NEXTDLGCTL, 0, 0);
         UpdateWizardButtons(hwndPage);
         return TRUE;

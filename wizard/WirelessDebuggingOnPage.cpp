@@ -3,13 +3,14 @@
 #include "net/WinSockHelper.h"
 #include "res/resource.h"
 #include "wizard/IntegerEdit.h"
+#include "wizard/Port.h"
 
 #include <shlwapi.h>
 
+#include <cstring>
+
 namespace {
 
-constexpr UINT kPortDigits = 5;
-constexpr int kFewestPortDigits = 4;
 constexpr LRESULT kAddressFields = 4;
 
 } // namespace

@@ -17,9 +17,10 @@ public:
     // a second each when nothing answers. All three working pages use it.
     static LRESULT OnNotify_PSN_WIZNEXT_Ping(HWND hwndPage, const SOCKADDR_IN* pAddress, HWND hwndStatus);
 
-    // Connects to the address and port (network order) and closes the connection again; up to 15
-    // seconds. When the connection is just not accepted it shows no box. Ends the process, after a
-    // report, when a socket cannot be made or closed.
+    // Connects to the address and port (network order) and closes the connection again; up to seven
+    // times 2.2 seconds. When the connection is just not accepted it shows no box. Ends the process
+    // with the code of Windows Sockets, after a box without owner, when the socket cannot be made, be
+    // made non-blocking, be shut down or be closed.
     static LRESULT OnNotify_PSN_WIZNEXT_TcpConnect(HWND hwndPage, const SOCKADDR_IN* pAddress, HWND hwndStatus);
 
 private:

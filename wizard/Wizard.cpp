@@ -30,7 +30,7 @@ constexpr PAGE kPages[] = {
     {IDD_INSTALL_APK, CInstallApkPage::DialogProc, IDS_INSTALL_APK_TITLE},
     {IDD_APK_INSTALLED, CApkInstalledPage::DialogProc, IDS_APK_INSTALLED_TITLE},
     {IDD_STAY_AWAKE_OFF, CStayAwakeOffPage::DialogProc, IDS_STAY_AWAKE_OFF_TITLE},
-    // The title of this string says "on", like that of the page that it undoes; it is kept.
+    // Its title reads "Turn on Wireless debugging" although the page turns it off; guides quote it so.
     {IDD_WIRELESS_DEBUGGING_OFF, CWirelessDebuggingOffPage::DialogProc, IDS_WIRELESS_DEBUGGING_OFF_TITLE},
     {IDD_REVOKE_AUTHORIZATIONS, CRevokeAuthorizationsPage::DialogProc, IDS_REVOKE_AUTHORIZATIONS_TITLE},
     {IDD_DEVELOPER_OPTIONS_OFF, CDeveloperOptionsOffPage::DialogProc, IDS_DEVELOPER_OPTIONS_OFF_TITLE},

@@ -11,5 +11,5 @@ struct CWizardData
 
     // The watch's IPv4 address and wireless debugging port, network order. All zero until the
     // wireless debugging page has found the watch there.
-    alignas(8) SOCKADDR_STORAGE m_saWatchAddress = {};
+    SOCKADDR_STORAGE m_saWatchAddress = {};
 };

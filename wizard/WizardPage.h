@@ -39,9 +39,3 @@ void ShowWizardButtons(HWND hwndPage, DWORD dwShown, DWORD dwAffected);
 
 // Answers a WM_COMMAND or WM_NOTIFY of the page; the return value is the dialog procedure's.
 INT_PTR AnswerMessage(HWND hwndPage, LRESULT nAnswer);
-
-// Whether a port is one that the watch may have chosen: 1024 to 65535.
-bool IsUserPort(UINT nPort);
-
-// Tells the user the range of ports, in a box owned by the page.
-void ReportInvalidPort(HWND hwndPage);
