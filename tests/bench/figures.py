@@ -1,0 +1,237 @@
+"""The figures, each with how it is measured. What a round measures is compared with what the same round measured."""
+
+import shutil
+import subprocess
+import tempfile
+import time
+from collections.abc import Callable
+from dataclasses import dataclass
+from pathlib import Path
+from statistics import median
+
+import pages
+import places
+import program as programs
+from answering import Answering
+from executable import Executable
+from package import write_package
+from program import Program, windows_path
+from watch import Watch
+
+# What the program itself waits before each adb command and before it looks at a connection.
+PAUSE_BEFORE_ADB = 2000.0
+PAUSE_BEFORE_POLL = 200.0
+ADB_COMMANDS = 6
+
+MEBIBYTES = 64
+TEXTS = ("line", "lines", "failure")
+
+
+@dataclass(frozen=True)
+class Figure:
+    """A row of the table: what was measured, in words, and whether that is enough."""
+
+    name: str
+    target: str
+    measured: str
+    details: str
+    reached: bool
+
+
+def at_most(name: str, target: float, measured: float, form: str, details: str) -> Figure:
+    """A figure that had better be small."""
+    return Figure(name, f"at most {target:{form}}", f"{measured:{form}}", details, measured <= target)
+
+
+def at_least(name: str, target: float, measured: float, form: str, details: str) -> Figure:
+    """A figure that had better be large."""
+    return Figure(name, f"at least {target:{form}}", f"{measured:{form}}", details, measured >= target)
+
+
+def printed(name: str, measured: str, details: str) -> Figure:
+    """A figure that is only to be known."""
+    return Figure(name, "printed", measured, details, True)
+
+
+def archive() -> Path:
+    """The tools as the program carries them."""
+    return places.build() / "res" / "platform-tools_kalvo.zip"
+
+
+def drive_c(folder: str) -> Path:
+    """A folder of the home's Windows, which need not be there yet."""
+    return places.prefix() / "drive_c" / folder
+
+
+def milliseconds(action: Callable[[], object]) -> float:
+    began = time.perf_counter()
+    action()
+    return (time.perf_counter() - began) * 1000
+
+
+def wine_path(file: Path) -> str:
+    """How the home's Windows names any file of this machine."""
+    return '"Z:' + str(file).replace("/", "\\") + '"'
+
+
+def under_launcher(program: str) -> str:
+    return f"{wine_path(places.launcher())} {program}"
+
+
+class Installer:
+    """Installs the tools once, in an emptied folder of its own."""
+
+    def __init__(self, answering: Answering, folder: Path) -> None:
+        self._answering = answering
+        self.folder = folder
+
+    def install(self) -> float:
+        shutil.rmtree(self.folder, ignore_errors=True)
+        return self._answering.ask("")[0]
+
+
+def unpacking(rounds: int) -> list[Figure]:
+    """CPlatformTools::Install against Info-ZIP's unzip: both write into a folder of the same disk that is not there
+    yet. The archive lies on that disk already for unzip; Install writes it first. Of Install the call is timed, of
+    unzip the whole program, whose start is the smallest part of it."""
+    folder, other = drive_c("bench tools"), drive_c("bench unzip")
+    copy = shutil.copy(archive(), drive_c("bench.zip"))
+
+    def unzip() -> float:
+        shutil.rmtree(other, ignore_errors=True)
+        return milliseconds(lambda: subprocess.run(["unzip", "-q", copy, "-d", other], check=True, timeout=60))
+
+    with Answering("bench-install", windows_path(folder)) as answering:
+        installer = Installer(answering, folder)
+        installer.install(), unzip()
+        pairs = [(installer.install(), unzip()) for _ in range(rounds)]
+    taken = f"{median(a for a, _ in pairs):.1f} ms to {median(b for _, b in pairs):.1f} ms"
+    ratio = median(a / b for a, b in pairs)
+    return [at_most("`Install`, to `unzip` of the same archive", 1.0, ratio, ".2f", taken)]
+
+
+def starting(rounds: int) -> list[Figure]:
+    """From the start of the process to its first page, against Install and an empty dialog added up. Program and
+    dialog are started alike."""
+    tools = programs.working_folder()
+    folder = drive_c("bench tools")
+    copy = shutil.copy(places.installer(), drive_c("KalvoApkInstaller.exe"))
+    installing = under_launcher(windows_path(Path(copy)))
+    empty = under_launcher(f'{wine_path(places.build() / "tests" / "bench" / "bench-dialog.exe")} "{pages.TITLE}"')
+    unpacker = Answering("bench-install", windows_path(folder))
+    with Answering("bench-wizard", pages.TITLE) as driver, unpacker as answering:
+        installer = Installer(answering, folder)
+
+        def measure() -> tuple[float, float, float]:
+            shutil.rmtree(tools, ignore_errors=True)
+            page = driver.ask("start", installing)[0]
+            return page, installer.install(), driver.ask("dialog", empty)[0]
+
+        measure()
+        rows = [measure() for _ in range(rounds)]
+    shutil.rmtree(tools, ignore_errors=True)
+    page, install, dialog = (median(column) for column in zip(*rows))
+    ratio = median(a / (b + c) for a, b, c in rows)
+    details = f"{page:.0f} ms to {install:.0f} + {dialog:.0f} ms"
+    return [at_most("start to first page, to `Install` and an empty dialog", 1.3, ratio, ".2f", details)]
+
+
+def main_job(rounds: int) -> list[Figure]:
+    """The whole way through the wizard, with nobody in front of it who takes time, on a watch that plays along; and
+    the adb commands of that way alone."""
+    empty = under_launcher(f'{wine_path(places.build() / "tests" / "bench" / "bench-dialog.exe")} "{pages.TITLE}"')
+    folder = drive_c("bench tools")
+    with Watch() as watch, Answering("bench-wizard", pages.TITLE) as driver:
+        package = write_package(programs.downloads())
+        installer = windows_path(Path(shutil.copy(places.installer(), programs.downloads())))
+        with Answering("bench-install", windows_path(folder)) as answering:
+            Installer(answering, folder).install()
+        adb = f'"{windows_path(folder)}\\platform-tools\\adb.exe"'
+        address = f"{watch.address}:{watch.port}"
+
+        def do_job() -> list[float]:
+            words = (watch.address, watch.port, watch.code, watch.pairing_port)
+            taken = driver.ask("job", under_launcher(installer), *words)
+            assert watch.has_received(package), watch.events
+            watch.store.unlink()
+            return taken
+
+        def run_adb() -> float:
+            commands = (
+                "kill-server",
+                f"pair {watch.address}:{watch.pairing_port} {watch.code}",
+                f"connect {address}",
+                f'-s {address} install "{windows_path(package)}"',
+                "kill-server",
+            )
+            taken = sum(driver.ask("run", f"{adb} {command}")[0] for command in commands)
+            assert watch.has_received(package), watch.events
+            watch.store.unlink()
+            time.sleep(PAUSE_BEFORE_ADB / 1000)
+            return taken + driver.ask("run", f"{adb} kill-server")[0]
+
+        run_adb(), do_job()
+        rows = [(run_adb(), *do_job()) for _ in range(rounds)]
+        dialog = median(driver.ask("dialog", empty)[1] for _ in range(rounds))
+    pauses = ADB_COMMANDS * PAUSE_BEFORE_ADB + PAUSE_BEFORE_POLL
+    share = median((job - pauses - alone) / job for alone, job, _ in rows) * 100
+    alone, job, memory = (median(column) for column in zip(*rows))
+    return [
+        at_most(
+            "main job: share of the time that is neither a fixed pause nor adb's own",
+            5.0,
+            share,
+            ".1f",
+            f"%, of {job / 1000:.2f} s; pauses {pauses / 1000:.1f} s, adb alone {alone / 1000:.2f} s",
+        ),
+        printed(
+            "peak memory through the main job",
+            f"{memory / 1024:.1f} MiB",
+            f"an empty dialog has {dialog / 1024:.1f} MiB",
+        ),
+    ]
+
+
+def judging(rounds: int) -> list[Figure]:
+    """Adb's output of 64 MiB in one piece, and the same amount in pieces of 1 MiB, in the form that takes longest."""
+    with Answering("bench-classify") as classifier:
+
+        def judge(text: str, mebibytes: int) -> tuple[float, float]:
+            taken, stack = classifier.ask(text, mebibytes, MEBIBYTES // mebibytes, between=" ")
+            return taken, stack
+
+        rows = {}
+        for text in TEXTS:
+            judge(text, MEBIBYTES), judge(text, 1)
+            rows[text] = [(judge(text, MEBIBYTES), judge(text, 1)) for _ in range(rounds)]
+    speed = {text: MEBIBYTES * 1.048576 / median(whole[0] for whole, _ in row) * 1000 for text, row in rows.items()}
+    growth = max(median(whole[0] / pieces[0] for whole, pieces in row) for row in rows.values())
+    stack = {size: max(pair[size][1] for row in rows.values() for pair in row) for size in (0, 1)}
+    each = ", ".join(f"{text} {value:.0f}" for text, value in speed.items())
+    return [
+        at_least("classifying 64 MiB of adb output, MB/s", 300, min(speed.values()), ".0f", each),
+        at_most("time for 64 MiB at once, to 64 times 1 MiB", 2.0, growth, ".2f", "1 is linear, 64 would be quadratic"),
+        at_most("stack for 64 MiB, to that for 1 MiB", 1.0, stack[0] / stack[1], ".2f", f"{stack[0]:.0f} bytes"),
+    ]
+
+
+def sizes(_: int) -> list[Figure]:
+    """The files themselves: the same at every look."""
+    program, carried = places.installer().stat().st_size, archive().stat().st_size
+    file = Executable(places.installer())
+    foreign = [name for name in file.imported_libraries() if name.lower().startswith("lib")]
+    symbols = [section.name for section in file.sections if section.name.startswith(("/", ".debug"))]
+    assert not foreign and not symbols, f"neither static nor stripped: {foreign} {symbols}"
+    with tempfile.TemporaryDirectory() as scratch:
+        subprocess.run(["unzip", "-q", archive(), "-d", scratch], check=True)
+        zipped = Path(scratch, "zip.zip")
+        subprocess.run(["zip", "-9", "-q", "-X", "-D", "-r", zipped, "platform-tools"], check=True, cwd=scratch)
+        plain = zipped.stat().st_size
+    beyond, less = (program - carried) / 1000, (1 - carried / plain) * 100
+    return [
+        at_most("program beyond its archive, KB", 300.0, beyond, ".0f", f"{program} - {carried} bytes"),
+        at_least("archive smaller than by `zip -9`, %", 2.5, less, ".2f", f"{carried} to {plain} bytes"),
+    ]
+
+
+ALL = {"unpacking": unpacking, "starting": starting, "main_job": main_job, "judging": judging, "sizes": sizes}
