@@ -105,6 +105,31 @@ TEST_F(ApplicationPaths, MayBeAtTheRootOfADrive)
     EXPECT_STREQ(Paths().m_szFileName, L"a.exe");
 }
 
+// The runtime declares these in several forms, so the form that is imported is spelled out.
+using Split =
+    Replaced<"_wsplitpath_s", errno_t (*)(PCWSTR, PWSTR, size_t, PWSTR, size_t, PWSTR, size_t, PWSTR, size_t)>;
+using Make = Replaced<"_wmakepath_s", errno_t (*)(PWSTR, size_t, PCWSTR, PCWSTR, PCWSTR, PCWSTR)>;
+using Copy = Replaced<"wcsncpy_s", errno_t (*)(PWSTR, size_t, PCWSTR, size_t)>;
+
+TEST_F(ApplicationPaths, AreSplitMadeAndCopiedWithinTheirBounds)
+{
+    const Split split;
+    const Make make;
+    const Copy copy;
+    EXPECT_TRUE(Paths().Initialize());
+    EXPECT_EQ(split.Arg<0>(), m_strExecutable);
+    EXPECT_EQ(split.Arg<2>(), 3u);
+    EXPECT_EQ(split.Arg<4>(), 256u);
+    EXPECT_EQ(split.Arg<6>(), 256u);
+    EXPECT_EQ(split.Arg<8>(), 256u);
+    EXPECT_EQ(make.Arg<0>(0), Paths().m_szFolderPath);
+    EXPECT_EQ(make.Arg<1>(0), 260u);
+    EXPECT_EQ(make.Arg<0>(1), Paths().m_szFileName);
+    EXPECT_EQ(make.Arg<1>(1), 260u);
+    EXPECT_EQ(copy.Arg<0>(), Paths().m_szAppDataFolderPath);
+    EXPECT_EQ(copy.Arg<1>(), 260u);
+}
+
 class RealPaths : public Test
 {
 };

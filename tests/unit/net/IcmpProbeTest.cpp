@@ -8,6 +8,7 @@
 #include "tests/unit/net/StatusLine.h"
 
 #include <cstring>
+#include <malloc.h>
 
 using namespace kit;
 
@@ -338,6 +339,29 @@ TEST_F(IcmpProbe, FindsThisComputer)
 {
     EXPECT_EQ(Probe(L"127.0.0.1"), 0);
     EXPECT_EQ(m_status.Texts(), std::vector<std::wstring>{L"Pinging 127.0.0.1 (1 of 6)"});
+}
+
+// The C runtime's own heap knows which of its blocks are in use.
+bool IsAllocated(const void* p)
+{
+    return HeapValidate(reinterpret_cast<HANDLE>(_get_heap_handle()), 0, p) != FALSE;
+}
+
+TEST_F(IcmpProbe, FreesTheReplyBeforeItClosesTheHandle)
+{
+    const void* pReply = nullptr;
+    const REPLACED(IcmpCreateFile) create(Returns(kIcmp));
+    const REPLACED(IcmpSendEcho2)
+        send([&](auto, auto, auto, auto, auto, auto, auto, auto, void* p, auto, auto) -> DWORD {
+            pReply = p;
+            EXPECT_TRUE(IsAllocated(p));
+            return 0;
+        });
+    const REPLACED(IcmpCloseHandle) close([&](HANDLE) {
+        EXPECT_FALSE(IsAllocated(pReply));
+        return TRUE;
+    });
+    CIcmpEcho().SendEchoRequest(0);
 }
 
 TEST_F(IcmpProbe, KeepsTheReasonOfAFailedRequestInTheLastError)

@@ -99,8 +99,12 @@ TEST_F(PlatformToolsPaths, LieBelowTheWorkingFolder)
                  L"C:\\Users\\kim\\AppData\\Local\\KALVO_ApkInstaller\\platform-tools\\adb.exe");
 }
 
+// The runtime declares this in several forms, so the form that is imported is spelled out.
+using Copy = Replaced<"wcsncpy_s", errno_t (*)(PWSTR, size_t, PCWSTR, size_t)>;
+
 TEST_F(PlatformToolsPaths, AreCombinedWithinTheirBoundsInOrder)
 {
+    const Copy copy;
     const REPLACED(PathCchCombine) combine;
     EXPECT_TRUE(Tools().Initialize(L"C:\\w"));
     EXPECT_EQ(combine.Calls(), 3u);
@@ -111,6 +115,8 @@ TEST_F(PlatformToolsPaths, AreCombinedWithinTheirBoundsInOrder)
         EXPECT_EQ(combine.Arg<1>(n), 260u);
     }
     EXPECT_EQ(combine.Arg<2>(2), L"C:\\w\\platform-tools");
+    EXPECT_EQ(copy.Arg<0>(), Tools().m_szRootFolderPath);
+    EXPECT_EQ(copy.Arg<1>(), 260u);
 }
 
 TEST_F(PlatformToolsPaths, ASecondInitialisationFails)
@@ -515,11 +521,14 @@ TEST_F(PlatformToolsArchive, ThatCannotBeCreatedIsToldAndFails)
 {
     const REPLACED(CreateFileW) create(Returns(INVALID_HANDLE_VALUE, ERROR_ACCESS_DENIED));
     REPLACED(WriteFile) write;
+    REPLACED(_wfopen_s) read;
     write.Optional();
+    read.Optional();
     EXPECT_FALSE(Tools().Install());
     ExpectBox(L"CPlatformTools::WriteZipFileResource() > CreateFile() failed with error 5: " + SystemDescription(5),
               L"Error");
     EXPECT_EQ(write.Calls(), 0u);
+    EXPECT_EQ(read.Calls(), 0u);
     EXPECT_FALSE(exists(ToolsFolder() / "adb.exe"));
 }
 
@@ -529,10 +538,12 @@ TEST_F(PlatformToolsArchive, ThatCannotBeWrittenFailsWithoutAWordAndStaysOpen)
     const REPLACED(CreateFileW) create(Returns(hFile));
     const REPLACED(WriteFile) write(Returns(FALSE, ERROR_DISK_FULL));
     REPLACED(CloseHandle) close;
+    REPLACED(_wfopen_s) read;
     close.Optional();
+    read.Optional();
     EXPECT_FALSE(Tools().Install());
     EXPECT_EQ(close.Calls(), 0u);
-    EXPECT_FALSE(exists(ToolsFolder() / "adb.exe"));
+    EXPECT_EQ(read.Calls(), 0u);
 }
 
 TEST_F(PlatformToolsArchive, ThatCannotBeClosedFailsWithoutAWord)
@@ -611,6 +622,32 @@ TEST_F(PlatformToolsArchive, BelowAnUnnarrowablePathIsNotUnpacked)
     EXPECT_FALSE(Tools().Install());
     EXPECT_TRUE(exists(folder / "platform-tools_kalvo.zip"));
     EXPECT_FALSE(exists(folder / "platform-tools" / "adb.exe"));
+}
+
+// A code page may need several bytes for a character, so a path that fits its buffer can become too
+// long for the archive library's.
+TEST_F(PlatformToolsArchive, BelowAPathOfTooManyBytesIsNotUnpacked)
+{
+    Tools() = {};
+    const std::filesystem::path folder = m_folder.Path() / std::wstring(150, L'w');
+    ASSERT_TRUE(Tools().Initialize(folder.c_str()));
+    const auto tooLong = [](UINT, DWORD, PCWSTR, int, PSTR psz, int cb, PCSTR, BOOL*) {
+        EXPECT_GT(cb, 512);
+        memset(psz, 'w', 512);
+        psz[512] = '\0';
+        return 513;
+    };
+    const REPLACED(WideCharToMultiByte) narrow{InTurn(PassOn(), tooLong)};
+    FILE* pArchive = nullptr;
+    const REPLACED(_wfopen_s) open([&](FILE** ppFile, PCWSTR pszPath, PCWSTR pszMode) {
+        const errno_t nResult = open.Next(ppFile, pszPath, pszMode);
+        pArchive = *ppFile;
+        return nResult;
+    });
+    EXPECT_FALSE(Tools().Install());
+    EXPECT_EQ(open.Calls(), 1u); // nothing but the archive
+    EXPECT_TRUE(is_empty(folder / "platform-tools"));
+    fclose(pArchive);
 }
 
 class PlatformToolsArchives : public DeployedPlatformTools

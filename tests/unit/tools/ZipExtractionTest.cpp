@@ -320,6 +320,27 @@ TEST_F(ExtractionPaths, AnEmptyFolderIsTheRoot)
     EXPECT_EQ(m_open.Arg<1>(), L"\\x");
 }
 
+// The file system would pass over these by itself, but for their length.
+TEST_F(ExtractionPaths, DotsAndLeadingSeparatorsAreNotInThem)
+{
+    EXPECT_EQ(Folders("C:\\r", "\\//./a/../b/./c.txt"),
+              (std::vector<std::wstring>{L"C:\\r", L"C:\\r\\a", L"C:\\r\\a/b"}));
+    EXPECT_EQ(m_open.Arg<1>(), L"C:\\r\\a/b/c.txt");
+}
+
+TEST_F(ExtractionPaths, NothingElseSeparatesNames)
+{
+    EXPECT_EQ(Folders("C:\\r", "~a~../b:../c"),
+              (std::vector<std::wstring>{L"C:\\r", L"C:\\r\\~a~..", L"C:\\r\\~a~../b:.."}));
+    EXPECT_EQ(m_open.Arg<1>(), L"C:\\r\\~a~../b:../c");
+}
+
+TEST_F(ExtractionPaths, TheRootItselfIsNoFolderToMake)
+{
+    EXPECT_EQ(Folders("", ".."), std::vector<std::wstring>());
+    EXPECT_EQ(m_open.Arg<1>(), L"\\");
+}
+
 TEST_F(ExtractionPaths, OnlyLettersNameADrive)
 {
     for (const char chDrive : {'A', 'M', 'Z', 'a', 'm', 'z'}) {
@@ -344,8 +365,13 @@ TEST_F(ExtractionPaths, TheColonMustBeSecond)
 
 TEST_F(ExtractionPaths, NamesAreUtf8)
 {
+    const REPLACED(MultiByteToWideChar) widen;
     EXPECT_EQ(Folders("C:\\J\xC3\xB6rg", "\xE6\x89\x8B/x"),
               (std::vector<std::wstring>{L"C:\\J\u00F6rg", L"C:\\J\u00F6rg\\\u624B"}));
+    for (size_t n = 0; n < widen.Calls(); ++n) {
+        EXPECT_EQ(widen.Arg<0>(n), static_cast<UINT>(CP_UTF8));
+        EXPECT_EQ(widen.Arg<1>(n), 0u); // the system takes no other flags with this code page
+    }
 }
 
 TEST_F(ExtractionPaths, AFullPathIsCutTo511Bytes)

@@ -177,6 +177,17 @@ TEST_P(ShownInstructionPage, HidesNextWhenTheUserComesBackToABoxNotTicked)
     EXPECT_EQ(m_page.TakeButtons(), ButtonsList{Its().unticked});
 }
 
+TEST_P(ShownInstructionPage, TakesAHalfTickedBoxForNotTicked)
+{
+    const HWND hwndBox = m_page.Control(Its().nCheckId);
+    const LONG nStyle = GetWindowLongW(hwndBox, GWL_STYLE);
+    SetWindowLongW(hwndBox, GWL_STYLE, (nStyle & ~BS_TYPEMASK) | BS_AUTO3STATE);
+    SendMessageW(hwndBox, BM_SETCHECK, BST_INDETERMINATE, 0);
+    ASSERT_EQ(SendMessageW(hwndBox, BM_GETCHECK, 0, 0), BST_INDETERMINATE);
+    EXPECT_EQ(m_page.Notify(PSN_SETACTIVE), 0);
+    EXPECT_EQ(m_page.TakeButtons(), ButtonsList{Its().unticked});
+}
+
 TEST_P(ShownInstructionPage, AnswersTheClickOnItsBox)
 {
     SendDlgItemMessageW(m_page.Window(), Its().nCheckId, BM_SETCHECK, BST_CHECKED, 0);

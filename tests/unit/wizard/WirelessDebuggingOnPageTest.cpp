@@ -135,6 +135,15 @@ TEST_F(NewWirelessDebuggingOnPage, LeavesAddressAndFocusAloneWithoutAGateway)
     EXPECT_EQ(gateway.Lookups(), 1u);
 }
 
+TEST_F(NewWirelessDebuggingOnPage, TakesAGatewayTextWithoutDotAsItIs)
+{
+    const Gateway gateway(L"10.0.0.1");
+    const REPLACED(InetNtopW) text([](INT, const void*, PWSTR psz, size_t) -> PCWSTR { return wcscpy(psz, L"home"); });
+    const PageWindow page(204, CWirelessDebuggingOnPage::DialogProc, m_data);
+    EXPECT_EQ(page.TextsOf(kAddress), std::vector<std::wstring>{L"home"});
+    EXPECT_EQ(page.InitResult(), FALSE);
+}
+
 TEST_F(NewWirelessDebuggingOnPage, DoesNotLookForTheGatewayWithoutAnAddressControl)
 {
     const Gateway gateway(L"10.0.0.1");

@@ -1,0 +1,113 @@
+#!/usr/bin/env python3
+"""Checks docs/behaviours.md: every test that it names is there, and each table is as long as it says.
+
+    check_behaviours.py CHECKOUT BUILD
+
+The names of unit tests and of Python tests are looked for in the sources, those of CTest in the build.
+"""
+
+import ast
+import re
+import subprocess
+import sys
+from dataclasses import dataclass
+from pathlib import Path
+
+PAGE = "docs/behaviours.md"
+HELD_BY = "held by"
+
+
+@dataclass
+class Row:
+    line: int
+    cells: list[str]
+
+    @property
+    def names(self) -> list[str]:
+        return re.findall(r"`([^`]+)`", self.cells[-1])
+
+
+@dataclass
+class Section:
+    """A heading that tells the number of rows of the tables below it."""
+
+    title: str
+    promised: int
+    rows: list[Row]
+
+
+def unit_tests(checkout: Path) -> set[str]:
+    pattern = re.compile(r"^TEST(?:_F|_P)?\((\w+),\s*(\w+)\)", re.MULTILINE)
+    return {
+        f"{suite}.{case}"
+        for source in (checkout / "tests").rglob("*.cpp")
+        for suite, case in pattern.findall(source.read_text(encoding="utf-8"))
+        if not suite.startswith("DISABLED_") and not case.startswith("DISABLED_")
+    }
+
+
+def python_tests(checkout: Path) -> set[str]:
+    return {
+        f"{source.stem}.{item.name}.{method.name}"
+        for source in (checkout / "tests").rglob("test_*.py")
+        for item in ast.parse(source.read_text(encoding="utf-8")).body
+        if isinstance(item, ast.ClassDef)
+        for method in item.body
+        if isinstance(method, ast.FunctionDef) and method.name.startswith("test")
+    }
+
+
+def ctest_tests(build: Path) -> set[str]:
+    command = ["ctest", "--test-dir", str(build), "--show-only"]
+    listing = subprocess.run(command, check=True, capture_output=True, text=True).stdout
+    return set(re.findall(r"^ *Test +#\d+: (\S+)", listing, re.MULTILINE))
+
+
+def sections_of(page: str) -> list[Section]:
+    """The parts of the page whose heading ends in a number of cases, with the rows of their tables."""
+    sections: list[Section] = []
+    current: Section | None = None
+    for number, line in enumerate(page.splitlines(), start=1):
+        if line.startswith("## "):
+            heading = re.fullmatch(r"## (.+): (\d+) \w+", line)
+            current = Section(heading[1], int(heading[2]), []) if heading else None
+            if current:
+                sections.append(current)
+        elif current and line.startswith("|"):
+            cells = [cell.strip() for cell in line.strip("|").split("|")]
+            if cells[-1] != HELD_BY and not set(line) <= set("|- "):
+                current.rows.append(Row(number, cells))
+    return sections
+
+
+def faults_of(sections: list[Section], known: set[str]) -> list[str]:
+    faults = []
+    if not sections:
+        faults.append("no heading tells how many cases follow")
+    for section in sections:
+        if len(section.rows) != section.promised:
+            faults.append(f"'{section.title}' promises {section.promised} rows and has {len(section.rows)}")
+        for row in section.rows:
+            if not row.names:
+                faults.append(f"line {row.line} names no test")
+            faults += [f"line {row.line}: there is no test {name}" for name in row.names if name not in known]
+            rest = re.sub(r"`[^`]+`", "", row.cells[-1])
+            if rest.strip(", "):
+                faults.append(f"line {row.line}: between the names stands '{rest.strip(', ')}'")
+    return faults
+
+
+def main() -> int:
+    checkout, build = map(Path, sys.argv[1:])
+    known = unit_tests(checkout) | python_tests(checkout) | ctest_tests(build)
+    sections = sections_of((checkout / PAGE).read_text(encoding="utf-8"))
+    faults = faults_of(sections, known)
+    for fault in faults:
+        print(f"{PAGE}: {fault}", file=sys.stderr)
+    rows = [row for section in sections for row in section.rows]
+    print(f"{len(rows)} cases, held by {len({name for row in rows for name in row.names})} tests")
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
