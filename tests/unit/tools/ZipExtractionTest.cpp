@@ -155,6 +155,16 @@ TEST_F(ZipExtraction, DirectoryEntriesMakeTheirFolders)
     EXPECT_EQ(Found(), (Names{"a/", "a/b/", "c/", "c/d/", "e/"}));
 }
 
+TEST_F(ZipExtraction, ADirectoryIsToldByTheEndOfANameThatIsCut)
+{
+    std::string strName = "a/";
+    for (int n = 0; n < 300; ++n) {
+        strName += "./";
+    }
+    EXPECT_EQ(Extract({{strName}}), 0);
+    EXPECT_EQ(Found(), Names{"a/"});
+}
+
 TEST_F(ZipExtraction, AnEntryWithTheDirectoryAttributeMakesOnlyItsParents)
 {
     EXPECT_EQ(Extract({{"a/b", "text", 0, 0x10}}), 0);
