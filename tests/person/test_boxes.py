@@ -75,6 +75,13 @@ CONNECTING = (
     ("pairing-no-subclass-of-code", "SetWindowSubclass@3=null:8", "CIntegerEdit::SetWindowSubclass(CODE, NULL)"),
 )
 
+# When the next page is wanted on the page of the pairing.
+PAIRING = (
+    ("pairing-port-not-read", "GetDlgItemInt@2=null:0", "Somehow you entered an invalid port number."),
+    ("pairing-code-not-read", "GetDlgItemTextW@1=null:0", "You have entered an invalid pairing code."),
+    ("pairing-server-not-stopped", "GetExitCodeProcess@1=null:6", "Unable to stop the adb service."),
+)
+
 
 # Wine itself starts in this time, too.
 START = 60.0
@@ -98,6 +105,10 @@ class Boxes(unittest.TestCase):
     def test_leaving_the_page_of_the_address(self) -> None:
         for picture, faults, words in CONNECTING:
             self.look_at(picture, faults, words, page=5)
+
+    def test_leaving_the_page_of_the_pairing(self) -> None:
+        for picture, faults, words in PAIRING:
+            self.look_at(picture, faults, words, page=6)
 
     def look_at(
         self, picture: str, faults: str, words: str, page: int, before_next: Callable[[], None] = lambda: None
@@ -133,7 +144,8 @@ class Boxes(unittest.TestCase):
         def left() -> bool:
             sight = person.look()
             if sight.boxes:
-                person.press("Return")
+                # Not with a key: a box that belongs to no window need not have the keyboard.
+                person.click(next(part for part in sight.boxes[0].window.descendants() if part.is_kind("Button")))
             elif sight.frame:
                 person.press("Escape")
             return program.has_ended

@@ -231,6 +231,8 @@ constexpr ROW kRows[] = {
     CALL(closesocket, MinusOne),
     // pages
     CALL(SetWindowSubclass, Zero),
+    CALL(GetDlgItemInt, Zero),
+    CALL(GetDlgItemTextW, Zero),
     CALL(CoCreateInstance, Code),
     // the tool's process
     CALL(CreatePipe, Zero),
