@@ -118,5 +118,25 @@ class Home(unittest.TestCase):
         self.assertEqual(state(), before)
 
 
+class TestProgramsOfWindows(unittest.TestCase):
+    """What makes a test program's run a success."""
+
+    # What GoogleTest does when the last test is done.
+    THE_END = "del %TEST_PREMATURE_EXIT_FILE%"
+
+    def run_program(self, commands: str) -> subprocess.CompletedProcess[str]:
+        return in_home(f"{HOME.with_name('gtest')} cmd.exe /c '{commands}'", "--no-display")
+
+    def test_the_exit_status_is_the_programs(self) -> None:
+        for status in (0, 5):
+            self.assertEqual(self.run_program(f"{self.THE_END} & exit {status}").returncode, status)
+
+    def test_an_end_before_the_last_test_is_a_failure_with_any_status(self) -> None:
+        for status in (0, 5):
+            done = self.run_program(f"exit {status}")
+            self.assertEqual(done.returncode, 1)
+            self.assertIn(f"cmd.exe ended before its last test, with status {status}", done.stderr)
+
+
 if __name__ == "__main__":
     unittest.main()
