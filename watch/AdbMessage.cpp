@@ -20,7 +20,8 @@ SAdbHeader DecodeAdbHeader(std::span<const std::uint8_t, ADB_HEADER_SIZE> bytes)
     }
     const auto [nCommand, nArgument0, nArgument1, nPayloadSize, nCheckSum, nMagic] = words;
     if (nMagic != ~nCommand) {
-        throw CConnectionError("not an adb message");
+        throw CConnectionError(
+            std::format("not an adb message: {:02x} {:02x} {:02x} {:02x}", bytes[0], bytes[1], bytes[2], bytes[3]));
     }
     if (nPayloadSize > ADB_MAX_PAYLOAD) {
         throw CConnectionError(std::format("a message announced {} bytes", nPayloadSize));

@@ -57,7 +57,7 @@ void CConnection::Allow(std::optional<std::chrono::milliseconds> time)
     }
 }
 
-void CConnection::StartTls(SSL_CTX* context, CertificateJudge judge)
+void CConnection::StartTls(SSL_CTX* context, CertificateJudge judge, ByteView received)
 {
     m_judge = std::move(judge);
     m_ssl.reset(SSL_new(context));
@@ -66,6 +66,9 @@ void CConnection::StartTls(SSL_CTX* context, CertificateJudge judge)
     }
     SSL_set_app_data(m_ssl.get(), this);
     SSL_set_custom_verify(m_ssl.get(), SSL_VERIFY_PEER | SSL_VERIFY_FAIL_IF_NO_PEER_CERT, JudgeCertificate);
+    if (!received.empty()) {
+        Digest(received);
+    }
     try {
         Perform(POLLIN, [this] { return SSL_accept(m_ssl.get()); });
     } catch (const CStopping&) {
@@ -78,6 +81,19 @@ void CConnection::StartTls(SSL_CTX* context, CertificateJudge judge)
     }
 }
 
+// Lets the handshake begin with bytes that are no longer in the socket. What is wrong with them, the handshake tells
+// when it goes on.
+void CConnection::Digest(ByteView received)
+{
+    BIO* bytes = BIO_new_mem_buf(received.data(), static_cast<ossl_ssize_t>(received.size()));
+    BIO_set_mem_eof_return(bytes, -1); // their end is not that of the connection
+    SSL_set0_rbio(m_ssl.get(), bytes);
+    SSL_accept(m_ssl.get());
+    if (!SSL_set_rfd(m_ssl.get(), m_socket.Get())) {
+        throw CConnectionError(TlsFault());
+    }
+}
+
 ByteVector CConnection::ExportKeyingMaterial(std::string_view label, std::size_t nSize) const
 {
     ByteVector material(nSize);
@@ -87,7 +103,7 @@ ByteVector CConnection::ExportKeyingMaterial(std::string_view label, std::size_t
     return material;
 }
 
-void CConnection::WaitForData()
+std::uint8_t CConnection::WaitForData()
 {
     std::uint8_t byte = 0;
     if (m_ssl) {
@@ -95,6 +111,7 @@ void CConnection::WaitForData()
     } else {
         Perform(POLLIN, [&] { return static_cast<int>(recv(m_socket.Get(), &byte, 1, MSG_PEEK)); });
     }
+    return byte;
 }
 
 void CConnection::Read(std::span<std::uint8_t> buffer)

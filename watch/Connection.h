@@ -53,14 +53,15 @@ public:
     void Allow(std::optional<std::chrono::milliseconds> time);
 
     // Becomes the TLS server of the connection. The peer must show a certificate; one that the judge refuses makes the
-    // peer receive an alert and this call throw CKeyRefused.
-    void StartTls(SSL_CTX* context, CertificateJudge judge);
+    // peer receive an alert and this call throw CKeyRefused. `received` is what has been read of TLS already.
+    void StartTls(SSL_CTX* context, CertificateJudge judge, ByteView received = {});
 
     // Keying material of the TLS connection, the same on both sides.
     ByteVector ExportKeyingMaterial(std::string_view label, std::size_t nSize) const;
 
-    // Returns when there is something to read. A peer that leaves instead is a CPeerClosed.
-    void WaitForData();
+    // Returns when there is something to read: its first byte, which stays to be read. A peer that leaves instead is a
+    // CPeerClosed.
+    std::uint8_t WaitForData();
 
     void Read(std::span<std::uint8_t> buffer);
 
@@ -73,6 +74,7 @@ public:
     void SayGoodbye();
 
 private:
+    void Digest(ByteView received);
     template<class Call>
     std::size_t Perform(short nEvents, Call call);
     short TlsEvents(int nResult) const;

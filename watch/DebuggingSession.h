@@ -43,6 +43,7 @@ private:
 
     void ReadGreeting();
     bool StartTls();
+    ByteVector ReadOvertakingHello();
     void Serve();
     void RefuseConsent();
     void StayMute();

@@ -158,9 +158,18 @@ CTestSocket::CTestSocket(std::uint16_t nPort) : m_socket(socket(AF_INET, SOCK_ST
     }
 }
 
-void CTestSocket::StartTls(SSL_CTX* context)
+void CTestSocket::StartTls(SSL_CTX* context, ByteView afterHello)
 {
-    m_ssl.reset(SSL_new(context));
+    bssl::UniquePtr<SSL> ssl(SSL_new(context));
+    SSL_set_bio(ssl.get(), BIO_new(BIO_s_mem()), BIO_new(BIO_s_mem()));
+    SSL_connect(ssl.get());
+    const std::uint8_t* pHello = nullptr;
+    std::size_t nSize = 0;
+    Require(BIO_mem_contents(SSL_get_wbio(ssl.get()), &pHello, &nSize) && nSize > 0, "a hello");
+    Write({pHello, nSize});
+    Write(afterHello);
+
+    m_ssl = std::move(ssl);
     Require(SSL_set_fd(m_ssl.get(), m_socket.Get()), "SSL_set_fd");
     // The client's half of TLS 1.3 ends before the server has seen the client's certificate: a refusal shows with the
     // first read.
@@ -290,15 +299,18 @@ STestMessage Greeting(std::uint32_t nVersion, std::uint32_t nMaxPayload)
     return {Letters("CNXN"), nVersion, nMaxPayload, ByteVector(banner.begin(), banner.end())};
 }
 
-EWelcome CAdbLink::Connect(const CComputer& computer, const STestMessage& greeting)
+EWelcome CAdbLink::Connect(const CComputer& computer, const STestMessage& greeting, EOrder order)
 {
     Send(greeting);
     const std::optional<STestMessage> answer = Receive();
     if (!answer || answer->nCommand != Letters("STLS") || answer->nArgument0 != 0x01000000) {
         return EWelcome::Closed;
     }
-    Send({Letters("STLS"), 0x01000000, 0});
-    m_socket.StartTls(computer.TlsContext().get());
+    const ByteVector message = STestMessage{Letters("STLS"), 0x01000000, 0}.Encode();
+    if (order == EOrder::MessageFirst) {
+        m_socket.Write(message);
+    }
+    m_socket.StartTls(computer.TlsContext().get(), order == EOrder::HelloFirst ? message : ByteVector());
     const std::optional<STestMessage> welcome = Receive();
     if (!welcome || welcome->nCommand != Letters("CNXN") || welcome->nArgument0 != 0x01000001) {
         return EWelcome::TlsFailed;

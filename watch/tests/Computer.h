@@ -18,7 +18,8 @@ class CTestSocket
 public:
     explicit CTestSocket(std::uint16_t nPort);
 
-    void StartTls(SSL_CTX* context);
+    // `afterHello` is sent right behind the first that TLS has to say.
+    void StartTls(SSL_CTX* context, ByteView afterHello = {});
 
     // False when the other side has closed.
     bool Write(ByteView bytes);
@@ -103,13 +104,21 @@ enum class EWelcome
     Closed,    // not even that
 };
 
+// What adb's two threads send first when it is time for TLS: the message that says so, or TLS's hello.
+enum class EOrder
+{
+    MessageFirst,
+    HelloFirst,
+};
+
 // A connection to the debugging port.
 class CAdbLink
 {
 public:
     explicit CAdbLink(std::uint16_t nPort) : m_socket(nPort) {}
 
-    EWelcome Connect(const CComputer& computer, const STestMessage& greeting = Greeting());
+    EWelcome Connect(const CComputer& computer, const STestMessage& greeting = Greeting(),
+                     EOrder order = EOrder::MessageFirst);
 
     // The device's greeting.
     const std::string& Banner() const

@@ -46,6 +46,50 @@ TEST_F(DebuggingTest, EverybodyIsTrustedWhenToldSo)
     EXPECT_TRUE(m_journal.WaitFor("debugging: trusted"));
 }
 
+// adb's threads race when it begins TLS.
+TEST_F(DebuggingTest, HelloMayComeBeforeTheMessageThatAnnouncesIt)
+{
+    Start();
+    const CComputer computer("person@home");
+    PairWith(computer);
+    for (int n = 0; n < 3; ++n) {
+        CAdbLink link(m_pWatch->DebuggingPort());
+        EXPECT_EQ(link.Connect(computer, Greeting(), EOrder::HelloFirst), EWelcome::Device);
+        EXPECT_EQ(link.Install(RandomBytes(10, 1)), "Success\n");
+    }
+    CAdbLink stranger(m_pWatch->DebuggingPort());
+    EXPECT_EQ(stranger.Connect(CComputer("stranger"), Greeting(), EOrder::HelloFirst), EWelcome::TlsFailed);
+    EXPECT_TRUE(m_journal.WaitFor("debugging: key not trusted"));
+    EXPECT_EQ(m_journal.Count("debugging: gave up"), 0U);
+}
+
+TEST_F(DebuggingTest, WhatOnlyLooksLikeAHelloIsRefused)
+{
+    const ByteVector record = {22, 3, 1, 0, 4, 1, 2, 3, 4};
+    const ByteVector empty = {22, 3, 1, 0, 0};
+    const struct
+    {
+        ByteVector hello;
+        STestMessage message;
+        const char* szReason;
+    } rows[] = {
+        {record, Message("OPEN", 1, 0, "shell:"), "no TLS"},
+        {record, Message("STLS", VERSION_WITH_SUMS, 0), "TLS: EXCESSIVE_MESSAGE_SIZE"},
+        {empty, Message("OPEN", 1, 0, "shell:"), "no TLS"},
+    };
+    Start();
+    for (const auto& row : rows) {
+        const std::string szLine = std::string("debugging: gave up: ") + row.szReason;
+        const std::size_t nBefore = m_journal.Count(szLine);
+        CAdbLink link(m_pWatch->DebuggingPort());
+        link.Send(Greeting());
+        link.Socket().Write(row.hello);
+        link.Send(row.message);
+        EXPECT_TRUE(link.Socket().IsClosedByPeer());
+        EXPECT_TRUE(m_journal.WaitFor(szLine, nBefore + 1));
+    }
+}
+
 TEST_F(DebuggingTest, ProbeOfThePortIsHarmless)
 {
     Start();
@@ -147,12 +191,9 @@ TEST_F(DebuggingTest, MalformedGreetingsEndTheConnection)
         STestMessage message;
         const char* szReason;
     } rows[] = {
-        {wrongSum, "a message's check sum is wrong"},
-        {noSumOfAnOldComputer, "a message's check sum is wrong"},
-        {wrongMagic, "not an adb message"},
-        {tooLong, "a message announced 1048577 bytes"},
-        {farTooLong, "a message announced 4294967295 bytes"},
-        {Message("OPEN", 1, 0, "shell:"), "no greeting"},
+        {wrongSum, "a message's check sum is wrong"},         {noSumOfAnOldComputer, "a message's check sum is wrong"},
+        {wrongMagic, "not an adb message: 43 4e 58 4e"},      {tooLong, "a message announced 1048577 bytes"},
+        {farTooLong, "a message announced 4294967295 bytes"}, {Message("OPEN", 1, 0, "shell:"), "no greeting"},
     };
     Start();
     for (const auto& row : rows) {
@@ -185,7 +226,7 @@ TEST_F(DebuggingTest, TrustedComputerIsCheckedToo)
         link.Send(message);
         EXPECT_TRUE(link.Socket().IsClosedByPeer());
     }
-    EXPECT_TRUE(m_journal.WaitFor("debugging: gave up: not an adb message"));
+    EXPECT_TRUE(m_journal.WaitFor("debugging: gave up: not an adb message: 4f 50 45 4e"));
     EXPECT_TRUE(m_journal.WaitFor("debugging: gave up: a message announced 2147483647 bytes"));
 }
 
