@@ -184,11 +184,11 @@ void PageWindow::Click(int nControlId) const
     SendDlgItemMessageW(m_hwndPage, nControlId, BM_CLICK, 0, 0);
 }
 
-std::vector<ControlMessage> PageWindow::MessagesTo(int nControlId, UINT nMessage) const
+std::vector<ControlMessage> PageWindow::MessagesTo(int nControlId, const std::set<UINT>& kinds) const
 {
     std::vector<ControlMessage> found;
-    std::ranges::copy_if(m_controlMessages, std::back_inserter(found), [=](const ControlMessage& message) {
-        return message.nControlId == nControlId && message.nMessage == nMessage;
+    std::ranges::copy_if(m_controlMessages, std::back_inserter(found), [&](const ControlMessage& message) {
+        return message.nControlId == nControlId && kinds.contains(message.nMessage);
     });
     return found;
 }

@@ -6,6 +6,7 @@
 #include "tests/kit/Test.h"
 
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -86,8 +87,12 @@ public:
     void Type(int nControlId, const std::wstring& strText) const;
     void Click(int nControlId) const;
 
-    // The messages of this kind that the control got since the page was created.
-    std::vector<ControlMessage> MessagesTo(int nControlId, UINT nMessage) const;
+    // The messages of these kinds that the control got since the page was created, in their order.
+    std::vector<ControlMessage> MessagesTo(int nControlId, const std::set<UINT>& kinds) const;
+    std::vector<ControlMessage> MessagesTo(int nControlId, UINT nMessage) const
+    {
+        return MessagesTo(nControlId, std::set{nMessage});
+    }
 
     // The texts that were set into the control since the page was created.
     std::vector<std::wstring> TextsOf(int nControlId) const;

@@ -123,6 +123,28 @@ TEST_F(NewWirelessDebuggingOnPage, PutsTheFocusIntoTheLastFieldOfAPrefilledAddre
     EXPECT_EQ(GetParent(GetFocus()), page.Control(kAddress));
 }
 
+TEST_F(NewWirelessDebuggingOnPage, PrefillsTheAddressBeforeItPutsTheFocusIntoIt)
+{
+    const Gateway gateway(L"10.0.0.1");
+    const PageWindow page(204, CWirelessDebuggingOnPage::DialogProc, m_data);
+    const std::vector<ControlMessage> messages = page.MessagesTo(kAddress, {WM_SETTEXT, WM_SETFOCUS});
+    ASSERT_EQ(messages.size(), 2u);
+    EXPECT_EQ(messages[0].nMessage, UINT{WM_SETTEXT});
+    EXPECT_EQ(messages[1].nMessage, UINT{WM_SETFOCUS});
+}
+
+TEST_F(NewWirelessDebuggingOnPage, AsksForTheAddressAsTheControlWants)
+{
+    const Gateway gateway(L"10.0.0.1");
+    const PageWindow page(204, CWirelessDebuggingOnPage::DialogProc, m_data);
+    const std::vector<ControlMessage> questions = page.MessagesTo(kAddress, IPM_GETADDRESS);
+    ASSERT_FALSE(questions.empty());
+    for (const ControlMessage& question : questions) {
+        EXPECT_EQ(question.wParam, 0u);
+        EXPECT_NE(question.lParam, 0);
+    }
+}
+
 TEST_F(NewWirelessDebuggingOnPage, LeavesAddressAndFocusAloneWithoutAGateway)
 {
     Gateway gateway(L"10.0.0.1");
