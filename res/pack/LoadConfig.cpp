@@ -75,8 +75,8 @@ DirectoryEntry FindLoadConfig(const Image& image, std::size_t sections, std::uin
 {
     for (std::uint16_t n = 0; n < count; ++n) {
         const std::size_t header = sections + n * kSectionHeaderSize;
-        const char* name = image.At(header, kSectionNameSize);
-        if (std::string_view(name, strnlen(name, kSectionNameSize)) == kSectionName) {
+        const std::string_view name(image.At(header, kSectionNameSize), kSectionNameSize);
+        if (name.substr(0, name.find('\0')) == kSectionName) {
             return {image.Read<std::uint32_t>(header + kSectionAddressAt),
                     image.Read<std::uint32_t>(image.Read<std::uint32_t>(header + kSectionFileOffsetAt))};
         }
@@ -99,6 +99,9 @@ Patch FindPatch(const Image& image)
 void SetLoadConfig(const char* path)
 {
     std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
+    if (!file) {
+        throw std::runtime_error("cannot be opened");
+    }
     const Patch patch = FindPatch(Image({std::istreambuf_iterator<char>(file), {}}));
     file.clear();
     file.seekp(static_cast<std::streamoff>(patch.offset));
