@@ -18,7 +18,14 @@ UniqueHandle OpenOwner(HWND hwnd)
 {
     DWORD dwProcess = 0;
     GetWindowThreadProcessId(hwnd, &dwProcess);
-    return UniqueHandle(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, dwProcess));
+    return UniqueHandle(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ | SYNCHRONIZE, FALSE, dwProcess));
+}
+
+constexpr double kTicksInMillisecond = 10'000;
+
+ULONGLONG Ticks(const FILETIME& time)
+{
+    return (ULONGLONG{time.dwHighDateTime} << 32) | time.dwLowDateTime;
 }
 
 } // namespace
@@ -50,15 +57,27 @@ void CProgram::End() const
     EndsWithin(INFINITE);
 }
 
-CMemoryPeak::CMemoryPeak(HWND hwnd) : m_hProcess(OpenOwner(hwnd))
+CShowingProcess::CShowingProcess(HWND hwnd) : m_hProcess(OpenOwner(hwnd))
 {
     Look();
 }
 
-void CMemoryPeak::Look()
+void CShowingProcess::Look()
 {
     PROCESS_MEMORY_COUNTERS counters = {};
     if (GetProcessMemoryInfo(m_hProcess.get(), &counters, sizeof(counters))) {
-        m_nKibibytes = std::max(m_nKibibytes, counters.PeakWorkingSetSize / 1024);
+        m_nMemoryPeak = std::max(m_nMemoryPeak, counters.PeakWorkingSetSize / 1024);
     }
+}
+
+double CShowingProcess::Lifetime() const
+{
+    FILETIME created = {};
+    FILETIME ended = {};
+    FILETIME unused = {};
+    if (WaitForSingleObject(m_hProcess.get(), 0) != WAIT_OBJECT_0 ||
+        !GetProcessTimes(m_hProcess.get(), &created, &ended, &unused, &unused)) {
+        throw std::runtime_error("a program's lifetime is not known");
+    }
+    return static_cast<double>(Ticks(ended) - Ticks(created)) / kTicksInMillisecond;
 }

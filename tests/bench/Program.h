@@ -32,21 +32,26 @@ private:
     UniqueHandle m_hProcess;
 };
 
-// The most memory that a process has had in use, in KiB. Asked while the process runs.
-class CMemoryPeak
+// A process that shows a window. What it is asked is answered while it runs and, the handle being kept, after its end.
+class CShowingProcess
 {
 public:
-    // Of the process that owns the window.
-    explicit CMemoryPeak(HWND hwnd);
+    // The one that owns the window.
+    explicit CShowingProcess(HWND hwnd);
 
+    // Looks up how much memory it has had in use at most; to be called now and then, since the end forgets it.
     void Look();
 
-    size_t Kibibytes() const
+    // The most that any look has seen, in KiB.
+    size_t MemoryPeak() const
     {
-        return m_nKibibytes;
+        return m_nMemoryPeak;
     }
+
+    // From its creation to its end, in milliseconds. It must have ended.
+    double Lifetime() const;
 
 private:
     UniqueHandle m_hProcess;
-    size_t m_nKibibytes = 0;
+    size_t m_nMemoryPeak = 0;
 };

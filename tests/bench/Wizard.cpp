@@ -9,11 +9,12 @@
 //                                            milliseconds until then, and the most memory that it has had, in KiB
 //   start COMMAND                            the same of the installer, whose first page is waited for
 //   job COMMAND ADDRESS PORT CODE PORT       starts the installer, goes through all pages, waits for its end; answers
-//                                            with the milliseconds, and the most memory, in KiB
+//                                            with the milliseconds that its process has lived, and the most memory
 // Ends with 1, after a line on standard error, when something does not come. The end of the input ends it.
 #include "res/resource.h"
 #include "tests/bench/Program.h"
 #include "tests/bench/StopWatch.h"
+#include "tests/kit/Request.h"
 
 #include <commctrl.h>
 
@@ -57,26 +58,12 @@ constexpr PAGE kPages[] = {
     {IDC_FINISHED_BODY},
 };
 
-std::wstring FromUtf8(const std::string& str)
+// A look asks Windows about every control, and while it is answered, the installer's own questions wait. Pages come
+// quickly; what takes longer than that is adb's work.
+DWORD PauseBetweenLooks(const CStopWatch& watch)
 {
-    const int cb = static_cast<int>(str.size());
-    std::wstring strWide(str.size(), L'\0');
-    strWide.resize(static_cast<size_t>(
-        MultiByteToWideChar(CP_UTF8, 0, str.data(), cb, strWide.data(), static_cast<int>(strWide.size()))));
-    return strWide;
-}
-
-std::vector<std::wstring> Split(const std::string& strRequest)
-{
-    std::vector<std::wstring> words(1);
-    for (const wchar_t c : FromUtf8(strRequest)) {
-        if (c == L'\t') {
-            words.emplace_back();
-        } else if (c != L'\r') {
-            words.back() += c;
-        }
-    }
-    return words;
+    constexpr double kQuick = 100;
+    return watch.Milliseconds() < kQuick ? 1 : 10;
 }
 
 // Looks again and again until there is something to see; `idle` passes the time.
@@ -91,7 +78,7 @@ HWND WaitFor(const char* pszWhat, const std::function<HWND()>& look, const std::
             throw std::runtime_error(std::format("waited in vain for {}", pszWhat));
         }
         idle();
-        Sleep(1);
+        Sleep(PauseBetweenLooks(watch));
     }
 }
 
@@ -176,13 +163,13 @@ void FillIn(HWND hwndFrame, const PAGE& page, const ENTRIES& entries)
     }
 }
 
-void GoThrough(HWND hwndFrame, const ENTRIES& entries, CMemoryPeak& peak)
+void GoThrough(HWND hwndFrame, const ENTRIES& entries, CShowingProcess& process)
 {
     for (const PAGE& page : kPages) {
         int nIdle = 0;
         const auto look = [&] {
             if (nIdle++ % kLooks == 0) {
-                peak.Look();
+                process.Look();
             }
         };
         WaitFor("a page", [&] { return FindShown(hwndFrame, page.nBody); }, look);
@@ -209,9 +196,9 @@ std::string Show(const CWizard& wizard, const std::wstring& strCommand, int nBod
     const CProgram program(strCommand);
     const HWND hwnd = wizard.WaitForWindow(nBody);
     const double dTaken = watch.Milliseconds();
-    const CMemoryPeak peak(hwnd);
+    const CShowingProcess process(hwnd);
     program.End();
-    return std::format("{}\t{}", dTaken, peak.Kibibytes());
+    return std::format("{}\t{}", dTaken, process.MemoryPeak());
 }
 
 std::string DoJob(const CWizard& wizard, const std::wstring& strCommand, const ENTRIES& entries)
@@ -220,12 +207,12 @@ std::string DoJob(const CWizard& wizard, const std::wstring& strCommand, const E
     const CStopWatch watch;
     const CProgram program(strCommand);
     const HWND hwndFrame = wizard.WaitForWindow(IDC_WELCOME_BODY);
-    CMemoryPeak peak(hwndFrame);
-    GoThrough(hwndFrame, entries, peak);
+    CShowingProcess process(hwndFrame);
+    GoThrough(hwndFrame, entries, process);
     while (!program.EndsWithin(kLooks) && watch.Milliseconds() < kPatience) {
-        peak.Look();
+        process.Look();
     }
-    return std::format("{}\t{}", watch.Milliseconds(), peak.Kibibytes());
+    return std::format("{}\t{}", process.Lifetime(), process.MemoryPeak());
 }
 
 std::string Answer(const CWizard& wizard, const std::vector<std::wstring>& words)
@@ -251,7 +238,7 @@ int wmain(int argc, wchar_t** argv)
 try {
     const CWizard wizard(argc == 2 ? argv[1] : L"");
     for (std::string strRequest; std::getline(std::cin, strRequest);) {
-        std::cout << Answer(wizard, Split(strRequest)) << '\n' << std::flush;
+        std::cout << Answer(wizard, SplitRequest(strRequest)) << '\n' << std::flush;
     }
     return 0;
 } catch (const std::exception& error) {

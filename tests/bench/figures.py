@@ -23,6 +23,9 @@ PAUSE_BEFORE_ADB = 2000.0
 PAUSE_BEFORE_POLL = 200.0
 ADB_COMMANDS = 6
 
+# Longer than any request takes.
+PATIENCE = 120.0
+
 MEBIBYTES = 64
 TEXTS = ("line", "lines", "failure")
 
@@ -78,16 +81,26 @@ def under_launcher(program: str) -> str:
     return f"{wine_path(places.launcher())} {program}"
 
 
+class BenchProgram(Answering):
+    """One of this folder's programs, which answers with numbers."""
+
+    def __init__(self, name: str, *arguments: str) -> None:
+        super().__init__(places.bench(name), *arguments, patience=PATIENCE)
+
+    def measure(self, *words: object) -> list[float]:
+        return [float(number) for number in self.ask("\t".join(map(str, words))).split()]
+
+
 class Installer:
     """Installs the tools once, in an emptied folder of its own."""
 
-    def __init__(self, answering: Answering, folder: Path) -> None:
+    def __init__(self, answering: BenchProgram, folder: Path) -> None:
         self._answering = answering
         self.folder = folder
 
     def install(self) -> float:
         shutil.rmtree(self.folder, ignore_errors=True)
-        return self._answering.ask("")[0]
+        return self._answering.measure("")[0]
 
 
 def unpacking(rounds: int) -> list[Figure]:
@@ -101,7 +114,7 @@ def unpacking(rounds: int) -> list[Figure]:
         shutil.rmtree(other, ignore_errors=True)
         return milliseconds(lambda: subprocess.run(["unzip", "-q", copy, "-d", other], check=True, timeout=60))
 
-    with Answering("bench-install", windows_path(folder)) as answering:
+    with BenchProgram("install", windows_path(folder)) as answering:
         installer = Installer(answering, folder)
         installer.install(), unzip()
         pairs = [(installer.install(), unzip()) for _ in range(rounds)]
@@ -117,15 +130,15 @@ def starting(rounds: int) -> list[Figure]:
     folder = drive_c("bench tools")
     copy = shutil.copy(places.installer(), drive_c("KalvoApkInstaller.exe"))
     installing = under_launcher(windows_path(Path(copy)))
-    empty = under_launcher(f'{wine_path(places.build() / "tests" / "bench" / "bench-dialog.exe")} "{pages.TITLE}"')
-    unpacker = Answering("bench-install", windows_path(folder))
-    with Answering("bench-wizard", pages.TITLE) as driver, unpacker as answering:
+    empty = under_launcher(f'{wine_path(places.bench("dialog"))} "{pages.TITLE}"')
+    unpacker = BenchProgram("install", windows_path(folder))
+    with BenchProgram("wizard", pages.TITLE) as driver, unpacker as answering:
         installer = Installer(answering, folder)
 
         def measure() -> tuple[float, float, float]:
             shutil.rmtree(tools, ignore_errors=True)
-            page = driver.ask("start", installing)[0]
-            return page, installer.install(), driver.ask("dialog", empty)[0]
+            page = driver.measure("start", installing)[0]
+            return page, installer.install(), driver.measure("dialog", empty)[0]
 
         measure()
         rows = [measure() for _ in range(rounds)]
@@ -139,19 +152,19 @@ def starting(rounds: int) -> list[Figure]:
 def main_job(rounds: int) -> list[Figure]:
     """The whole way through the wizard, with nobody in front of it who takes time, on a watch that plays along; and
     the adb commands of that way alone."""
-    empty = under_launcher(f'{wine_path(places.build() / "tests" / "bench" / "bench-dialog.exe")} "{pages.TITLE}"')
+    empty = under_launcher(f'{wine_path(places.bench("dialog"))} "{pages.TITLE}"')
     folder = drive_c("bench tools")
-    with Watch() as watch, Answering("bench-wizard", pages.TITLE) as driver:
+    with Watch() as watch, BenchProgram("wizard", pages.TITLE) as driver:
         package = write_package(programs.downloads())
         installer = windows_path(Path(shutil.copy(places.installer(), programs.downloads())))
-        with Answering("bench-install", windows_path(folder)) as answering:
+        with BenchProgram("install", windows_path(folder)) as answering:
             Installer(answering, folder).install()
         adb = f'"{windows_path(folder)}\\platform-tools\\adb.exe"'
         address = f"{watch.address}:{watch.port}"
 
         def do_job() -> list[float]:
             words = (watch.address, watch.port, watch.code, watch.pairing_port)
-            taken = driver.ask("job", under_launcher(installer), *words)
+            taken = driver.measure("job", under_launcher(installer), *words)
             assert watch.has_received(package), watch.events
             watch.store.unlink()
             return taken
@@ -164,40 +177,42 @@ def main_job(rounds: int) -> list[Figure]:
                 f'-s {address} install "{windows_path(package)}"',
                 "kill-server",
             )
-            taken = sum(driver.ask("run", f"{adb} {command}")[0] for command in commands)
+            taken = sum(driver.measure("run", f"{adb} {command}")[0] for command in commands)
             assert watch.has_received(package), watch.events
             watch.store.unlink()
             time.sleep(PAUSE_BEFORE_ADB / 1000)
-            return taken + driver.ask("run", f"{adb} kill-server")[0]
+            return taken + driver.measure("run", f"{adb} kill-server")[0]
 
         run_adb(), do_job()
         rows = [(run_adb(), *do_job()) for _ in range(rounds)]
-        dialog = median(driver.ask("dialog", empty)[1] for _ in range(rounds))
+        dialogs = [driver.measure("dialog", empty) for _ in range(rounds)]
     pauses = ADB_COMMANDS * PAUSE_BEFORE_ADB + PAUSE_BEFORE_POLL
     share = median((job - pauses - alone) / job for alone, job, _ in rows) * 100
     alone, job, memory = (median(column) for column in zip(*rows))
+    start, least_memory = (median(column) for column in zip(*dialogs))
     return [
         at_most(
             "main job: share of the time that is neither a fixed pause nor adb's own",
             5.0,
             share,
             ".1f",
-            f"%, of {job / 1000:.2f} s; pauses {pauses / 1000:.1f} s, adb alone {alone / 1000:.2f} s",
+            f"%, of {job / 1000:.2f} s; pauses {pauses / 1000:.1f} s, adb alone {alone / 1000:.2f} s; "
+            f"an empty dialog takes {start / 1000:.2f} s to start",
         ),
         printed(
             "peak memory through the main job",
             f"{memory / 1024:.1f} MiB",
-            f"an empty dialog has {dialog / 1024:.1f} MiB",
+            f"an empty dialog has {least_memory / 1024:.1f} MiB",
         ),
     ]
 
 
 def judging(rounds: int) -> list[Figure]:
     """Adb's output of 64 MiB in one piece, and the same amount in pieces of 1 MiB, in the form that takes longest."""
-    with Answering("bench-classify") as classifier:
+    with BenchProgram("classify") as classifier:
 
         def judge(text: str, mebibytes: int) -> tuple[float, float]:
-            taken, stack = classifier.ask(text, mebibytes, MEBIBYTES // mebibytes, between=" ")
+            taken, stack = classifier.measure(text, mebibytes, MEBIBYTES // mebibytes)
             return taken, stack
 
         rows = {}

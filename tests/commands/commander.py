@@ -1,12 +1,10 @@
 """Asks the product's adb commands one by one; see commands.cpp."""
 
 import json
-import subprocess
-import threading
 from dataclasses import dataclass
-from pathlib import Path
 
 import places
+from answering import Answering
 
 # Where its tools are; the blank is meant.
 FOLDER = "C:\\adb tools"
@@ -33,56 +31,30 @@ class Answer:
         return [line for line in lines if not line.startswith("* daemon ")]
 
 
-class Commander:
+class Commander(Answering):
     """The program that issues the commands. A context manager; adb's server does not outlive it."""
 
-    def __enter__(self) -> "Commander":
-        program = places.build() / "tests" / "commands" / "commands.exe"
-        if not program.is_file():
-            raise FileNotFoundError(f"{program} is not built")
-        # Not a pipe for its complaints: adb's server would hold it open.
-        self._complaints = Path("/tmp/commands.txt")
-        with self._complaints.open("w") as complaints:
-            self._process = subprocess.Popen(
-                ["wine", program, FOLDER],
-                stdin=subprocess.PIPE,
-                stdout=subprocess.PIPE,
-                stderr=complaints,
-                text=True,
-                encoding="utf-8",
-            )
-        return self
+    def __init__(self) -> None:
+        super().__init__(places.commands(), FOLDER, patience=PATIENCE)
 
-    def __exit__(self, *_: object) -> None:
-        assert self._process.stdin and self._process.stdout
-        if self._process.poll() is None:
+    def __exit__(self, *reason: object) -> None:
+        if self.answers:
             self.kill_server()
-        self._process.stdin.close()
-        self._process.stdout.close()
-        self._process.wait(20)
+        super().__exit__(*reason)
 
     def kill_server(self) -> Answer:
-        return self._ask("kill-server")
+        return self._issue("kill-server")
 
     def pair(self, address: str, code: str) -> Answer:
-        return self._ask("pair", address, code)
+        return self._issue("pair", address, code)
 
     def connect(self, address: str) -> Answer:
-        return self._ask("connect", address)
+        return self._issue("connect", address)
 
     def install(self, address: str, path: str) -> Answer:
-        return self._ask("install", address, path)
+        return self._issue("install", address, path)
 
-    def _ask(self, *words: str) -> Answer:
-        assert self._process.stdin and self._process.stdout
-        patience = threading.Timer(PATIENCE, self._process.kill)
-        patience.start()
-        self._process.stdin.write("\t".join(words) + "\n")
-        self._process.stdin.flush()
-        answer = self._process.stdout.readline()
-        patience.cancel()
-        if not answer:
-            raise AssertionError(f"no answer to {words}: {self._complaints.read_text()}, exit {self._process.wait(20)}")
-        told = json.loads(answer)
+    def _issue(self, *words: str) -> Answer:
+        told = json.loads(self.ask("\t".join(words)))
         boxes = tuple((caption, text) for caption, text in told["boxes"])
         return Answer(told["outcome"], told["name"], boxes, tuple(told["sleeps"]), told["output"])

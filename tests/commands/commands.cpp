@@ -12,6 +12,7 @@
 // with OK and pauses take no time. The end of the input ends it.
 #include "adb/AdbCommands.h"
 #include "tests/kit/Replaced.h"
+#include "tests/kit/Request.h"
 #include "tools/PlatformTools.h"
 
 #include <cstdio>
@@ -46,28 +47,6 @@ std::string List(const std::vector<std::string>& items)
     return '[' + strList + ']';
 }
 
-std::wstring FromUtf8(const std::string& str)
-{
-    const int cb = static_cast<int>(str.size());
-    std::wstring strWide(str.size(), L'\0');
-    strWide.resize(static_cast<size_t>(
-        MultiByteToWideChar(CP_UTF8, 0, str.data(), cb, strWide.data(), static_cast<int>(strWide.size()))));
-    return strWide;
-}
-
-std::vector<std::wstring> Split(const std::string& strRequest)
-{
-    std::vector<std::wstring> words(1);
-    for (const wchar_t c : FromUtf8(strRequest)) {
-        if (c == L'\t') {
-            words.emplace_back();
-        } else if (c != L'\r') {
-            words.back() += c;
-        }
-    }
-    return words;
-}
-
 // Keeps what a run shows and how long it would have paused.
 class CWitness
 {
@@ -77,7 +56,7 @@ public:
         m_boxes.clear();
         m_sleeps.clear();
         std::string strOutput;
-        const ADB_EXIT_CODE nOutcome = Issue(Split(strRequest), strOutput);
+        const ADB_EXIT_CODE nOutcome = Issue(SplitRequest(strRequest), strOutput);
         ADB_EXIT_CODE_ENTRY entry = {L"", L""};
         LookupAdbExitCode(nOutcome, entry);
         return std::format(R"({{"outcome":{},"name":{},"boxes":{},"sleeps":{},"output":{}}})",

@@ -9,6 +9,7 @@
 //                  the room that a control has for its text, the extent of the text and what is drawn of it
 //                  when nothing is cut; with TEXT, as if the control said that. See person/Measure.h.
 // The end of the input ends it.
+#include "kit/Request.h"
 #include "person/Measure.h"
 
 #include <windows.h>
@@ -175,15 +176,6 @@ std::string Read(HWND hwnd)
 std::string Edges(const RECT& rect)
 {
     return std::format("[{},{},{},{}]", rect.left, rect.top, rect.right, rect.bottom);
-}
-
-std::wstring FromUtf8(std::string_view utf8)
-{
-    const int nLength = static_cast<int>(utf8.size());
-    std::wstring text(utf8.size(), L'\0');
-    text.resize(static_cast<size_t>(
-        MultiByteToWideChar(CP_UTF8, 0, utf8.data(), nLength, text.data(), static_cast<int>(text.size()))));
-    return text;
 }
 
 std::string MeasureControl(HWND hwnd, std::string_view font, const std::wstring& text)

@@ -1,13 +1,15 @@
 """What is on the screen, read without asking the programs that show it."""
 
 import json
-import subprocess
-import threading
 from collections.abc import Iterator
 from dataclasses import dataclass, field
 from typing import Any
 
 import places
+from answering import Answering
+
+# A look at a screen takes far less on the busiest machine.
+PATIENCE = 30.0
 
 # Windows' own numbers.
 BUTTON_KINDS = 0xF
@@ -133,50 +135,28 @@ class View:
         return None
 
 
-class Eyes:
+class Eyes(Answering):
     """The reader of windows. A context manager; one serves for a whole test."""
 
-    def __enter__(self) -> "Eyes":
-        self._process = subprocess.Popen(
-            ["wine", places.eyes()], stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True
-        )
-        return self
-
-    def __exit__(self, *_: object) -> None:
-        assert self._process.stdin and self._process.stdout
-        self._process.stdin.close()
-        self._process.stdout.close()
-        try:
-            self._process.wait(10)
-        except subprocess.TimeoutExpired:
-            self._process.kill()
-            self._process.wait()
+    def __init__(self) -> None:
+        super().__init__(places.eyes(), patience=PATIENCE)
 
     def look(self) -> View:
         """The whole screen."""
-        answer = self._ask("look")
+        answer = self._answer("look")
         return View(**{**answer, "windows": tuple(map(Window.from_json, answer["windows"]))})
 
     def read(self, control: Window) -> str | bool | None:
         """An edit's text, a check box's state. None when the program is too busy to say."""
-        return self._ask(f"read {control.handle}")["holds"]
+        return self._answer(f"read {control.handle}")["holds"]
 
     def measure(self, control: Window, font: str, text: str = "") -> Measure | None:
         """How a control shows its text, or another one in its place. None when it shows none.
 
         Windows keeps fonts to the program that made them, so the font is named: "page", "frame", "title" or "box".
         """
-        answer = self._ask(f"measure {control.handle} {font} {text}".rstrip())
+        answer = self._answer(f"measure {control.handle} {font} {text}".rstrip())
         return None if "error" in answer else Measure(**{name: Area(*edges) for name, edges in answer.items()})
 
-    def _ask(self, request: str) -> dict[str, Any]:
-        assert self._process.stdin and self._process.stdout
-        patience = threading.Timer(30, self._process.kill)
-        patience.start()
-        self._process.stdin.write(request + "\n")
-        self._process.stdin.flush()
-        answer = self._process.stdout.readline()
-        patience.cancel()
-        if not answer:
-            raise RuntimeError(f"eyes.exe ended with {self._process.wait()} when asked to {request}")
-        return json.loads(answer)
+    def _answer(self, request: str) -> dict[str, Any]:
+        return json.loads(self.ask(request))

@@ -36,6 +36,16 @@ def eyes() -> Path:
     return _built(build() / "tests" / "person" / "eyes.exe")
 
 
+def commands() -> Path:
+    """Issues the product's adb commands on request."""
+    return _built(build() / "tests" / "commands" / "commands.exe")
+
+
+def bench(name: str) -> Path:
+    """One of the programs that scripts/bench measures with."""
+    return _built(build() / "tests" / "bench" / f"bench-{name}.exe")
+
+
 def emulated_watch() -> Path:
     """Plays the watch's side of wireless debugging; a program of this machine."""
     return _built(_host_build() / "watch" / "emulated-watch")
