@@ -13,6 +13,7 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <regex>
 #include <set>
 #include <span>
 #include <stdexcept>
@@ -767,8 +768,40 @@ protected:
         return {data.begin(), data.end()};
     }
 
+    // Without comments, and without the blanks that only lay it out.
+    std::string BareText() const
+    {
+        const std::string text = std::regex_replace(Text(), std::regex("<!--[^]*?-->"), "");
+        return std::regex_replace(std::regex_replace(text, std::regex(R"(\s+)"), " "), std::regex(" ?([<>]) ?"), "$1");
+    }
+
     HANDLE m_hContext = INVALID_HANDLE_VALUE;
 };
+
+// Wine forgives what Windows does not: a name space or an attribute that is written otherwise is passed over there, or
+// the program is not started at all.
+TEST_F(Manifest, IsWordForWordWhatWindowsKnows)
+{
+    EXPECT_EQ(
+        R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>)"
+        R"(<assembly xmlns="urn:schemas-microsoft-com:asm.v1" manifestVersion="1.0">)"
+        R"(<assemblyIdentity type="win32" name="KALVO.ApkInstaller" version="1.4.0.0" processorArchitecture="*"/>)"
+        R"(<description>KALVO Solvane Android Watch Installer</description>)"
+        R"(<dependency><dependentAssembly>)"
+        R"(<assemblyIdentity type="win32" name="Microsoft.Windows.Common-Controls" version="6.0.0.0" )"
+        R"(processorArchitecture="*" publicKeyToken="6595b64144ccf1df" language="*"/>)"
+        R"(</dependentAssembly></dependency>)"
+        R"(<compatibility xmlns="urn:schemas-microsoft-com:compatibility.v1"><application>)"
+        R"(<supportedOS Id="{8e0f7a12-bfb3-4fe8-b9a5-48fd50a15a9a}"/>)"
+        R"(</application></compatibility>)"
+        R"(<trustInfo xmlns="urn:schemas-microsoft-com:asm.v3"><security><requestedPrivileges>)"
+        R"(<requestedExecutionLevel level="asInvoker" uiAccess="false"/>)"
+        R"(</requestedPrivileges></security></trustInfo>)"
+        R"(<application xmlns="urn:schemas-microsoft-com:asm.v3"><windowsSettings>)"
+        R"(<dpiAware xmlns="http://schemas.microsoft.com/SMI/2005/WindowsSettings">true</dpiAware>)"
+        R"(</windowsSettings></application></assembly>)",
+        BareText());
+}
 
 TEST_F(Manifest, IsTheOnlyOne)
 {
