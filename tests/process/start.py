@@ -81,15 +81,18 @@ class Start:
         process = self.find_process()
         if process:
             os.kill(process, signal.SIGKILL)
-        self.wait()
+        try:
+            self.wait()
+        except AssertionError:
+            self._launcher.kill()
+            self._launcher.wait()
+            raise
 
     def wait(self, seconds: float = END) -> None:
-        """Until it has ended."""
+        """Until it has ended. What has not is left as it is, for a look at it."""
         try:
             self._launcher.wait(seconds)
         except subprocess.TimeoutExpired:
-            self._launcher.kill()
-            self._launcher.wait()
             raise AssertionError(f"the installer did not end within {seconds:g} s: {self._lines()}") from None
 
     @property

@@ -108,7 +108,7 @@ class ReadOnly(DiskTest):
         with self.disk("40m"):
             start = self.start_wizard()
             self.write_protect()
-            self.person.press("Escape")
+            self.press_escape()
             self.dismiss_box(start, *win32_error(DELETE_FOLDER, 13))
             self.expect_end(start, 13, "PropertySheetW result=0", win32_error(DELETE_FOLDER, 13), exit_process(13))
             self.expect_whole_tools()

@@ -115,7 +115,7 @@ class Running(Killed):
 class Removing(Killed):
     def leave_wizard(self) -> Start:
         start = self.start_wizard()
-        self.person.press("Escape")
+        self.press_escape()
         return start
 
     @contextmanager

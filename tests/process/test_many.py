@@ -84,7 +84,7 @@ class Handles(Many):
         before = self.count_handles()
         self.fail_to_pair()
         self.assertEqual(self.count_handles(), before + COMMANDS_TO_PAIR_IN_VAIN)
-        self.person.press("Escape")
+        self.press_escape()
         self.expect_journal_end(start)
 
     def fail_to_pair(self) -> None:

@@ -95,7 +95,7 @@ class Meanwhile(ProcessTest):
     """What somebody does to the tools while the wizard is open."""
 
     def leave_wizard(self, start, code: int, *events) -> None:
-        self.person.press("Escape")
+        self.press_escape()
         for event in events:
             if not isinstance(event, str):
                 self.dismiss_box(start, *event)

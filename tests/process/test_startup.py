@@ -79,7 +79,7 @@ class WithoutTitle(ProcessTest):
         start = self.start("LoadStringW#201=null:1813")
         self.dismiss_box(start, *NO_TITLE)
         self.wait_for_wizard(start)
-        self.person.press("Escape")
+        self.press_escape()
         self.expect_end(start, 0, NO_TITLE, *CANCELLED)
 
 
