@@ -7,7 +7,7 @@ root_suite=trixie
 root_packages=(
     # the compilers and what the lists files call
     g++-mingw-w64-x86-64 g++ cmake ninja-build
-    clang clang-format clang-tidy libclang-rt-19-dev shellcheck
+    lld clang clang-format clang-tidy libclang-rt-19-dev shellcheck
     # libraries: the watch's TLS and SPAKE2, expressions, the archive's encoder, the tests' framework
     android-libboringssl-dev libctre-dev libzopfli-dev googletest
     # Windows to run on, and a display with a window manager to look at
@@ -15,6 +15,8 @@ root_packages=(
     fonts-wine fonts-liberation fonts-urw-base35
     # the icon
     librsvg2-bin icoutils
+    # the download: the guide from its Markdown, the signature
+    python3-markdown osslsigncode
     # the home network, the person and the measurements
     iproute2 nftables iputils-ping python3 procps zip unzip gcovr
 )
