@@ -1,5 +1,7 @@
 #include "Connection.h"
 
+#include "RecordInput.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <climits>
@@ -57,18 +59,17 @@ void CConnection::Allow(std::optional<std::chrono::milliseconds> time)
     }
 }
 
-void CConnection::StartTls(SSL_CTX* context, CertificateJudge judge, ByteView received)
+void CConnection::StartTls(SSL_CTX* context, CertificateJudge judge, ByteView announcement)
 {
     m_judge = std::move(judge);
     m_ssl.reset(SSL_new(context));
-    if (!m_ssl || !SSL_set_fd(m_ssl.get(), m_socket.Get())) {
+    bssl::UniquePtr<BIO> input = OpenRecordInput(m_socket.Get(), announcement);
+    if (!m_ssl || !input || !SSL_set_wfd(m_ssl.get(), m_socket.Get())) {
         throw CConnectionError(TlsFault());
     }
+    SSL_set0_rbio(m_ssl.get(), input.release());
     SSL_set_app_data(m_ssl.get(), this);
     SSL_set_custom_verify(m_ssl.get(), SSL_VERIFY_PEER | SSL_VERIFY_FAIL_IF_NO_PEER_CERT, JudgeCertificate);
-    if (!received.empty()) {
-        Digest(received);
-    }
     try {
         Perform(POLLIN, [this] { return SSL_accept(m_ssl.get()); });
     } catch (const CStopping&) {
@@ -78,19 +79,6 @@ void CConnection::StartTls(SSL_CTX* context, CertificateJudge judge, ByteView re
             throw CKeyRefused();
         }
         throw;
-    }
-}
-
-// Lets the handshake begin with bytes that are no longer in the socket. What is wrong with them, the handshake tells
-// when it goes on.
-void CConnection::Digest(ByteView received)
-{
-    BIO* bytes = BIO_new_mem_buf(received.data(), static_cast<ossl_ssize_t>(received.size()));
-    BIO_set_mem_eof_return(bytes, -1); // their end is not that of the connection
-    SSL_set0_rbio(m_ssl.get(), bytes);
-    SSL_accept(m_ssl.get());
-    if (!SSL_set_rfd(m_ssl.get(), m_socket.Get())) {
-        throw CConnectionError(TlsFault());
     }
 }
 

@@ -53,8 +53,9 @@ public:
     void Allow(std::optional<std::chrono::milliseconds> time);
 
     // Becomes the TLS server of the connection. The peer must show a certificate; one that the judge refuses makes the
-    // peer receive an alert and this call throw CKeyRefused. `received` is what has been read of TLS already.
-    void StartTls(SSL_CTX* context, CertificateJudge judge, ByteView received = {});
+    // peer receive an alert and this call throw CKeyRefused. `announcement` is a message in the clear that the peer may
+    // send once, before its hello, between two records, or not at all.
+    void StartTls(SSL_CTX* context, CertificateJudge judge, ByteView announcement = {});
 
     // Keying material of the TLS connection, the same on both sides.
     ByteVector ExportKeyingMaterial(std::string_view label, std::size_t nSize) const;
@@ -74,7 +75,6 @@ public:
     void SayGoodbye();
 
 private:
-    void Digest(ByteView received);
     template<class Call>
     std::size_t Perform(short nEvents, Call call);
     short TlsEvents(int nResult) const;

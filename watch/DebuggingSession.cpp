@@ -28,10 +28,6 @@ constexpr std::uint32_t AUTH_TOKEN = 1;
 constexpr std::uint32_t AUTH_SIGNATURE = 2;
 constexpr std::size_t AUTH_TOKEN_SIZE = 20;
 
-// A record of TLS that belongs to the handshake: this byte, two of the version, two of the size, the highest first.
-constexpr std::uint8_t TLS_HANDSHAKE = 22;
-constexpr std::size_t TLS_HEADER_SIZE = 5;
-
 constexpr const char* WRONG_SUM = "a message's check sum is wrong";
 
 std::string_view ServiceOf(const SAdbMessage& open)
@@ -86,36 +82,20 @@ void CDebuggingSession::ReadGreeting()
 // False when the computer's key is not trusted.
 bool CDebuggingSession::StartTls()
 {
-    Send(EAdbCommand::StartTls, STLS_VERSION, 0);
-    const ByteVector hello = ReadOvertakingHello();
-    if (!Receive().Is(EAdbCommand::StartTls)) {
-        throw CConnectionError("no TLS");
-    }
+    const ByteVector message = EncodeAdbMessage(EAdbCommand::StartTls, STLS_VERSION, 0, {});
+    m_connection.Write(message);
     try {
         const auto isTrusted = [this](X509* certificate) {
             const std::optional<SPublicKey> key = PublicKeyOf(certificate);
             return m_device.options.bTrustAll || (key && m_device.keys.Contains(*key));
         };
-        m_connection.StartTls(m_device.tls, isTrusted, hello);
+        m_connection.StartTls(m_device.tls, isTrusted, message);
     } catch (const CKeyRefused&) {
         m_device.log.Line("debugging: key not trusted");
         return false;
     }
     m_device.log.Line("debugging: trusted");
     return true;
-}
-
-// adb announces TLS on one thread and begins it on another. Now and then its hello comes first.
-ByteVector CDebuggingSession::ReadOvertakingHello()
-{
-    if (m_connection.WaitForData() != TLS_HANDSHAKE) {
-        return {};
-    }
-    ByteVector record(TLS_HEADER_SIZE);
-    m_connection.Read(record);
-    record.resize(TLS_HEADER_SIZE + (std::size_t{record[3]} << 8 | record[4]));
-    m_connection.Read(std::span(record).subspan(TLS_HEADER_SIZE));
-    return record;
 }
 
 void CDebuggingSession::Serve()

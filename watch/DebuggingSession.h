@@ -43,7 +43,6 @@ private:
 
     void ReadGreeting();
     bool StartTls();
-    ByteVector ReadOvertakingHello();
     void Serve();
     void RefuseConsent();
     void StayMute();

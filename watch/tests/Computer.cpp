@@ -158,7 +158,7 @@ CTestSocket::CTestSocket(std::uint16_t nPort) : m_socket(socket(AF_INET, SOCK_ST
     }
 }
 
-void CTestSocket::StartTls(SSL_CTX* context, ByteView afterHello)
+void CTestSocket::StartTls(SSL_CTX* context, ByteView afterHello, ByteView afterHandshake)
 {
     bssl::UniquePtr<SSL> ssl(SSL_new(context));
     SSL_set_bio(ssl.get(), BIO_new(BIO_s_mem()), BIO_new(BIO_s_mem()));
@@ -175,6 +175,7 @@ void CTestSocket::StartTls(SSL_CTX* context, ByteView afterHello)
     // first read.
     SSL_connect(m_ssl.get());
     ERR_clear_error();
+    send(m_socket.Get(), afterHandshake.data(), afterHandshake.size(), MSG_NOSIGNAL);
 }
 
 bool CTestSocket::Write(ByteView bytes)
@@ -310,7 +311,8 @@ EWelcome CAdbLink::Connect(const CComputer& computer, const STestMessage& greeti
     if (order == EOrder::MessageFirst) {
         m_socket.Write(message);
     }
-    m_socket.StartTls(computer.TlsContext().get(), order == EOrder::HelloFirst ? message : ByteVector());
+    m_socket.StartTls(computer.TlsContext().get(), order == EOrder::HelloFirst ? message : ByteVector(),
+                      order == EOrder::HandshakeFirst ? message : ByteVector());
     const std::optional<STestMessage> welcome = Receive();
     if (!welcome || welcome->nCommand != Letters("CNXN") || welcome->nArgument0 != 0x01000001) {
         return EWelcome::TlsFailed;

@@ -18,8 +18,8 @@ class CTestSocket
 public:
     explicit CTestSocket(std::uint16_t nPort);
 
-    // `afterHello` is sent right behind the first that TLS has to say.
-    void StartTls(SSL_CTX* context, ByteView afterHello = {});
+    // `afterHello` is sent right behind the first that TLS has to say, `afterHandshake` behind the last of it.
+    void StartTls(SSL_CTX* context, ByteView afterHello = {}, ByteView afterHandshake = {});
 
     // False when the other side has closed.
     bool Write(ByteView bytes);
@@ -104,11 +104,14 @@ enum class EWelcome
     Closed,    // not even that
 };
 
-// What adb's two threads send first when it is time for TLS: the message that says so, or TLS's hello.
+// When adb's two threads send the message that announces TLS: before TLS's hello, right behind it, as the last of the
+// handshake, or never.
 enum class EOrder
 {
     MessageFirst,
     HelloFirst,
+    HandshakeFirst,
+    NoMessage,
 };
 
 // A connection to the debugging port.

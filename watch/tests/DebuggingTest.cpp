@@ -47,35 +47,46 @@ TEST_F(DebuggingTest, EverybodyIsTrustedWhenToldSo)
 }
 
 // adb's threads race when it begins TLS.
-TEST_F(DebuggingTest, HelloMayComeBeforeTheMessageThatAnnouncesIt)
+class DebuggingOrderTest : public DebuggingTest, public testing::WithParamInterface<EOrder>
+{
+};
+
+TEST_P(DebuggingOrderTest, OfHelloAndAnnouncementDoesNotMatter)
 {
     Start();
     const CComputer computer("person@home");
     PairWith(computer);
     for (int n = 0; n < 3; ++n) {
         CAdbLink link(m_pWatch->DebuggingPort());
-        EXPECT_EQ(link.Connect(computer, Greeting(), EOrder::HelloFirst), EWelcome::Device);
+        ASSERT_EQ(link.Connect(computer, Greeting(), GetParam()), EWelcome::Device);
         EXPECT_EQ(link.Install(RandomBytes(10, 1)), "Success\n");
     }
     CAdbLink stranger(m_pWatch->DebuggingPort());
-    EXPECT_EQ(stranger.Connect(CComputer("stranger"), Greeting(), EOrder::HelloFirst), EWelcome::TlsFailed);
+    EXPECT_EQ(stranger.Connect(CComputer("stranger"), Greeting(), GetParam()), EWelcome::TlsFailed);
     EXPECT_TRUE(m_journal.WaitFor("debugging: key not trusted"));
     EXPECT_EQ(m_journal.Count("debugging: gave up"), 0U);
 }
 
-TEST_F(DebuggingTest, WhatOnlyLooksLikeAHelloIsRefused)
+INSTANTIATE_TEST_SUITE_P(All, DebuggingOrderTest,
+                         testing::Values(EOrder::MessageFirst, EOrder::HelloFirst, EOrder::HandshakeFirst,
+                                         EOrder::NoMessage));
+
+TEST_F(DebuggingTest, WhatIsNeitherTlsNorItsAnnouncementIsRefused)
 {
     const ByteVector record = {22, 3, 1, 0, 4, 1, 2, 3, 4};
     const ByteVector empty = {22, 3, 1, 0, 0};
+    const ByteVector announcement = Message("STLS", VERSION_WITH_SUMS, 0).Encode();
     const struct
     {
-        ByteVector hello;
+        ByteVector before;
         STestMessage message;
         const char* szReason;
     } rows[] = {
-        {record, Message("OPEN", 1, 0, "shell:"), "no TLS"},
+        {{}, Message("OPEN", 1, 0, "shell:"), "TLS: WRONG_VERSION_NUMBER"},
+        {{}, Message("STLS", VERSION_WITH_SUMS, 1), "TLS: UNEXPECTED_MESSAGE"},
+        {announcement, Message("STLS", VERSION_WITH_SUMS, 0), "TLS: WRONG_VERSION_NUMBER"},
         {record, Message("STLS", VERSION_WITH_SUMS, 0), "TLS: EXCESSIVE_MESSAGE_SIZE"},
-        {empty, Message("OPEN", 1, 0, "shell:"), "no TLS"},
+        {empty, Message("OPEN", 1, 0, "shell:"), "TLS: WRONG_VERSION_NUMBER"},
     };
     Start();
     for (const auto& row : rows) {
@@ -83,7 +94,7 @@ TEST_F(DebuggingTest, WhatOnlyLooksLikeAHelloIsRefused)
         const std::size_t nBefore = m_journal.Count(szLine);
         CAdbLink link(m_pWatch->DebuggingPort());
         link.Send(Greeting());
-        link.Socket().Write(row.hello);
+        link.Socket().Write(row.before);
         link.Send(row.message);
         EXPECT_TRUE(link.Socket().IsClosedByPeer());
         EXPECT_TRUE(m_journal.WaitFor(szLine, nBefore + 1));
@@ -202,16 +213,6 @@ TEST_F(DebuggingTest, MalformedGreetingsEndTheConnection)
         EXPECT_EQ(CAdbLink(m_pWatch->DebuggingPort()).Connect(CComputer("x"), row.message), EWelcome::Closed);
         EXPECT_TRUE(m_journal.WaitFor(szLine, nBefore + 1));
     }
-}
-
-TEST_F(DebuggingTest, ComputerThatGoesOnWithoutTlsIsRefused)
-{
-    Start();
-    CAdbLink link(m_pWatch->DebuggingPort());
-    link.Send(Greeting());
-    link.Send(Message("OPEN", 1, 0, "shell:"));
-    EXPECT_TRUE(link.Socket().IsClosedByPeer());
-    EXPECT_TRUE(m_journal.WaitFor("debugging: gave up: no TLS"));
 }
 
 TEST_F(DebuggingTest, TrustedComputerIsCheckedToo)
