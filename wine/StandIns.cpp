@@ -6,7 +6,7 @@
 #include "imports/JournaledCalls.h"
 #include "system/AddressControl.h"
 #include "system/BestRoute.h"
-#include "system/Foreground.h"
+#include "system/CrashReport.h"
 #include "system/MessageBoxes.h"
 
 namespace {
@@ -23,9 +23,9 @@ INT_PTR WINAPI ShowPropertySheet(LPCPROPSHEETHEADERW pHeader)
 // First what Wine lacks, then what is to fail, then the journal of it all.
 bool Install(HMODULE hProgram)
 {
+    ReportCrashes();
     g_pfnPropertySheetW = ReplaceImport(hProgram, "PropertySheetW", ShowPropertySheet);
     ReplaceImport(hProgram, "GetBestRoute2", BestRoute);
-    ReplaceImport(hProgram, "SetForegroundWindow", BringToForeground);
     ReplaceImport(hProgram, "MessageBoxW", ShowMessageBox);
     if (!InstallFaults(hProgram)) {
         return false;

@@ -1,5 +1,6 @@
 """What a command may rely on in a home, and the machine outside it."""
 
+import os
 import subprocess
 import time
 import unittest
@@ -8,6 +9,7 @@ from pathlib import Path
 
 HOME = Path(__file__).with_name("home")
 TEMPLATE = Path("/wine-prefix")
+PROBE = Path(os.environ["KALVO_BUILD"]) / "wine" / "tests" / "probe.exe"
 
 
 def in_home(script: str, *switches: str) -> subprocess.CompletedProcess[str]:
@@ -50,8 +52,9 @@ class Home(unittest.TestCase):
         self.assertIn("192.168.1.2", self.check("getent hosts $(uname -n)", "--no-display"))
         self.assertNotIn("nameserver", self.check("cat /etc/resolv.conf", "--no-display"))
 
-    def test_there_is_a_screen_with_a_window_manager(self) -> None:
-        self.check("xprop -root _NET_SUPPORTING_WM_CHECK | grep -q 'window id'")
+    def test_there_is_a_screen_and_windows_alone_orders_what_is_on_it(self) -> None:
+        windows = self.check(r"""wine reg query 'HKCU\Software\Wine\Explorer' /v Desktop; xdotool search --name . getwindowname %@""")
+        self.assertIn("home - Wine Desktop", windows)
         self.assertEqual(self.check("echo ${DISPLAY-none}", "--no-display"), "none")
 
     def test_windows_is_a_copy_of_the_template(self) -> None:
@@ -62,6 +65,12 @@ class Home(unittest.TestCase):
     def test_windows_believes_in_the_resolution(self) -> None:
         said = self.check(r"wine reg query 'HKCU\Control Panel\Desktop' /v LogPixels", "--no-display", "--dpi", "144")
         self.assertIn("0x90", said)
+
+    def test_a_program_that_crashes_is_gone_at_once(self) -> None:
+        """A debugger would show a box, hold what the program held, and have the keyboard."""
+        status = self.check(f"wine {PROBE} crash 2>/dev/null || echo status $?; ps -A -o args=")
+        self.assertIn("status ", status)
+        self.assertNotIn("winedbg", status)
 
     def test_the_exit_status_is_the_commands(self) -> None:
         self.assertEqual(in_home("exit 7", "--no-display").returncode, 7)

@@ -106,6 +106,16 @@ TEST_F(Launcher, ReturnsTheProgramsExitCode)
     EXPECT_EQ(Output(), "");
 }
 
+TEST_F(Launcher, TellsOfACrashWhereItWasAndWhoCalled)
+{
+    EXPECT_EQ(LaunchProbe(L"crash"), static_cast<DWORD>(EXCEPTION_ACCESS_VIOLATION));
+    const std::string output = Output();
+    for (const char* pszPart : {"crash: exception 0xC0000005 at probe.exe+0x", "crash: called from probe.exe+0x",
+                                "crash: called from kernel32.dll+0x"}) {
+        EXPECT_NE(output.find(pszPart), std::string::npos) << pszPart << " in\n" << output;
+    }
+}
+
 TEST_F(Launcher, NeedNotWait)
 {
     EXPECT_EQ(Launch(L"--no-wait -- \"" + TestFolder() + L"probe.exe\" write \"" + m_szFile + L"\""), 0u);

@@ -58,6 +58,14 @@ int FindRoute()
     return static_cast<int>(GetBestRoute2(nullptr, 0, nullptr, &destination, 0, &route, &source));
 }
 
+// Writes to where nothing is.
+int Crash()
+{
+    const volatile UINT_PTR nNothing = 0x10; // unknown to the compiler, which would refuse it
+    *reinterpret_cast<volatile int*>(nNothing) = 1;
+    return 0;
+}
+
 // What ends a run, in an order of its own.
 int TearDown()
 {
@@ -95,6 +103,9 @@ int wmain(int nArguments, wchar_t** ppszArguments)
     }
     if (szDo == L"start-com") {
         return CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    }
+    if (szDo == L"crash") {
+        return Crash();
     }
     if (szDo == L"tear-down") {
         return TearDown();
