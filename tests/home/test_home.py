@@ -60,8 +60,11 @@ class Home(unittest.TestCase):
         self.assertFalse((TEMPLATE / "drive_c" / mark).exists())
 
     def test_windows_believes_in_the_resolution(self) -> None:
-        said = self.check(r"wine reg query 'HKCU\Control Panel\Desktop' /v LogPixels", "--no-display", "--dpi", "144")
-        self.assertIn("0x90", said)
+        ask = r"echo $KALVO_DPI; wine reg query 'HKCU\Control Panel\Desktop' /v LogPixels"
+        said = self.check(ask, "--no-display", "--dpi", "144").splitlines()
+        self.assertEqual(said[0], "144")
+        self.assertIn("0x90", said[-1])
+        self.assertEqual(self.check("echo $KALVO_DPI", "--no-display"), "96")
 
     def test_the_exit_status_is_the_commands(self) -> None:
         self.assertEqual(in_home("exit 7", "--no-display").returncode, 7)

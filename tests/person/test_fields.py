@@ -7,6 +7,7 @@ from eyes import Window
 from installation import InstallationTest
 from journey import go_to_page
 from notepad import copy_to_clipboard
+from steps import step
 
 
 class FieldsTest(InstallationTest):
@@ -64,7 +65,7 @@ class TheWatchsAddress(FieldsTest):
 
     def test_pasting_keeps_the_digits(self) -> None:
         for copied, expected in (("43210", "43210"), ("port 4-3-2-1-0!", "43210"), ("4321099", "43210")):
-            with self.subTest(copied):
+            with step(self, copied):
                 copy_to_clipboard(self.person, copied)
                 self.enter(pages.PORT, "ctrl+v")
                 self.expect_stays(pages.PORT, expected)

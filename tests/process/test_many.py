@@ -7,6 +7,7 @@ import pages
 from journey import go_to_page
 from processtest import CANCELLED, TITLE, ProcessTest
 from start import END, Start, running
+from steps import step
 from waiting import wait_for
 from watch import Watch
 
@@ -31,7 +32,7 @@ class Row(Many):
     def test_each_start_ends_as_the_first_did(self) -> None:
         handles = []
         for number in range(STARTS_IN_A_ROW):
-            with self.subTest(number):
+            with step(self, number):
                 start = self.start_wizard()
                 handles.append(self.count_handles())
                 self.cancel(start)
