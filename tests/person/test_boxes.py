@@ -28,15 +28,15 @@ from watch import Watch
 GATEWAY = "CWinSockHelper::GetDefaultGateway()"
 TCP = "CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_TcpConnect()"
 
-# The picture, what fails, what the box says. While the program starts.
+# The picture, what fails, words of the box or of its caption. While the program starts.
 STARTING = (
     ("start-old-windows", "VerifyVersionInfoW=null:1150", "requires Windows 10 Version 2004"),
     ("start-no-com", "CoInitializeEx=fail:0x80010106", "Unable to initalize COM Library"),
     ("start-no-sockets", "WSAStartup=fail:10091", "Unable to start WinSock Library"),
     ("start-own-path-unknown", "QueryFullProcessImageNameW=null:31", "Unable to initalize Application Path"),
-    ("start-no-local-folder", "SHGetKnownFolderPath=fail:0x80070002", ""),
+    ("start-no-local-folder", "SHGetKnownFolderPath=fail:0x80070002", "GetAppDataLocalFolderPath() > SHGetKnownFolderPath()"),
     ("start-no-local-folder-without-words", "SHGetKnownFolderPath=fail:0x8123ABCD", "Unknown error: "),
-    ("start-no-working-folder", "PathCchAppend=fail:0x8007007A", ""),
+    ("start-no-working-folder", "PathCchAppend=fail:0x8007007A", "GetAppDataLocalFolderPath() > PathCchAppend()"),
     ("start-no-path-of-tools", "PathCchCombine@1=fail:0x8007007A", "Unable to initalize Platform Tools"),
     ("start-no-title", "LoadStringW#201=null:1813", "Unable to load application title"),
     ("start-no-folder-of-tools", "SHCreateDirectoryExW=ret:5", "SHCreateDirectoryEx() failed with error 0x00000005"),
@@ -129,7 +129,8 @@ class Boxes(unittest.TestCase):
     def see(self, person: Person, picture: str, words: str) -> None:
         hands.move_mouse_away()
         box = person.rest().boxes[0]
-        self.assertIn(words, box.message)
+        self.assertTrue(words, "any box has no words")
+        self.assertIn(words, f"{box.caption}\n{box.message}")
         self.assertEqual(box.buttons, ("OK",))
         self.assertTrue(guide.explains(box), f"the guide does not explain {box}")
         self.assertEqual(looks.look_at_box(person.eyes, box), [])
