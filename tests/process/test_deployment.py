@@ -50,7 +50,7 @@ class Failing(ProcessTest):
     def test_archive_cannot_be_written_and_is_out_of_reach_until_the_end(self) -> None:
         start = self.start(f"WriteFile#{ZIP}=fail:112")
         self.wait_for_box(start)
-        with self.assertRaisesRegex(AssertionError, "cannot be held"), hold(self.folder / ZIP):
+        with self.assertRaisesRegex(AssertionError, "cannot hold"), hold(self.folder / ZIP):
             pass
         self.dismiss_box(start, TITLE, NOT_INSTALLED)
         self.expect_end(start, 0, (TITLE, NOT_INSTALLED), *SOCKETS)
