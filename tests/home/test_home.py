@@ -63,8 +63,11 @@ class Home(unittest.TestCase):
         self.assertFalse((TEMPLATE / "drive_c" / mark).exists())
 
     def test_windows_believes_in_the_resolution(self) -> None:
-        said = self.check(r"wine reg query 'HKCU\Control Panel\Desktop' /v LogPixels", "--no-display", "--dpi", "144")
-        self.assertIn("0x90", said)
+        ask = r"echo $KALVO_DPI; wine reg query 'HKCU\Control Panel\Desktop' /v LogPixels"
+        said = self.check(ask, "--no-display", "--dpi", "144").splitlines()
+        self.assertEqual(said[0], "144")
+        self.assertIn("0x90", said[-1])
+        self.assertEqual(self.check("echo $KALVO_DPI", "--no-display"), "96")
 
     def test_a_program_that_crashes_is_gone_at_once(self) -> None:
         """A debugger would show a box, hold what the program held, and have the keyboard."""

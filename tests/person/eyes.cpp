@@ -4,7 +4,7 @@
 //   look           every visible top-level window with everything in it, from top to bottom; inside a window
 //                  in tab order. Asks nothing of the windows, so a program that is busy does not hold it up.
 //   read HANDLE    what a control holds: the text of an edit or combo box, the state of a check box. Null where
-//                  the program is too busy to say it.
+//                  the program is too busy to say it; an error for every other window.
 //   measure HANDLE FONT [TEXT]
 //                  the room that a control has for its text, the extent of the text and what is drawn of it
 //                  when nothing is cut; with TEXT, as if the control said that. See person/Measure.h.
@@ -160,17 +160,22 @@ bool IsClass(HWND hwnd, PCWSTR szClass)
     return CompareStringOrdinal(ClassOf(hwnd).c_str(), -1, szClass, -1, TRUE) == CSTR_EQUAL;
 }
 
+std::string ReadState(HWND hwnd)
+{
+    DWORD_PTR nState = 0;
+    return Ask(hwnd, BM_GETCHECK, 0, 0, &nState) ? Truth(nState == BST_CHECKED) : "null";
+}
+
 // Only of these controls Look does not tell all.
 std::string Read(HWND hwnd)
 {
     if (IsClass(hwnd, WC_EDITW) || IsClass(hwnd, WC_COMBOBOXW)) {
-        return ReadText(hwnd);
+        return std::format(R"({{"holds":{}}})", ReadText(hwnd));
     }
-    DWORD_PTR nState = 0;
-    if (IsClass(hwnd, WC_BUTTONW) && Ask(hwnd, BM_GETCHECK, 0, 0, &nState)) {
-        return Truth(nState == BST_CHECKED);
+    if (IsClass(hwnd, WC_BUTTONW)) {
+        return std::format(R"({{"holds":{}}})", ReadState(hwnd));
     }
-    return "null";
+    return R"({"error":"there is no such control, or it holds nothing"})";
 }
 
 std::string Edges(const RECT& rect)
@@ -195,7 +200,7 @@ std::string Answer(const std::string& request)
         return Look();
     }
     if (std::sscanf(request.c_str(), "read %lu", &nHandle) == 1) {
-        return std::format(R"({{"holds":{}}})", Read(static_cast<HWND>(ULongToHandle(nHandle))));
+        return Read(static_cast<HWND>(ULongToHandle(nHandle)));
     }
     if (std::sscanf(request.c_str(), "measure %lu %15s%n", &nHandle, szFont, &nTextStart) == 2) {
         const HWND hwnd = static_cast<HWND>(ULongToHandle(nHandle));

@@ -38,8 +38,11 @@ class Area:
 
     def meets(self, other: "Area") -> bool:
         """Whether any pixel is in both."""
-        common = self & other
-        return common.left < common.right and common.top < common.bottom
+        return not (self & other).is_empty
+
+    @property
+    def is_empty(self) -> bool:
+        return self.left >= self.right or self.top >= self.bottom
 
     def __and__(self, other: "Area") -> "Area":
         return Area(
@@ -150,13 +153,16 @@ class Eyes(Answering):
         """An edit's text, a check box's state. None when the program is too busy to say."""
         return self._answer(f"read {control.handle}")["holds"]
 
-    def measure(self, control: Window, font: str, text: str = "") -> Measure | None:
-        """How a control shows its text, or another one in its place. None when it shows none.
+    def measure(self, control: Window, font: str, text: str = "") -> Measure:
+        """How a control shows its text, or another one in its place. An error for one that shows none.
 
         Windows keeps fonts to the program that made them, so the font is named: "page", "frame", "title" or "box".
         """
         answer = self._answer(f"measure {control.handle} {font} {text}".rstrip())
-        return None if "error" in answer else Measure(**{name: Area(*edges) for name, edges in answer.items()})
+        return Measure(**{name: Area(*edges) for name, edges in answer.items()})
 
     def _answer(self, request: str) -> dict[str, Any]:
-        return json.loads(self.ask(request))
+        answer = json.loads(self.ask(request))
+        if "error" in answer:
+            raise RuntimeError(f"{request!r}: {answer['error']}")
+        return answer

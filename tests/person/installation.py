@@ -5,7 +5,6 @@ import unittest
 from pathlib import Path
 
 import pictures
-import places
 import program as programs
 from eyes import Eyes
 from package import write_package
@@ -48,5 +47,5 @@ class InstallationTest(unittest.TestCase):
 
     def _keep_picture_of_failure(self, faults_before: int) -> None:
         if self._faults() > faults_before:
-            pictures.save_screen(places.build() / "failures" / f"{self.id()}.png")
+            pictures.save_screen(pictures.of_failure(self))
             print("the installer printed:", self.program.said)

@@ -1,13 +1,13 @@
 """What a careful eye finds in a window: words that are cut, things that cover each other or stand outside.
 
-Every function returns its findings as sentences; none is good news.
+Every function returns its findings as sentences; none is good news. A text that cannot be measured is an error.
 """
 
 import itertools
 from collections.abc import Iterable, Sequence
 
 import pages
-from eyes import DIALOG_CLASS, TAB_STOP, Area, Eyes, Window
+from eyes import DIALOG_CLASS, TAB_STOP, Area, Eyes, Measure, Window
 from screen import Screen
 from wizard import MessageBox, Sight
 
@@ -23,6 +23,9 @@ PLACED_OVER_BODY = {
     6: "Skip this step, the watch is already paired to this workstation.",
     7: "APK file to install on watch",
 }
+
+# No room in a window holds this: what is not cut when it says so was not measured.
+ENDLESS = "W" * 400
 
 # An edge of a letter is sharper or softer depending on where it stands.
 SOFT = 1
@@ -46,28 +49,54 @@ def page_window(sight: Sight) -> Window:
 
 def cut_text(eyes: Eyes, window: Window, font: str, text: str = "") -> list[str]:
     """A control that has no room for its text, or for another one in its place."""
-    measure = eyes.measure(window, font, text)
-    if not measure:
-        return []
+    measure = _measure(eyes, window, font, text)
     room, extent, ink = measure.room, measure.extent, measure.ink
     what = f'{name_of(window)}, saying "{text}",' if text else name_of(window)
     findings = []
     if extent.right > room.right or extent.bottom > room.bottom:
         findings.append(f"{what} is cut: it takes {extent} and has {room}")
-    elif ink.left < ink.right and not room.holds(ink):
+    elif not ink.is_empty and not room.holds(ink):
         findings.append(f"{what} is cut: it is drawn in {ink} and has {room}")
     return findings
 
 
+def _measure(eyes: Eyes, window: Window, font: str, text: str = "") -> Measure:
+    """Never of nothing: words leave ink."""
+    measure = eyes.measure(window, font, text)
+    said = text or window.text
+    assert not measure.ink.is_empty or not said.strip(), f'nothing is drawn when {name_of(window)} says "{said}"'
+    return measure
+
+
+def _cut_texts(eyes: Eyes, windows: Iterable[Window], font: str) -> list[str]:
+    """All that have no room for what they say, or may come to say; and every one that seems to have room without end."""
+    findings = []
+    for window, text in [pair for window in windows for pair in _texts(window)]:
+        findings += cut_text(eyes, window, font, text)
+        if not cut_text(eyes, window, font, ENDLESS):
+            findings.append(f"{name_of(window)} has room for anything: it was not measured")
+    return findings
+
+
+def _texts(window: Window) -> list[tuple[Window, str]]:
+    """The windows in which its texts stand, with the text that has to have room there; empty for its own."""
+    if window.is_kind("SysIPAddress32"):
+        return [(field, FULLEST_ADDRESS_FIELD) for field in window.children]
+    # The page inside the frame, and the arrow, which draws itself.
+    if window.is_kind(DIALOG_CLASS) or window.id == pages.BACK:
+        return []
+    return [(window, FULLEST.get(window.id, SCROLLED.get(window.id, "")))]
+
+
 def _painted_text(eyes: Eyes, screen: Screen, window: Window, font: str, covers: Sequence[Window] = ()) -> list[str]:
     """A static whose words are not on the screen where they were measured."""
-    measure = eyes.measure(window, font)
-    if not measure or measure.ink.left == measure.ink.right:
+    measured = _measure(eyes, window, font).ink
+    if measured.is_empty:
         return []
     ink = screen.ink(window.area, [cover.area for cover in covers])
-    if ink and all(abs(a - b) <= SOFT for a, b in zip(_edges(ink), _edges(measure.ink), strict=True)):
+    if ink and all(abs(a - b) <= SOFT for a, b in zip(_edges(ink), _edges(measured), strict=True)):
         return []
-    return [f"{name_of(window)} is painted in {ink}, but measured in {measure.ink}"]
+    return [f"{name_of(window)} is painted in {ink}, but measured in {measured}"]
 
 
 def _edges(area: Area) -> tuple[int, int, int, int]:
@@ -99,48 +128,42 @@ def look_at_page(eyes: Eyes, sight: Sight) -> list[str]:
     controls = _visible(page.children)
     parts = _visible(sight.frame.children)
     body = sight.control(sight.page.body)
+    assert body in controls and sight.title, "there is nothing to look at"
     covers = [control for control in controls if control.text == PLACED_OVER_BODY.get(sight.number)]
     findings = _outside([sight.frame], screen.area, "the screen")
     findings += _outside(parts, sight.frame.area, "the frame") + _outside(controls, page.area, "the page")
     findings += _overlaps(parts) + _overlaps(controls, [body, *covers])
+    findings += _cut_texts(eyes, controls, "page")
     for control in controls:
-        findings += _cut_control(eyes, control)
         if control.is_kind("Static"):
             findings += _painted_text(eyes, screen, control, "page", covers if control is body else ())
-    for part in parts:
-        font = "title" if part.is_kind("Static") else "frame"
-        findings += cut_text(eyes, part, font)
-        if part.is_kind("Static"):
-            findings += _painted_text(eyes, screen, part, font)
+        if control.is_kind("SysIPAddress32"):
+            fields = control.children
+            findings += _outside(fields, control.area, name_of(control)) + _overlaps(fields)
+    titles = [part for part in parts if part.is_kind("Static")]
+    findings += _cut_texts(eyes, titles, "title")
+    findings += _cut_texts(eyes, [part for part in parts if part not in titles], "frame")
+    for title in titles:
+        findings += _painted_text(eyes, screen, title, "title")
     for cover in covers:
         findings += _words_under(eyes, body, cover)
     return findings
 
 
-def _cut_control(eyes: Eyes, control: Window) -> list[str]:
-    if control.is_kind("SysIPAddress32"):
-        findings = _outside(control.children, control.area, name_of(control)) + _overlaps(control.children)
-        for field in control.children:
-            findings += cut_text(eyes, field, "page", FULLEST_ADDRESS_FIELD)
-        return findings
-    return cut_text(eyes, control, "page", FULLEST.get(control.id, SCROLLED.get(control.id, "")))
-
-
 def _words_under(eyes: Eyes, body: Window, cover: Window) -> list[str]:
     """Words of the body text where another control stands."""
-    measure = eyes.measure(body, "page")
-    assert measure
-    return [f"{name_of(cover)} covers words of the body"] if measure.ink.meets(cover.area) else []
+    ink = _measure(eyes, body, "page").ink
+    return [f"{name_of(cover)} covers words of the body"] if ink.meets(cover.area) else []
 
 
 def look_at_box(eyes: Eyes, box: MessageBox) -> list[str]:
     """All about a message box."""
+    assert box.message and box.buttons, "there is nothing to look at"
     screen = Screen.now()
     parts = _visible(box.window.children)
     findings = _outside([box.window], screen.area, "the screen") + _outside(parts, box.window.area, "the box")
-    findings += _overlaps(parts)
+    findings += _overlaps(parts) + _cut_texts(eyes, parts, "box")
     for part in parts:
-        findings += cut_text(eyes, part, "box")
         if part.is_kind("Static"):
             findings += _painted_text(eyes, screen, part, "box")
     return findings

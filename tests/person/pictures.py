@@ -1,8 +1,13 @@
 """Pictures of windows, frame included, nothing around them."""
 
+import os
+import re
 import subprocess
+import sys
+import unittest
 from pathlib import Path
 
+import places
 from eyes import Window
 
 
@@ -15,3 +20,10 @@ def save_screen(file: Path, *changes: str) -> None:
     """Writes what the whole screen shows."""
     file.parent.mkdir(parents=True, exist_ok=True)
     subprocess.run(["import", "-silent", "-window", "root", *changes, file], check=True, timeout=20)
+
+
+def of_failure(test: unittest.TestCase, step: str = "") -> Path:
+    """Where the picture of a failed test goes, or that of the step that failed. Every resolution has its own."""
+    words = [test.id().replace("__main__", Path(sys.argv[0]).stem), f"{os.environ['KALVO_DPI']}dpi"]
+    words += [re.sub(r"\W+", "-", step).strip("-")] if step else []
+    return places.build() / "failures" / f"{'-'.join(words)}.png"

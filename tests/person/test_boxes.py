@@ -1,13 +1,12 @@
 """The boxes that no user can bring about with the watch and the network alone: what is to be seen of them, measured.
 
-    test_boxes.py DPI [ARGUMENT...]    the resolution of the home; at 96 the pictures are beside those of all boxes
+At 96 dpi the pictures are beside those of all boxes, at any other resolution in a folder of its own.
 
 Calls of the program are made to fail, one for each box. What else comes of such a failure, other tests hold.
 """
 
 import os
 import shutil
-import sys
 import unittest
 import unittest.mock
 from collections.abc import Callable
@@ -22,21 +21,22 @@ from eyes import Eyes
 from journey import fill_in, go_to_page
 from person import Person
 from program import Program, working_folder
+from steps import step
 from waiting import wait_for
 from watch import Watch
 
 GATEWAY = "CWinSockHelper::GetDefaultGateway()"
 TCP = "CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_TcpConnect()"
 
-# The picture, what fails, what the box says. While the program starts.
+# The picture, what fails, words of the box or of its caption. While the program starts.
 STARTING = (
     ("start-old-windows", "VerifyVersionInfoW=null:1150", "requires Windows 10 Version 2004"),
     ("start-no-com", "CoInitializeEx=fail:0x80010106", "Unable to initalize COM Library"),
     ("start-no-sockets", "WSAStartup=fail:10091", "Unable to start WinSock Library"),
     ("start-own-path-unknown", "QueryFullProcessImageNameW=null:31", "Unable to initalize Application Path"),
-    ("start-no-local-folder", "SHGetKnownFolderPath=fail:0x80070002", ""),
+    ("start-no-local-folder", "SHGetKnownFolderPath=fail:0x80070002", "GetAppDataLocalFolderPath() > SHGetKnownFolderPath()"),
     ("start-no-local-folder-without-words", "SHGetKnownFolderPath=fail:0x8123ABCD", "Unknown error: "),
-    ("start-no-working-folder", "PathCchAppend=fail:0x8007007A", ""),
+    ("start-no-working-folder", "PathCchAppend=fail:0x8007007A", "GetAppDataLocalFolderPath() > PathCchAppend()"),
     ("start-no-path-of-tools", "PathCchCombine@1=fail:0x8007007A", "Unable to initalize Platform Tools"),
     ("start-no-title", "LoadStringW#201=null:1813", "Unable to load application title"),
     ("start-no-folder-of-tools", "SHCreateDirectoryExW=ret:5", "SHCreateDirectoryEx() failed with error 0x00000005"),
@@ -88,8 +88,6 @@ START = 60.0
 
 
 class Boxes(unittest.TestCase):
-    resolution = "96"
-
     def test_starting_and_ending(self) -> None:
         for picture, faults, words in STARTING:
             self.look_at(picture, faults, words, page=0)
@@ -115,7 +113,7 @@ class Boxes(unittest.TestCase):
     ) -> None:
         """A new start of the program, on to the page and then one further, until there is the box."""
         with self.subTest(picture), unittest.mock.patch.dict(os.environ, {"KALVO_FAULTS": faults}):
-            with Watch() as watch, Eyes() as eyes, Program() as program:
+            with Watch() as watch, Eyes() as eyes, Program() as program, step(self, picture):
                 person = Person(eyes)
                 if page:
                     person.wait_for_page(1, START)
@@ -131,11 +129,13 @@ class Boxes(unittest.TestCase):
     def see(self, person: Person, picture: str, words: str) -> None:
         hands.move_mouse_away()
         box = person.rest().boxes[0]
-        self.assertIn(words, box.message)
+        self.assertTrue(words, "any box has no words")
+        self.assertIn(words, f"{box.caption}\n{box.message}")
         self.assertEqual(box.buttons, ("OK",))
         self.assertTrue(guide.explains(box), f"the guide does not explain {box}")
         self.assertEqual(looks.look_at_box(person.eyes, box), [])
-        folder = places.build() / "run" / ("" if self.resolution == "96" else f"{self.resolution}dpi") / "boxes"
+        resolution = os.environ["KALVO_DPI"]
+        folder = places.build() / "run" / ("" if resolution == "96" else f"{resolution}dpi") / "boxes"
         person.picture(folder / f"{picture}.png", box.window)
 
     def leave(self, person: Person, program: Program) -> None:
@@ -154,5 +154,4 @@ class Boxes(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    Boxes.resolution = sys.argv.pop(1)
     unittest.main()

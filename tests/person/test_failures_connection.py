@@ -16,6 +16,7 @@ from failures import (
 )
 from journey import go_to_page
 from program import stop_adb
+from steps import step
 
 CONNECTING = "Connecting to 192.168.1.100:43210 (attempt {} of 3)"
 INSTALLING = "Installing Solvane Watch 2.1.apk (attempt {} of 3)"
@@ -37,17 +38,17 @@ class Connection(FailureTest):
         self.expect_failure("install-watch-away", "Invalid IP address", NOT_FOUND, "Unreachable")
         network.plug_in_watch()
 
-        with self.subTest("the skipped pairing was needed: adb says 'failed to connect to', which is not known"):
+        with step(self, "the skipped pairing was needed: adb says 'failed to connect to', which is not known"):
             self.press_next()
             self.expect_unexpected_connect("not-trusted")
             self.watch.wait_for_event("debugging: key not trusted")
             self.expect_not_seen(CONNECTING.format(2))
-        with self.subTest("the connection is taken and nothing is said"):
+        with step(self, "the connection is taken and nothing is said"):
             self.restart_watch("--mute")
             self.press_next()
             self.expect_unexpected_connect("mute")
 
-        with self.subTest("debugging was turned off meanwhile"):
+        with step(self, "debugging was turned off meanwhile"):
             self.watch.switch_off()
             self.press_next()
             self.expect_failure("debugging-off", "Install APK", NOT_TRUSTED, UNABLE)
@@ -56,7 +57,7 @@ class Connection(FailureTest):
 
         # A server that knows the watch already would take up its connection.
         stop_adb()
-        with self.subTest("the watch asks for consent: the second attempt finds the connection of the first"):
+        with step(self, "the watch asks for consent: the second attempt finds the connection of the first"):
             self.restart_watch("--unauthorized")
             self.press_next()
             message = UNEXPECTED_INSTALL.format(*PARSE_ERROR)
@@ -65,7 +66,7 @@ class Connection(FailureTest):
             self.expect_seen(CONNECTING.format(1), CONNECTING.format(2), INSTALLING.format(1))
             self.expect_adb(runs=False)
 
-        with self.subTest("the watch goes offline as soon as it is connected"):
+        with step(self, "the watch goes offline as soon as it is connected"):
             self.restart_watch("--trust-all", "--offline")
             self.press_next()
             status = "adb install - device offline"

@@ -4,6 +4,7 @@ import unittest
 
 from failures import UNEXPECTED_INSTALL, FailureTest, attempts
 from journey import go_to_page
+from steps import step
 
 INSTALLING = "Installing Solvane Watch 2.1.apk (attempt {} of 3)"
 REINSTALL = (
@@ -56,13 +57,13 @@ class Refusals(FailureTest):
     def test_page_7(self) -> None:
         go_to_page(self.person, 7, self.watch, pair=False)
         for name, picture, status, message in REFUSALS:
-            with self.subTest(name):
+            with step(self, name):
                 self.press_next()
                 self.expect_failure(picture, "ADB Install", message, status, behind=INSTALLING.format(1))
                 self.expect_not_seen(INSTALLING.format(2))
                 self.expect_adb(runs=False)
 
-        with self.subTest("a name that nobody knows"):
+        with step(self, "a name that nobody knows"):
             self.press_next()
             self.expect_box(
                 "unknown-name-1",
@@ -74,7 +75,7 @@ class Refusals(FailureTest):
             message = UNEXPECTED_INSTALL.format(UNKNOWN, "INSTALL_FAILED_KALVO_UNKNOWN_ERROR (301)")
             self.expect_failure("unknown-name-2", "ADB Install", message, UNKNOWN, behind=INSTALLING.format(1))
 
-        with self.subTest("a failure without a readable name has no box"):
+        with step(self, "a failure without a readable name has no box"):
             self.press_next()
             self.person.wait_until("the last word", lambda sight: sight.boxes or sight.status == "Install failed.", 90)
             self.expect_page(7, "Install failed.")

@@ -10,6 +10,7 @@ import pages
 from failures import NOT_STOPPED, PARSE_ERROR, TRY_AGAIN, UNEXPECTED_INSTALL, FailureTest, attempts
 from journey import go_to_page
 from program import adb_processes, stop_adb, windows_path, working_folder
+from steps import step
 from watch import Watch
 
 INSTALLING = "Installing Solvane Watch 2.1.apk (attempt {} of 3)"
@@ -45,13 +46,13 @@ class Unforeseen(FailureTest):
         go_to_page(self.person, 7, self.watch, pair=False)
         path = windows_path(self.package)
 
-        with self.subTest("the package was there when its path was read"):
+        with step(self, "the package was there when its path was read"):
             aside = self.package.rename(self.package.with_suffix(".aside"))
             self.press_next()
             self.expect_unexpected("package-gone", "adb install - failed to stat", "INSTALL_FAILED_STAT (342)")
             aside.rename(self.package)
 
-        with self.subTest("a file that adb takes for no package by its name"):
+        with step(self, "a file that adb takes for no package by its name"):
             other = shutil.copy(self.package, self.package.with_suffix(".zip"))
             self.rewrite(pages.APK_PATH, windows_path(other))
             self.press_next()
@@ -59,13 +60,13 @@ class Unforeseen(FailureTest):
             self.expect_unexpected("not-a-package", *PARSE_ERROR, behind=line)
             self.rewrite(pages.APK_PATH, path)
 
-        with self.subTest("adb's server is stopped while it installs: the next attempt's knows no watch"):
+        with step(self, "adb's server is stopped while it installs: the next attempt's knows no watch"):
             self.install_in_silence()
             stop_adb()
             self.expect_unexpected("adb-stopped-while-installing", *PARSE_ERROR, behind=INSTALLING.format(2))
             self.expect_seen(INSTALLING.format(1), INSTALLING.format(2))
 
-        with self.subTest("the watch is switched off while it installs"):
+        with step(self, "the watch is switched off while it installs"):
             self.install_in_silence()
             self.watch.switch_off()
             status = "adb install - device offline"
@@ -73,7 +74,7 @@ class Unforeseen(FailureTest):
             self.expect_seen(*attempts(INSTALLING), status)
             self.expect_adb(runs=False)
 
-        with self.subTest("adb's server has gone when it is to be stopped"):
+        with step(self, "adb's server has gone when it is to be stopped"):
             self.restart_watch()
             self.press_next()
             self.person.wait_until("the package to be installed", lambda sight: sight.status == INSTALLED, 60)
@@ -87,7 +88,7 @@ class Unforeseen(FailureTest):
             )
             self.assertTrue(self.watch.has_received(self.package))
 
-        with self.subTest("another watch is connected as well: adb is told which one is meant"):
+        with step(self, "another watch is connected as well: adb is told which one is meant"):
             self.restart_watch()
             with SecondWatch("--trust-all") as second:
                 connect_adb(second)

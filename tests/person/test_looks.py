@@ -1,9 +1,6 @@
-"""What is to be seen on each page and on the About box, measured, at the resolution of the home that it runs in.
+"""What is to be seen on each page and on the About box, measured, at the resolution of the home that it runs in."""
 
-    test_looks.py DPI [ARGUMENT...]    the resolution, which names the folder of the pictures
-"""
-
-import sys
+import os
 import unittest
 
 import hands
@@ -13,6 +10,7 @@ import pages
 import places
 from installation import InstallationTest
 from outcomes import messages
+from steps import step
 from wizard import Sight
 
 # Where the keyboard is when a page is shown for the first time, where that is not the box to tick.
@@ -71,18 +69,16 @@ WORDY = [OUTCOMES[number] for number in (308, 309, 312, 314, 316, 327, 339, 340)
 
 
 class Looks(InstallationTest):
-    resolution = "96"
-
     def setUp(self) -> None:
         super().setUp()
-        self.folder = places.build() / "run" / f"{self.resolution}dpi"
+        self.folder = places.build() / "run" / f"{os.environ['KALVO_DPI']}dpi"
 
     def test_every_page(self) -> None:
         for page in pages.PAGES:
-            with self.subTest(page=page.number, filled=False):
+            with step(self, f"page {page.number}"):
                 self.look_before(page)
             journey.fill_in(self.person, page, self.watch)
-            with self.subTest(page=page.number, filled=True):
+            with step(self, f"page {page.number}, filled in"):
                 self.look_after(page)
             if page is pages.PAGES[-1]:
                 break
@@ -172,5 +168,4 @@ class Looks(InstallationTest):
 
 
 if __name__ == "__main__":
-    Looks.resolution = sys.argv.pop(1)
     unittest.main()

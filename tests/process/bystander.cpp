@@ -1,16 +1,21 @@
 // Another program on the user's computer, for what the installer can meet there:
 //   hold FILE        opens the file and lets nobody else open or delete it, says "holding", and gives it
 //                    back at the end of its standard input
-//   handles PID      prints how many handles a process has open
+//   handles PID      prints the kinds of handles that a process has open, a line each: the number, a blank, the
+//                    system's name of the kind; a pipe, which to the system is a file, is a kind of its own, "Pipe"
+//   watch            says "watching", and at the end of its standard input which top-level windows have been
+//                    shown since, a line each: handle, blank, title (UTF-8). Also one that is gone again
 //   describe CODE    prints what the system says about an error (UTF-8, line break included)
 // Ends with 1, after a word on standard error, when it cannot.
 #include <windows.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdio>
 #include <cwchar>
+#include <map>
+#include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -59,24 +64,123 @@ struct HANDLE_LIST
 constexpr ULONG kExtendedHandleInformation = 64;
 
 using QUERY_SYSTEM = LONG WINAPI(ULONG nClass, PVOID pInformation, ULONG cbInformation, PULONG pcbNeeded);
+using QUERY_OBJECT = LONG WINAPI(HANDLE h, ULONG nClass, PVOID pInformation, ULONG cbInformation, PULONG pcbNeeded);
 
 // Room for all handles of a computer that does little.
 constexpr ULONG kListBytes = 4 << 20;
 
-int CountHandles(ULONG_PTR nProcess)
+constexpr ULONG kObjectTypeInformation = 2;
+
+// What the system tells of a handle's kind begins with the name; the name itself follows at the end.
+struct OBJECT_TYPE
 {
-    // GetProcessHandleCount is not made everywhere.
-    const HMODULE hNtDll = GetModuleHandleW(L"ntdll.dll");
-    auto* const pfnQuery =
-        reinterpret_cast<QUERY_SYSTEM*>(reinterpret_cast<void*>(GetProcAddress(hNtDll, "NtQuerySystemInformation")));
+    USHORT cbName;
+    USHORT cbRoom;
+    PWSTR pszName;
+};
+
+template<typename Function>
+Function* FromNtDll(PCSTR pszName)
+{
+    return reinterpret_cast<Function*>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), pszName)));
+}
+
+std::string ToUtf8(std::wstring_view szText)
+{
+    std::string strUtf8(szText.size() * 3, '\0');
+    strUtf8.resize(
+        static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, szText.data(), static_cast<int>(szText.size()),
+                                                strUtf8.data(), static_cast<int>(strUtf8.size()), nullptr, nullptr)));
+    return strUtf8;
+}
+
+// Of a handle of this process. Empty when the system does not tell.
+std::string KindOf(HANDLE h)
+{
+    if (GetNamedPipeInfo(h, nullptr, nullptr, nullptr, nullptr)) {
+        return "Pipe";
+    }
+    alignas(OBJECT_TYPE) std::byte buffer[1024];
+    if (FromNtDll<QUERY_OBJECT>("NtQueryObject")(h, kObjectTypeInformation, buffer, sizeof(buffer), nullptr) != 0) {
+        return {};
+    }
+    const auto* const pType = reinterpret_cast<const OBJECT_TYPE*>(buffer);
+    return ToUtf8(std::wstring_view(pType->pszName, pType->cbName / sizeof(WCHAR)));
+}
+
+int CountHandles(DWORD dwProcess)
+{
     std::vector<std::byte> buffer(kListBytes);
-    if (pfnQuery(kExtendedHandleInformation, buffer.data(), kListBytes, nullptr) != 0) {
+    if (FromNtDll<QUERY_SYSTEM>("NtQuerySystemInformation")(kExtendedHandleInformation, buffer.data(), kListBytes,
+                                                            nullptr) != 0) {
         return Fail("cannot list the handles");
     }
+    const HANDLE hProcess = OpenProcess(PROCESS_DUP_HANDLE, FALSE, dwProcess);
+    if (hProcess == nullptr) {
+        return Fail("cannot open the process");
+    }
     const auto* const pList = reinterpret_cast<const HANDLE_LIST*>(buffer.data());
-    const auto belongs = [nProcess](const HANDLE_ENTRY& entry) { return entry.nProcess == nProcess; };
-    std::printf("%lld\n",
-                static_cast<long long>(std::count_if(pList->entries, pList->entries + pList->nEntries, belongs)));
+    std::map<std::string, int> kinds;
+    for (const HANDLE_ENTRY* pEntry = pList->entries; pEntry != pList->entries + pList->nEntries; ++pEntry) {
+        HANDLE hCopy = nullptr;
+        // What has been closed meanwhile is not counted.
+        if (pEntry->nProcess == dwProcess &&
+            DuplicateHandle(hProcess, reinterpret_cast<HANDLE>(pEntry->nHandle), GetCurrentProcess(), &hCopy, 0, FALSE,
+                            DUPLICATE_SAME_ACCESS)) {
+            ++kinds[KindOf(hCopy)];
+            CloseHandle(hCopy);
+        }
+    }
+    CloseHandle(hProcess);
+    for (const auto& [strKind, nCount] : kinds) {
+        std::printf("%d %s\n", nCount, strKind.c_str());
+    }
+    return 0;
+}
+
+// The windows that have been shown, in order, and their titles.
+std::vector<std::pair<HWND, std::string>> g_shown;
+
+void CALLBACK OnShow(HWINEVENTHOOK, DWORD, HWND hwnd, LONG nObject, LONG nChild, DWORD, DWORD)
+{
+    const bool bTop = !IsWindow(hwnd) || GetAncestor(hwnd, GA_PARENT) == GetDesktopWindow();
+    if (nObject == OBJID_WINDOW && nChild == CHILDID_SELF && bTop) {
+        WCHAR szTitle[256];
+        const int nLength = InternalGetWindowText(hwnd, szTitle, ARRAYSIZE(szTitle));
+        g_shown.emplace_back(hwnd, ToUtf8({szTitle, static_cast<size_t>(nLength)}));
+    }
+}
+
+DWORD WINAPI EndWithInput(PVOID pThread)
+{
+    while (std::getchar() != EOF) {
+    }
+    PostThreadMessageW(HandleToULong(pThread), WM_QUIT, 0, 0);
+    return 0;
+}
+
+int Watch()
+{
+    if (SetWinEventHook(EVENT_OBJECT_SHOW, EVENT_OBJECT_SHOW, nullptr, OnShow, 0, 0, WINEVENT_OUTOFCONTEXT) ==
+        nullptr) {
+        return Fail("cannot watch");
+    }
+    MSG message;
+    PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE); // makes the queue that the end is posted to
+    const HANDLE hThread = CreateThread(nullptr, 0, EndWithInput, ULongToHandle(GetCurrentThreadId()), 0, nullptr);
+    if (hThread == nullptr) {
+        return Fail("cannot wait for the end");
+    }
+    CloseHandle(hThread);
+    std::puts("watching");
+    std::fflush(stdout);
+    while (GetMessageW(&message, nullptr, 0, 0) > 0) {
+        DispatchMessageW(&message);
+    }
+    for (const auto& [hwnd, strTitle] : g_shown) {
+        std::printf("%lu %s\n", HandleToULong(hwnd), strTitle.c_str());
+    }
     return 0;
 }
 
@@ -98,6 +202,9 @@ int Describe(DWORD dwCode)
 
 int wmain(int nArguments, wchar_t** ppszArguments)
 {
+    if (nArguments == 2 && ppszArguments[1] == std::wstring_view(L"watch")) {
+        return Watch();
+    }
     const std::wstring_view szVerb = nArguments == 3 ? ppszArguments[1] : L"";
     if (szVerb == L"hold") {
         return Hold(ppszArguments[2]);
@@ -108,6 +215,6 @@ int wmain(int nArguments, wchar_t** ppszArguments)
     if (szVerb == L"describe") {
         return Describe(wcstoul(ppszArguments[2], nullptr, 0));
     }
-    std::fputs("usage: bystander hold FILE | handles PID | describe CODE\n", stderr);
+    std::fputs("usage: bystander hold FILE | handles PID | watch | describe CODE\n", stderr);
     return 1;
 }

@@ -2,6 +2,7 @@
 
 import functools
 import subprocess
+from collections import Counter
 from collections.abc import Iterator
 from contextlib import contextmanager
 from pathlib import Path
@@ -26,18 +27,37 @@ def describe(code: int) -> str:
     return _ask("describe", str(code)).decode()
 
 
-def count_handles(process: int) -> int:
-    """How many handles a process, named by the number that its windows tell, has open."""
-    return int(_ask("handles", str(process)))
+def count_handles(process: int) -> Counter[str]:
+    """How many handles of each kind a process, named by the number that its windows tell, has open."""
+    lines = _ask("handles", str(process)).decode().splitlines()
+    return Counter({kind: int(number) for number, kind in (line.split(" ", 1) for line in lines)})
+
+
+@contextmanager
+def watch() -> Iterator[dict[int, str]]:
+    """Afterwards the windows that have been shown meanwhile, by whomever and however shortly, with their titles."""
+    shown: dict[int, str] = {}
+    with _beside("watch", "watching") as watcher:
+        yield shown
+        lines = watcher.communicate(timeout=20)[0].splitlines()
+    shown.update((int(handle), title) for handle, title in (line.split(" ", 1) for line in lines))
 
 
 @contextmanager
 def hold(file: Path) -> Iterator[None]:
     """Keeps a file open so that nobody else can open or delete it."""
-    command = ["wine", program(), "hold", windows_path(file)]
-    with subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True) as holder:
-        assert holder.stdin and holder.stdout
-        assert holder.stdout.readline() == "holding\n", f"{file} cannot be held"
+    with _beside("hold", windows_path(file), "holding") as holder:
         yield
-        holder.stdin.close()
-        holder.wait(10)
+        holder.communicate(timeout=20)
+    assert holder.returncode == 0, f"{file} was not given back"
+
+
+@contextmanager
+def _beside(*arguments: str) -> Iterator[subprocess.Popen[str]]:
+    """It does that, the last argument being what it says when it does, until the end of its input."""
+    *words, begins = arguments
+    command = ["wine", program(), *words]
+    with subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True) as beside:
+        assert beside.stdout
+        assert beside.stdout.readline() == f"{begins}\n", f"it cannot {' '.join(words)}"
+        yield beside

@@ -199,5 +199,5 @@ class ProcessTest(unittest.TestCase):
 
     def _keep_picture_of_failure(self, faults_before: int, start: Start) -> None:
         if self._count_faults() > faults_before:
-            pictures.save_screen(places.build() / "failures" / f"{self.id()}.png")
+            pictures.save_screen(pictures.of_failure(self))
             print("the journal:", *start.journal, "the installer printed:", start.said, sep="\n")

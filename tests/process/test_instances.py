@@ -7,6 +7,7 @@ import unittest
 from collections.abc import Iterator
 from contextlib import contextmanager
 
+import bystander
 from processtest import CANCELLED, LOCK, OLD_WINDOWS, TITLE, ProcessTest
 from start import processes_called
 
@@ -20,17 +21,26 @@ class Second(ProcessTest):
         """Another program, in front of all others as it comes."""
         quiet = subprocess.DEVNULL
         with subprocess.Popen(["wine", "notepad"], stdin=quiet, stdout=quiet, stderr=quiet):
-            yield
-            for process in processes_called("notepad.exe") | processes_called("notepad"):
-                os.kill(process, signal.SIGKILL)
+            try:
+                yield
+            finally:
+                for process in processes_called("notepad.exe") | processes_called("notepad"):
+                    os.kill(process, signal.SIGKILL)
 
     def expect_nothing(self, *events: str, faults: str = "") -> None:
-        """A start that ends with these calls and puts nothing on the screen."""
+        """A start that ends with these calls and puts nothing on the screen, not for a moment."""
         before = {window.handle for window in self.eyes.look().windows}
-        start = self.start(faults)
-        self.person.wait_until("its end", lambda _: start.has_ended)
-        self.assertLessEqual({window.handle for window in self.eyes.look().windows}, before)
+        with bystander.watch() as shown:
+            start = self.start(faults)
+            self.person.wait_until("its end", lambda _: start.has_ended)
+        self.assertEqual({handle: title for handle, title in shown.items() if handle not in before}, {})
         self.expect_end(start, 0, *events)
+
+    def test_what_a_start_shows_is_seen_even_when_it_is_gone(self) -> None:
+        """Otherwise the others could not fail."""
+        with bystander.watch() as shown:
+            self.expect_way_out("VerifyVersionInfoW=null:1150", 0, (TITLE, OLD_WINDOWS), *LOCK)
+        self.assertEqual(len(shown), 1, shown)
 
     def test_while_the_wizard_is_open(self) -> None:
         first = self.start_wizard()

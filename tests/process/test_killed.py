@@ -11,6 +11,7 @@ from contextlib import ExitStack, contextmanager
 from processtest import ADB, CANCELLED, CREATE_PROCESS, FOLDER, MEMBERS, ZIP, ProcessTest, exit_process, last_error
 from program import left_behind
 from start import Start, running, start_adb_server
+from steps import step
 from waiting import wait_for
 
 # A process can be caught in a short moment of its run only by trying.
@@ -45,7 +46,7 @@ class Installing(Killed):
     def test_in_the_archive(self) -> None:
         whole = self.size_of_archive()
         for offset in (4096, 1 << 20, whole - 1):
-            with self.subTest(offset):
+            with step(self, offset):
                 self.kill_at(offset, ZIP)
                 self.assertEqual(sorted(left_behind()), sorted((FOLDER, ZIP)))
                 self.expect_good_run()
@@ -78,7 +79,7 @@ class Installing(Killed):
     def test_in_adb_itself(self) -> None:
         """Half an adb.exe cannot be started to stop its server, and each later start ends with saying so."""
         for offset in (3 << 20, 5 << 20):
-            with self.subTest(offset):
+            with step(self, offset):
                 self.clean_account()
                 self.kill_at(offset, ADB)
                 box = last_error(CREATE_PROCESS, 193)

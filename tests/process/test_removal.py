@@ -23,6 +23,7 @@ from processtest import (
 )
 from program import left_behind
 from start import start_adb_server
+from steps import step
 
 OTHER_ZIP = "platform-tools_other.zip"
 
@@ -45,7 +46,7 @@ class Failing(ProcessTest):
 
     def test_folder_that_stays(self) -> None:
         for code in (5, 124, 0x402):
-            with self.subTest(code):
+            with step(self, code):
                 self.clean_account()
                 self.expect_sudden_end(f"SHFileOperationW=ret:{code}", 13, win32_error(DELETE_FOLDER, 13))
 
@@ -54,7 +55,7 @@ class Failing(ProcessTest):
 
     def test_archives_after_one_that_stays_stay_too(self) -> None:
         for fault, disk in (("DeleteFileW@1=fail:5", (ZIP, OTHER_ZIP)), ("DeleteFileW@2=fail:5", (OTHER_ZIP,))):
-            with self.subTest(fault):
+            with step(self, fault):
                 self.clean_account()
                 self.folder.mkdir(parents=True)
                 (self.folder / OTHER_ZIP).write_text("another build's")
@@ -62,7 +63,7 @@ class Failing(ProcessTest):
 
     def test_archives_that_cannot_be_named(self) -> None:
         for what, call in (("pattern", 4), ("file", 5)):
-            with self.subTest(what):
+            with step(self, what):
                 self.clean_account()
                 self.expect_not_removed(f"PathCchCombine@{call}=fail:0x8007007A", ZIP)
 
@@ -72,7 +73,7 @@ class Failing(ProcessTest):
     def test_end_of_adb_that_cannot_be_told_stops_nothing_else(self) -> None:
         # Calls 4 and 5: adb's thread, adb's process.
         for fault in ("GetExitCodeProcess=fail:6", "CloseHandle@4=fail:6", "CloseHandle@5=fail:6"):
-            with self.subTest(fault):
+            with step(self, fault):
                 self.expect_not_removed(fault)
 
     def test_output_of_adb_that_cannot_be_read_at_first(self) -> None:
@@ -86,7 +87,7 @@ class Failing(ProcessTest):
             ("SetHandleInformation", inheritance),
             ("CreateProcessW", CREATE_PROCESS),
         ):
-            with self.subTest(function):
+            with step(self, function):
                 self.clean_account()
                 self.expect_sudden_end(f"{function}=fail:8", 8, last_error(method, 8))
 

@@ -17,6 +17,7 @@ from processtest import (
     com_error,
     exit_process,
 )
+from steps import step
 
 NO_TITLE = ("Error", "Unable to load application title")
 NO_SOCKETS = "Unable to start WinSock Library"
@@ -61,7 +62,7 @@ class WaysOut(ProcessTest):
     def test_tools_that_cannot_be_named(self) -> None:
         box = (TITLE, "Unable to initalize Platform Tools")
         for path, call in (("archive", 1), ("folder", 2), ("adb", 3)):
-            with self.subTest(path):
+            with step(self, path):
                 self.expect_way_out(f"PathCchCombine@{call}=fail:0x8007007A", 0, box, *SOCKETS)
 
     def test_no_wizard_leaves_the_tools(self) -> None:
