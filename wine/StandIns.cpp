@@ -4,6 +4,7 @@
 #include "imports/FailingCalls.h"
 #include "imports/ImportTable.h"
 #include "imports/JournaledCalls.h"
+#include "imports/Transcript.h"
 #include "system/AddressControl.h"
 #include "system/BestRoute.h"
 #include "system/CrashReport.h"
@@ -20,7 +21,7 @@ INT_PTR WINAPI ShowPropertySheet(LPCPROPSHEETHEADERW pHeader)
     return pHeader != nullptr && IsAeroWizard(*pHeader) ? RunAeroWizard(*pHeader) : g_pfnPropertySheetW(pHeader);
 }
 
-// First what Wine lacks, then what is to fail, then the journal of it all.
+// First what Wine lacks, then what is to fail, then the journal and the transcript of it all.
 bool Install(HMODULE hProgram)
 {
     ReportCrashes();
@@ -31,6 +32,7 @@ bool Install(HMODULE hProgram)
         return false;
     }
     InstallJournal(hProgram);
+    InstallTranscript(hProgram);
     return true;
 }
 

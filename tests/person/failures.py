@@ -86,8 +86,7 @@ class FailureTest(InstallationTest):
         self.assertEqual(sight.status, status)
         assert sight.frame
         self.assertEqual(box.window.owner, sight.frame.handle if owned else 0)
-        # After long work of the program the window manager may give it the keyboard a moment late.
-        self.person.wait_until(f"{caption} in front", lambda now: now.view.foreground == box.window.handle)
+        self.assertEqual(sight.view.foreground, box.window.handle)
         self.person.picture(places.build() / "run" / "boxes" / f"{picture}.png", box.window)
         self.assertTrue(guide.explains(box), f"the guide does not explain {box}")
         self.assertEqual(looks.look_at_box(self.person.eyes, box), [])

@@ -1,11 +1,10 @@
 """What the person's tests have in common: a watch, an installer with a package beside it, and somebody in front of it."""
 
 import shutil
-import unittest
 from pathlib import Path
 
-import pictures
 import program as programs
+from evidence import ObservedTest
 from eyes import Eyes
 from package import write_package
 from person import Person
@@ -16,36 +15,22 @@ from watch import Watch
 START = 60.0
 
 
-class InstallationTest(unittest.TestCase):
-    """Every test starts the installer anew; a test that fails leaves a picture of the screen in the build folder."""
+class InstallationTest(ObservedTest):
+    """Every test starts the installer anew."""
 
     # For the emulated watch.
     watch_switches: tuple[str, ...] = ()
 
-    def run(self, result: unittest.TestResult | None = None) -> unittest.TestResult | None:
-        self._result = result
-        return super().run(result)
-
     def setUp(self) -> None:
-        faults = self._faults()
         self.addCleanup(shutil.rmtree, programs.working_folder(), ignore_errors=True)
         self.watch = self.enterContext(Watch(*self.watch_switches))
         self.program = self.enterContext(Program())
         self.package = write_package(self.program.folder)
         self.person = Person(self.enterContext(Eyes()))
-        # Runs before the installer is stopped.
-        self.addCleanup(self._keep_picture_of_failure, faults)
+        self.enterContext(self.observed(self.person.eyes, self.program, lambda: self.watch.events))
         self.person.wait_for_page(1, START)
 
     def finish(self) -> None:
         """Checks that the installer ended as it should, with nothing left behind."""
         self.assertEqual(self.program.wait(), 0)
         self.assertEqual(left_behind(), [])
-
-    def _faults(self) -> int:
-        return len(self._result.failures) + len(self._result.errors) if self._result else 0
-
-    def _keep_picture_of_failure(self, faults_before: int) -> None:
-        if self._faults() > faults_before:
-            pictures.save_screen(pictures.of_failure(self))
-            print("the installer printed:", self.program.said)

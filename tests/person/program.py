@@ -1,5 +1,6 @@
 """The installer as the user has it: a downloaded program with the package beside it."""
 
+import os
 import re
 import shutil
 import subprocess
@@ -21,6 +22,11 @@ def windows_path(path: Path) -> str:
     return "C:\\" + "\\".join(path.relative_to(places.prefix() / "drive_c").parts)
 
 
+def home_path(path: Path) -> str:
+    """How a program of the home's Windows names a file of this machine."""
+    return "Z:" + str(path).replace("/", "\\")
+
+
 class Program:
     """The installer, copied into a folder and started there. A context manager: it does not outlive the test."""
 
@@ -28,14 +34,17 @@ class Program:
         self.folder = folder or downloads()
         self.file = self.folder / "KalvoApkInstaller.exe"
         self._log = Path("/tmp/installer.log")
+        self._transcript = Path("/tmp/installer-and-adb.txt")
 
     def __enter__(self) -> "Program":
         shutil.copy(places.installer(), self.file)
+        self._transcript.unlink(missing_ok=True)
         # Into a file: adb's server would hold a pipe open for as long as it lives.
         with self._log.open("w") as log:
             self._process = subprocess.Popen(
                 ["wine", places.launcher(), windows_path(self.file)],
                 cwd=self.folder,
+                env={**os.environ, "KALVO_TRANSCRIPT": home_path(self._transcript)},
                 stdin=subprocess.DEVNULL,
                 stdout=log,
                 stderr=subprocess.STDOUT,
@@ -62,8 +71,13 @@ class Program:
 
     @property
     def said(self) -> str:
-        """What it or its launcher printed, which is nothing when all is well."""
+        """What it, its launcher or Windows printed, which is nothing when all is well."""
         return self._log.read_text()
+
+    @property
+    def transcript(self) -> str:
+        """What it asked adb, and what adb answered."""
+        return self._transcript.read_text(errors="replace") if self._transcript.is_file() else ""
 
 
 def working_folder() -> Path:

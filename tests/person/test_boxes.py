@@ -17,6 +17,7 @@ import looks
 import network
 import pages
 import places
+from evidence import ObservedTest
 from eyes import Eyes
 from journey import fill_in, go_to_page
 from person import Person
@@ -87,7 +88,7 @@ PAIRING = (
 START = 60.0
 
 
-class Boxes(unittest.TestCase):
+class Boxes(ObservedTest):
     def test_starting_and_ending(self) -> None:
         for picture, faults, words in STARTING:
             self.look_at(picture, faults, words, page=0)
@@ -113,7 +114,7 @@ class Boxes(unittest.TestCase):
     ) -> None:
         """A new start of the program, on to the page and then one further, until there is the box."""
         with self.subTest(picture), unittest.mock.patch.dict(os.environ, {"KALVO_FAULTS": faults}):
-            with Watch() as watch, Eyes() as eyes, Program() as program, step(self, picture):
+            with Watch() as watch, Eyes() as eyes, Program() as program, step(self, picture), self.observed(eyes, program):
                 person = Person(eyes)
                 if page:
                     person.wait_for_page(1, START)

@@ -5,6 +5,7 @@
 //                    system's name of the kind; a pipe, which to the system is a file, is a kind of its own, "Pipe"
 //   watch            says "watching", and at the end of its standard input which top-level windows have been
 //                    shown since, a line each: handle, blank, title (UTF-8). Also one that is gone again
+//   crash PID        lets a process run where it has no code
 //   describe CODE    prints what the system says about an error (UTF-8, line break included)
 // Ends with 1, after a word on standard error, when it cannot.
 #include <windows.h>
@@ -184,6 +185,19 @@ int Watch()
     return 0;
 }
 
+int Crash(DWORD dwProcess)
+{
+    const HANDLE hProcess = OpenProcess(PROCESS_ALL_ACCESS, FALSE, dwProcess);
+    auto* const pNowhere = reinterpret_cast<LPTHREAD_START_ROUTINE>(0x10);
+    const HANDLE hThread = CreateRemoteThread(hProcess, nullptr, 0, pNowhere, nullptr, 0, nullptr);
+    if (hThread == nullptr) {
+        return Fail("cannot let the process crash");
+    }
+    CloseHandle(hThread);
+    CloseHandle(hProcess);
+    return 0;
+}
+
 int Describe(DWORD dwCode)
 {
     WCHAR szText[1024] = {};
@@ -212,9 +226,12 @@ int wmain(int nArguments, wchar_t** ppszArguments)
     if (szVerb == L"handles") {
         return CountHandles(wcstoul(ppszArguments[2], nullptr, 0));
     }
+    if (szVerb == L"crash") {
+        return Crash(wcstoul(ppszArguments[2], nullptr, 0));
+    }
     if (szVerb == L"describe") {
         return Describe(wcstoul(ppszArguments[2], nullptr, 0));
     }
-    std::fputs("usage: bystander hold FILE | handles PID | watch | describe CODE\n", stderr);
+    std::fputs("usage: bystander hold FILE | handles PID | watch | crash PID | describe CODE\n", stderr);
     return 1;
 }

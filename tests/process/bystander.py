@@ -43,6 +43,11 @@ def watch() -> Iterator[dict[int, str]]:
     shown.update((int(handle), title) for handle, title in (line.split(" ", 1) for line in lines))
 
 
+def crash(process: int) -> None:
+    """Makes a process, named by the number that its windows tell, do what no program may."""
+    _ask("crash", str(process))
+
+
 @contextmanager
 def hold(file: Path) -> Iterator[None]:
     """Keeps a file open so that nobody else can open or delete it."""

@@ -1,15 +1,14 @@
 """What the tests of the program as it ships have in common: a screen, a clean account, starts and their ends."""
 
 import shutil
-import unittest
 import zipfile
 from collections.abc import Collection
 
 import pages
-import pictures
 import places
 import program
 from bystander import describe
+from evidence import ObservedTest
 from eyes import Eyes
 from person import Person
 from start import Start, running
@@ -83,8 +82,8 @@ def _quoted(text: str) -> str:
     return f'"{text}"'
 
 
-class ProcessTest(unittest.TestCase):
-    """Every test begins on an account where the installer never ran. One that fails leaves a picture of the screen."""
+class ProcessTest(ObservedTest):
+    """Every test begins on an account where the installer never ran."""
 
     eyes: Eyes
 
@@ -102,15 +101,10 @@ class ProcessTest(unittest.TestCase):
         """As if the installer had never run."""
         shutil.rmtree(self.folder, ignore_errors=True)
 
-    def run(self, result: unittest.TestResult | None = None) -> unittest.TestResult | None:
-        self._result = result
-        return super().run(result)
-
     def start(self, faults: str = "", **how) -> Start:
         """Starts the installer. It is ended with the test."""
-        faults_before = self._count_faults()
         start = self.enterContext(Start(faults, **how))
-        self.addCleanup(self._keep_picture_of_failure, faults_before, start)
+        self.enterContext(self.observed(self.eyes, start))
         return start
 
     def start_wizard(self, faults: str = "", **how) -> Start:
@@ -127,12 +121,10 @@ class ProcessTest(unittest.TestCase):
         self.person.wait_for_page(1)
 
     def press_escape(self) -> None:
-        """In the wizard, as soon as it has the keyboard: one that a second start has brought forward gets it late."""
-        self.person.rest()
-        self.person.wait_until(
-            "the wizard to have the keyboard",
-            lambda sight: sight.frame is not None and sight.view.foreground == sight.frame.handle,
-        )
+        """In the wizard, which must have the keyboard."""
+        sight = self.person.rest()
+        assert sight.frame, "there is no wizard"
+        self.assertEqual(sight.view.foreground, sight.frame.handle)
         self.person.press("Escape")
 
     def cancel(self, start: Start) -> None:
@@ -193,11 +185,3 @@ class ProcessTest(unittest.TestCase):
         """What a run leaves that was killed while its wizard was open."""
         self.start_wizard().kill()
         self.assertEqual(sorted(program.left_behind()), TOOLS)
-
-    def _count_faults(self) -> int:
-        return len(self._result.failures) + len(self._result.errors) if self._result else 0
-
-    def _keep_picture_of_failure(self, faults_before: int, start: Start) -> None:
-        if self._count_faults() > faults_before:
-            pictures.save_screen(pictures.of_failure(self))
-            print("the journal:", *start.journal, "the installer printed:", start.said, sep="\n")

@@ -9,7 +9,7 @@ import subprocess
 from pathlib import Path
 
 import places
-from program import downloads, windows_path
+from program import downloads, home_path, windows_path
 from waiting import wait_for
 
 _numbers = itertools.count(1)
@@ -31,11 +31,16 @@ class Start:
         self._file = (folder or downloads()) / "KalvoApkInstaller.exe"
         self._journal = Path(f"/tmp/journal-{next(_numbers)}.txt")
         self._log = self._journal.with_suffix(".log")
+        self._transcript = self._journal.with_suffix(".adb")
 
     def __enter__(self) -> "Start":
         if not self._file.is_file():
             shutil.copy(places.installer(), self._file)
-        environment = {"KALVO_FAULTS": self._faults, "KALVO_JOURNAL": "Z:" + str(self._journal).replace("/", "\\")}
+        environment = {
+            "KALVO_FAULTS": self._faults,
+            "KALVO_JOURNAL": home_path(self._journal),
+            "KALVO_TRANSCRIPT": home_path(self._transcript),
+        }
         with self._log.open("w") as log:
             self._launcher = subprocess.Popen(
                 [*self._limits(), "wine", places.launcher(), windows_path(self._file)],
@@ -115,8 +120,13 @@ class Start:
 
     @property
     def said(self) -> str:
-        """What it or its launcher printed, which is nothing when all is well."""
+        """What it, its launcher or Windows printed, which is nothing when all is well."""
         return self._log.read_text()
+
+    @property
+    def transcript(self) -> str:
+        """What it asked adb, and what adb answered."""
+        return self._transcript.read_text(errors="replace") if self._transcript.is_file() else ""
 
     def _lines(self) -> list[str]:
         return self._journal.read_text().splitlines() if self._journal.is_file() else []

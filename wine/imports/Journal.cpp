@@ -4,12 +4,15 @@
 
 namespace {
 
-std::wstring JournalPath()
+// Empty without the variable.
+std::wstring PathIn(PCWSTR pszVariable)
 {
     std::wstring szPath(MAX_PATH, L'\0');
-    szPath.resize(GetEnvironmentVariableW(kJournalVariable, szPath.data(), MAX_PATH));
+    szPath.resize(GetEnvironmentVariableW(pszVariable, szPath.data(), MAX_PATH));
     return szPath.size() < MAX_PATH ? szPath : std::wstring();
 }
+
+} // namespace
 
 std::string ToUtf8(std::wstring_view szText)
 {
@@ -20,26 +23,28 @@ std::string ToUtf8(std::wstring_view szText)
     return utf8;
 }
 
-} // namespace
+void AppendToFile(PCWSTR pszVariable, std::string_view bytes)
+{
+    const DWORD dwError = GetLastError();
+    // Opened anew each time: the bytes are in the file whatever becomes of the process.
+    const HANDLE hFile = CreateFileW(PathIn(pszVariable).c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                     nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (hFile != INVALID_HANDLE_VALUE) {
+        DWORD dwWritten = 0;
+        WriteFile(hFile, bytes.data(), static_cast<DWORD>(bytes.size()), &dwWritten, nullptr);
+        CloseHandle(hFile);
+    }
+    SetLastError(dwError);
+}
 
 bool HasJournal()
 {
-    return !JournalPath().empty();
+    return !PathIn(kJournalVariable).empty();
 }
 
 void WriteJournal(std::wstring_view szLine)
 {
-    const DWORD dwError = GetLastError();
-    // Opened anew each time: the line is in the file whatever becomes of the process.
-    const HANDLE hFile = CreateFileW(JournalPath().c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                     nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (hFile != INVALID_HANDLE_VALUE) {
-        const std::string line = ToUtf8(szLine) + '\n';
-        DWORD dwWritten = 0;
-        WriteFile(hFile, line.data(), static_cast<DWORD>(line.size()), &dwWritten, nullptr);
-        CloseHandle(hFile);
-    }
-    SetLastError(dwError);
+    AppendToFile(kJournalVariable, ToUtf8(szLine) + '\n');
 }
 
 std::wstring Quoted(std::wstring_view szText)

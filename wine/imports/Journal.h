@@ -7,6 +7,12 @@
 // The name of the environment variable that holds the file's path. Without it nothing is written.
 constexpr wchar_t kJournalVariable[] = L"KALVO_JOURNAL";
 
+// Appends the bytes to the file whose path the environment variable of that name holds, if there is one. Keeps the last
+// error.
+void AppendToFile(const wchar_t* pszVariable, std::string_view bytes);
+
+std::string ToUtf8(std::wstring_view szText);
+
 // Whether there is a journal.
 bool HasJournal();
 

@@ -7,10 +7,16 @@ namespace {
 
 constexpr int nMostCalls = 32;
 
+// To standard error; a program with windows has none but the one that Wine itself writes to.
 void Tell(const std::string& line)
 {
     DWORD dwWritten = 0;
-    WriteFile(GetStdHandle(STD_ERROR_HANDLE), line.data(), static_cast<DWORD>(line.size()), &dwWritten, nullptr);
+    if (!WriteFile(GetStdHandle(STD_ERROR_HANDLE), line.data(), static_cast<DWORD>(line.size()), &dwWritten, nullptr)) {
+        using OUTPUT = int __cdecl(const char*);
+        auto* const pfnOutput = reinterpret_cast<OUTPUT*>(
+            reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "__wine_dbg_output")));
+        pfnOutput(line.c_str());
+    }
 }
 
 std::string Place(DWORD64 nAddress)

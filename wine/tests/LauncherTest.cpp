@@ -1,6 +1,7 @@
 // The launcher and the library with a program of the tests' own.
 #include "imports/FailingCalls.h"
 #include "imports/Journal.h"
+#include "imports/Transcript.h"
 #include "launcher/CommandLine.h"
 #include "launcher/Handle.h"
 
@@ -48,6 +49,7 @@ protected:
     {
         SetEnvironmentVariableW(kFaultsVariable, nullptr);
         SetEnvironmentVariableW(kJournalVariable, nullptr);
+        SetEnvironmentVariableW(kTranscriptVariable, nullptr);
         DeleteFileW(m_szOutput.c_str());
         DeleteFileW(m_szJournal.c_str());
         DeleteFileW(m_szFile.c_str());
@@ -104,6 +106,16 @@ TEST_F(Launcher, ReturnsTheProgramsExitCode)
     EXPECT_EQ(LaunchProbe(L"exit 1812"), 1812u);
     EXPECT_EQ(LaunchProbe(L"exit -1"), 0xFFFFFFFF);
     EXPECT_EQ(Output(), "");
+}
+
+TEST_F(Launcher, TranscribesWhatIsStartedAndWhatIsRead)
+{
+    SetEnvironmentVariableW(kTranscriptVariable, m_szJournal.c_str());
+    EXPECT_EQ(LaunchProbe(L"start first"), 0u);
+    EXPECT_EQ(ReadAll(m_szJournal), "\n> probe exit 0 first\n");
+    EXPECT_EQ(LaunchProbe(L"write " + m_szFile), 0u);
+    EXPECT_EQ(LaunchProbe(L"read " + m_szFile), 2u);
+    EXPECT_EQ(ReadAll(m_szJournal), "\n> probe exit 0 first\n12");
 }
 
 TEST_F(Launcher, TellsOfACrashWhereItWasAndWhoCalled)

@@ -30,6 +30,17 @@ int Write(PCWSTR pszFile)
     return nError;
 }
 
+// The number of bytes that one look at the file brings.
+int Read(PCWSTR pszFile)
+{
+    char buffer[64];
+    DWORD dwRead = 0;
+    const HANDLE hFile = CreateFileW(pszFile, GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    ReadFile(hFile, buffer, sizeof(buffer), &dwRead, nullptr);
+    CloseHandle(hFile);
+    return static_cast<int>(dwRead);
+}
+
 // Starts this program anew, with the text in its command line. The last error; 0 when it started.
 int Start(PCWSTR pszText)
 {
@@ -94,6 +105,9 @@ int wmain(int nArguments, wchar_t** ppszArguments)
     }
     if (szDo == L"write") {
         return Write(pszWith);
+    }
+    if (szDo == L"read") {
+        return Read(pszWith);
     }
     if (szDo == L"start") {
         return Start(pszWith);

@@ -1,0 +1,58 @@
+"""What the other tests rest on: a crash of the installer fails a test, and a test that fails tells what was to be seen."""
+
+import contextlib
+import io
+import unittest
+from dataclasses import dataclass
+
+import bystander
+from processtest import ProcessTest
+from start import Start
+
+CRASH_OF_ADB = "wine: Unhandled page fault on read access to 0000001F at address 7A19499C (thread 0190), starting debugger..."
+
+
+@dataclass
+class Said:
+    """A run that printed this."""
+
+    said: str
+    transcript: str = ""
+
+
+class Observed(ProcessTest):
+    def test_a_crash_of_the_installer_fails_the_test(self) -> None:
+        with self.assertRaisesRegex(AssertionError, "the installer crashed:\ncrash: exception 0xC0000005 at 0x10\ncrash: called"):
+            with Start() as start, self.observed(self.eyes, start):
+                self.wait_for_wizard(start)
+                frame = self.person.look().frame
+                assert frame
+                bystander.crash(frame.process)
+                start.wait()
+        self.assertEqual(start.exit_code, 0xC0000005)
+
+    def test_a_crash_of_adb_is_noted(self) -> None:
+        with contextlib.redirect_stdout(io.StringIO()) as printed, self.observed(self.eyes, Said(CRASH_OF_ADB)):
+            pass
+        self.assertIn(CRASH_OF_ADB, printed.getvalue())
+
+    def test_a_failure_tells_what_was_to_be_seen_and_what_was_said(self) -> None:
+        start = self.start_wizard()
+        with contextlib.redirect_stdout(io.StringIO()) as printed, self.assertRaises(ZeroDivisionError):
+            with self.observed(self.eyes, Said("a word", "> adb kill-server"), lambda: ["listening"]):
+                raise ZeroDivisionError
+        self.cancel(start)
+        told = printed.getvalue()
+        self.assertRegex(told, 'in front: NativeHWNDHost "KALVO Solvane Android Watch Installer"')
+        self.assertRegex(told, 'with the keyboard: Button "&Next"')
+        for words in ("a word", "> adb kill-server", "listening"):
+            self.assertIn(words, told)
+
+    def test_what_adb_is_asked_and_says_is_kept(self) -> None:
+        start = self.start_wizard()
+        self.cancel(start)
+        self.assertRegex(start.transcript, r"> .*kill-server\s+cannot connect to daemon at tcp:5037")
+
+
+if __name__ == "__main__":
+    unittest.main()
