@@ -290,13 +290,13 @@ TEST_F(DebuggingTest, WatchEndsWithConnectionsAtEveryStage)
     CAdbLink trusted = PairedLink();
     ASSERT_TRUE(trusted.Open(1, InstallService(1000)));
 
-    const auto before = std::chrono::steady_clock::now();
     Stop();
-    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(5));
     EXPECT_TRUE(pairingSilent.IsClosedByPeer());
     EXPECT_TRUE(debuggingSilent.IsClosedByPeer());
     EXPECT_TRUE(greeted.Socket().IsClosedByPeer());
     EXPECT_TRUE(trusted.Socket().IsClosedByPeer());
+    // It was told to end, and did not wait until its patience ended.
+    EXPECT_EQ(m_journal.Count("pairing: gave up"), 0U);
     EXPECT_EQ(m_journal.Count("debugging: gave up"), 0U);
 }
 
