@@ -281,6 +281,8 @@ TEST_F(DebuggingTest, TooManyConnectionsAreTurnedAway)
 
 TEST_F(DebuggingTest, WatchEndsWithConnectionsAtEveryStage)
 {
+    // One that waited for this would not be done when CTest ends the tests.
+    m_options.patience = std::chrono::hours(1);
     Start();
     CTestSocket pairingSilent(m_pWatch->PairingPort());
     CTestSocket debuggingSilent(m_pWatch->DebuggingPort());
@@ -295,8 +297,6 @@ TEST_F(DebuggingTest, WatchEndsWithConnectionsAtEveryStage)
     EXPECT_TRUE(debuggingSilent.IsClosedByPeer());
     EXPECT_TRUE(greeted.Socket().IsClosedByPeer());
     EXPECT_TRUE(trusted.Socket().IsClosedByPeer());
-    // It was told to end, and did not wait until its patience ended.
-    EXPECT_EQ(m_journal.Count("pairing: gave up"), 0U);
     EXPECT_EQ(m_journal.Count("debugging: gave up"), 0U);
 }
 
