@@ -3,38 +3,24 @@
 
 #include "adb/AdbOutput.h"
 
+#include "tests/kit/ProcessorTime.h"
 #include "tests/kit/Replaced.h"
 
 #include <gtest/gtest.h>
 
-#include <chrono>
+using kit::ProcessorTime;
+using kit::Seconds;
 
 namespace {
 
 constexpr size_t kMebibyte = 1 << 20;
 constexpr size_t kSize = 64 * kMebibyte;
 
-using Seconds = std::chrono::duration<double>;
-
 // A judge that looks at the text again and again takes many times as long.
 constexpr Seconds kLongest(3);
 
 // Less is too little for a clock that ticks every hundredth of a second.
 constexpr Seconds kMeasurable(0.035);
-
-// What the thread has had of a processor: on a busy machine less than has gone by.
-Seconds ProcessorTime()
-{
-    FILETIME created = {};
-    FILETIME exited = {};
-    FILETIME kernel = {};
-    FILETIME user = {};
-    EXPECT_TRUE(GetThreadTimes(GetCurrentThread(), &created, &exited, &kernel, &user));
-    const auto ticks = [](const FILETIME& time) {
-        return static_cast<double>((static_cast<uint64_t>(time.dwHighDateTime) << 32) | time.dwLowDateTime);
-    };
-    return Seconds((ticks(kernel) + ticks(user)) / 1e7);
-}
 
 struct JUDGE
 {

@@ -32,6 +32,16 @@ class TheKeyboardAlone(InstallationTest):
         self.person.press("space")
         self.person.wait_until("Next to go", lambda sight: sight.buttons == {"Back", "Cancel"})
 
+    def test_enter_does_nothing_while_next_is_hidden(self) -> None:
+        go_to_page(self.person, 2, self.watch)
+        self.assertEqual(self.person.look().buttons, {"Back", "Cancel"})
+        # The keys arrive in their order: where Enter led on, the tick would be on another page.
+        self.person.press("Return", "space")
+        sight = self.person.wait_until("Next", lambda sight: "Next" in sight.buttons)
+        self.assertEqual(sight.number, 2)
+        self.assertEqual(sight.boxes, ())
+        self.assertIs(self.person.holds(sight.page.box), True)
+
 
 class BackAndForth(InstallationTest):
     def test_ticks_are_kept_back_to_the_first_page_and_forward_again(self) -> None:

@@ -282,6 +282,8 @@ TEST_F(DebuggingTest, TooManyConnectionsAreTurnedAway)
 
 TEST_F(DebuggingTest, WatchEndsWithConnectionsAtEveryStage)
 {
+    // One that waited for this would not be done when CTest ends the tests.
+    m_options.patience = std::chrono::hours(1);
     Start();
     CTestSocket pairingSilent(m_pWatch->PairingPort());
     CTestSocket debuggingSilent(m_pWatch->DebuggingPort());
@@ -291,9 +293,7 @@ TEST_F(DebuggingTest, WatchEndsWithConnectionsAtEveryStage)
     CAdbLink trusted = PairedLink();
     ASSERT_TRUE(trusted.Open(1, InstallService(1000)));
 
-    const auto before = std::chrono::steady_clock::now();
     Stop();
-    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(5));
     EXPECT_TRUE(pairingSilent.IsClosedByPeer());
     EXPECT_TRUE(debuggingSilent.IsClosedByPeer());
     EXPECT_TRUE(greeted.Socket().IsClosedByPeer());

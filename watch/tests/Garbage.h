@@ -5,8 +5,8 @@
 
 #include <random>
 
-// What is thrown depends on the seed alone. Every function throws once at each port unless it says otherwise, and
-// returns whether the watch then closed the connection, as it should.
+// What is thrown depends on the seed alone, but for keys and what TLS draws at random. Every function throws once at
+// each port unless it says otherwise, and returns whether the watch then closed the connection, as it should.
 class CGarbage
 {
 public:

@@ -1,7 +1,7 @@
 // Throws garbage at both ports of a watch from several sides at once for a while, then looks whether it is unhurt: it
 // serves a computer, has closed what was opened, and ends without a word of the checks that it is built with.
 //
-//     watch-garbage SECONDS [SEED]     the seed is another one at every run, and printed
+//     watch-garbage SECONDS [SEED]     without a seed, another one at every run; printed in any case
 
 #include "Garbage.h"
 #include "Program.h"

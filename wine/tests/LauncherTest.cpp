@@ -130,7 +130,11 @@ TEST_F(Launcher, TellsOfACrashWhereItWasAndWhoCalled)
 
 TEST_F(Launcher, NeedNotWait)
 {
-    EXPECT_EQ(Launch(L"--no-wait -- \"" + TestFolder() + L"probe.exe\" write \"" + m_szFile + L"\""), 0u);
+    const CHandle hEvent(CreateEventW(nullptr, TRUE, FALSE, L"launcher has ended"));
+    EXPECT_EQ(
+        Launch(L"--no-wait -- \"" + TestFolder() + L"probe.exe\" write \"" + m_szFile + L"\" \"launcher has ended\""),
+        0u);
+    SetEvent(hEvent.get());
     for (int n = 0; n < 100 && ReadAll(m_szFile) != "12"; ++n) {
         Sleep(50);
     }

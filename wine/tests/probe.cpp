@@ -41,6 +41,15 @@ int Read(PCWSTR pszFile)
     return static_cast<int>(dwRead);
 }
 
+// Writes when the event with this name has come; else, after ten seconds, not.
+int WriteAfter(PCWSTR pszEvent, PCWSTR pszFile)
+{
+    const HANDLE hEvent = OpenEventW(SYNCHRONIZE, FALSE, pszEvent);
+    const DWORD dwResult = WaitForSingleObject(hEvent, 10000);
+    CloseHandle(hEvent);
+    return dwResult == WAIT_OBJECT_0 ? Write(pszFile) : static_cast<int>(dwResult);
+}
+
 // Starts this program anew, with the text in its command line. The last error; 0 when it started.
 int Start(PCWSTR pszText)
 {
@@ -104,7 +113,7 @@ int wmain(int nArguments, wchar_t** ppszArguments)
         return static_cast<int>(wcstol(pszWith, nullptr, 0));
     }
     if (szDo == L"write") {
-        return Write(pszWith);
+        return nArguments > 3 ? WriteAfter(ppszArguments[3], pszWith) : Write(pszWith);
     }
     if (szDo == L"read") {
         return Read(pszWith);

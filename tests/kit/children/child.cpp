@@ -8,6 +8,8 @@
 //   exit CODE            prints a line and ends with this exit code
 //   hand-on              leaves its standard output to a process that prints later, and ends
 //   linger               is that process
+//   live-on EVENT        prints a line, closes its output, and lives until the event with this name comes, or for
+//                        twenty seconds
 //   console              prints whether it has a console window
 
 #include <windows.h>
@@ -66,6 +68,13 @@ void HandOn()
     CreateProcessW(szSelf, szArguments, nullptr, nullptr, TRUE, 0, nullptr, nullptr, &si, &pi);
 }
 
+void LiveOn(const char* pszEvent)
+{
+    Print("done\n");
+    CloseHandle(GetStdHandle(STD_OUTPUT_HANDLE));
+    WaitForSingleObject(OpenEventA(SYNCHRONIZE, FALSE, pszEvent), 20000);
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -88,6 +97,8 @@ int main(int argc, char** argv)
     } else if (strAction == "linger") {
         Sleep(700);
         Print("late\n");
+    } else if (strAction == "live-on") {
+        LiveOn(pszValue);
     } else if (strAction == "console") {
         Print(GetConsoleWindow() == nullptr ? "no window" : "a window");
     } else if (strAction != "nothing") {

@@ -88,6 +88,28 @@ TEST_F(RealProcess, IsReadUntilTheLastHolderOfThePipeIsDone)
     EXPECT_EQ(m_strOutput, "early\nlate\n");
 }
 
+// The end of its output is the end of the run. Nothing waits for the process itself.
+TEST_F(RealProcess, ThatClosesItsOutputAndLivesOnIsLeftToItself)
+{
+    const HANDLE hEnd = CreateEventW(nullptr, TRUE, FALSE, L"end of child");
+    HANDLE hChild = nullptr;
+    DWORD dwExitCode = 0;
+    const REPLACED(GetExitCodeProcess) exitCode([&](HANDLE h, DWORD* pdw) {
+        DuplicateHandle(GetCurrentProcess(), h, GetCurrentProcess(), &hChild, 0, FALSE, DUPLICATE_SAME_ACCESS);
+        const BOOL bResult = exitCode.Next(h, pdw);
+        dwExitCode = *pdw;
+        return bResult;
+    });
+    EXPECT_EQ(RunProgram(m_strOutput, L" live-on \"end of child\""), ADB_SUCCESS);
+    EXPECT_EQ(m_strOutput, "done\n");
+    EXPECT_EQ(dwExitCode, static_cast<DWORD>(STILL_ACTIVE));
+    EXPECT_EQ(WaitForSingleObject(hChild, 0), static_cast<DWORD>(WAIT_TIMEOUT));
+    SetEvent(hEnd);
+    EXPECT_EQ(WaitForSingleObject(hChild, INFINITE), WAIT_OBJECT_0);
+    CloseHandle(hChild);
+    CloseHandle(hEnd);
+}
+
 TEST_F(RealProcess, ShowsNoWindow)
 {
     EXPECT_EQ(RunProgram(m_strOutput, L" console"), ADB_SUCCESS);

@@ -217,6 +217,9 @@ INSTANTIATE_TEST_SUITE_P(Trimming, ComErrorDescription,
                                          Trimming{L"Nothing after the stop .", L"Nothing after the stop "},
                                          Trimming{L"One. Two.\n", L"One. Two"}, Trimming{L"Plain", L"Plain"},
                                          Trimming{L"Why?\r\n", L"Why?"}, Trimming{L".", L""}, Trimming{L"x", L"x"},
+                                         Trimming{L"Wide blanks.\u2003\u3000\r\n", L"Wide blanks"},
+                                         Trimming{L"A line's end\u2028 \u2029", L"A line's end"},
+                                         Trimming{L"Not blank\u200B\r\n", L"Not blank\u200B"},
                                          Trimming{L" \r\n", L""}));
 
 TEST_F(ErrorReport, AComErrorIsToldInTheSystemsOwnWords)

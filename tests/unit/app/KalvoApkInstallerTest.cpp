@@ -130,6 +130,36 @@ TEST_F(ApplicationPaths, AreSplitMadeAndCopiedWithinTheirBounds)
     EXPECT_EQ(copy.Arg<1>(), 260u);
 }
 
+// As the runtime fails: with nothing in what it was to fill.
+TEST_F(ApplicationPaths, AreThereThoughTheExecutablesCannotBeSplit)
+{
+    const Split split([](PCWSTR, PWSTR pszDrive, size_t, PWSTR pszDirectory, size_t, PWSTR pszName, size_t,
+                         PWSTR pszExtension, size_t) -> errno_t {
+        *pszDrive = *pszDirectory = *pszName = *pszExtension = L'\0';
+        return ERANGE;
+    });
+    EXPECT_TRUE(Paths().Initialize());
+    EXPECT_EQ(Paths().m_bInitialized, 1);
+    EXPECT_STREQ(Paths().m_szFullPath, L"D:\\Some folder\\sub.dir\\Kalvo Installer.v2.exe");
+    EXPECT_STREQ(Paths().m_szFolderPath, L"");
+    EXPECT_STREQ(Paths().m_szFileName, L"");
+    EXPECT_STREQ(Paths().m_szAppDataFolderPath, L"C:\\Users\\kim\\AppData\\Local\\KALVO_ApkInstaller");
+}
+
+TEST_F(ApplicationPaths, AreThereThoughFolderAndNameCannotBeMade)
+{
+    const auto fail = [](PWSTR psz, auto&&...) -> errno_t {
+        *psz = L'\0';
+        return EINVAL;
+    };
+    const Make make{InTurn(fail, fail)};
+    EXPECT_TRUE(Paths().Initialize());
+    EXPECT_EQ(Paths().m_bInitialized, 1);
+    EXPECT_STREQ(Paths().m_szFolderPath, L"");
+    EXPECT_STREQ(Paths().m_szFileName, L"");
+    EXPECT_STREQ(Paths().m_szAppDataFolderPath, L"C:\\Users\\kim\\AppData\\Local\\KALVO_ApkInstaller");
+}
+
 class RealPaths : public Test
 {
 };

@@ -145,10 +145,8 @@ TEST_F(KitTest, LeavesTheCallsOfOtherThreadsAlone)
 
 TEST_F(KitTest, SleepsAreKeptAndTakeNoTime)
 {
-    const ULONGLONG nBefore = GetTickCount64();
-    Sleep(100000);
-    EXPECT_LT(GetTickCount64() - nBefore, 50000u);
-    EXPECT_EQ(Sleeps(), std::vector<DWORD>{100000});
+    Sleep(INFINITE);
+    EXPECT_EQ(Sleeps(), std::vector<DWORD>{INFINITE});
 }
 
 TEST_F(KitTest, EndingTheProcessEndsTheBody)

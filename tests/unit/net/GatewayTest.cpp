@@ -92,6 +92,34 @@ TEST_F(Gateway, OfTheLongestAddressFillsTheBuffer)
     EXPECT_STREQ(m_szGateway, L"255.255.255.255");
 }
 
+// Without a gateway between this computer and the destination the next hop is no address, which is a text like any.
+TEST_F(Gateway, MayBeNoAddressAtAll)
+{
+    const REPLACED(GetBestInterfaceEx) interfaceTo(FindInterface);
+    const REPLACED(GetBestRoute2) route(RouteOver(L"0.0.0.0"));
+    EXPECT_EQ(Get(), TRUE);
+    EXPECT_STREQ(m_szGateway, L"0.0.0.0");
+}
+
+// The system fills the row as it is documented, whatever the header at hand makes of it; the answers of these tests
+// are made with the same header and would never tell.
+static_assert(sizeof(MIB_IPFORWARD_ROW2) == 104);
+static_assert(offsetof(MIB_IPFORWARD_ROW2, InterfaceLuid) == 0);
+static_assert(offsetof(MIB_IPFORWARD_ROW2, InterfaceIndex) == 8);
+static_assert(offsetof(MIB_IPFORWARD_ROW2, DestinationPrefix) == 12);
+static_assert(offsetof(MIB_IPFORWARD_ROW2, NextHop) == 44);
+static_assert(offsetof(MIB_IPFORWARD_ROW2, NextHop.Ipv4.sin_addr) == 48);
+static_assert(offsetof(MIB_IPFORWARD_ROW2, SitePrefixLength) == 72);
+static_assert(offsetof(MIB_IPFORWARD_ROW2, ValidLifetime) == 76);
+static_assert(offsetof(MIB_IPFORWARD_ROW2, PreferredLifetime) == 80);
+static_assert(offsetof(MIB_IPFORWARD_ROW2, Metric) == 84);
+static_assert(offsetof(MIB_IPFORWARD_ROW2, Protocol) == 88);
+static_assert(offsetof(MIB_IPFORWARD_ROW2, Loopback) == 92);
+static_assert(offsetof(MIB_IPFORWARD_ROW2, Age) == 96);
+static_assert(offsetof(MIB_IPFORWARD_ROW2, Origin) == 100);
+static_assert(sizeof(SOCKADDR_INET) == 28);
+static_assert(sizeof(NET_LUID) == 8);
+
 bool IsZero(const void* p, size_t cb)
 {
     const auto* pBytes = static_cast<const BYTE*>(p);

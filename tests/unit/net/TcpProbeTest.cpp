@@ -245,9 +245,10 @@ TEST_P(TcpProbePoll, FailsForTheErrorBitAlone)
 
 INSTANTIATE_TEST_SUITE_P(Events, TcpProbePoll,
                          testing::Values(std::pair<SHORT, bool>(0x0001, false), std::pair<SHORT, bool>(0x0011, false),
-                                         std::pair<SHORT, bool>(0x0003, false), std::pair<SHORT, bool>(0x0002, true),
-                                         std::pair<SHORT, bool>(0x0004, true), std::pair<SHORT, bool>(0x0000, true),
-                                         std::pair<SHORT, bool>(0x0012, true), std::pair<SHORT, bool>(0x0010, true)));
+                                         std::pair<SHORT, bool>(0x0003, false), std::pair<SHORT, bool>(0x0013, false),
+                                         std::pair<SHORT, bool>(0x0002, true), std::pair<SHORT, bool>(0x0004, true),
+                                         std::pair<SHORT, bool>(0x0000, true), std::pair<SHORT, bool>(0x0012, true),
+                                         std::pair<SHORT, bool>(0x0010, true)));
 
 TEST_F(TcpProbe, TakesMoreThanOneReadySocketForSuccess)
 {

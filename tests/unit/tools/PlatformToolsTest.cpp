@@ -566,12 +566,16 @@ TEST_F(PlatformToolsArchive, IsReadByItsNameInTheThreadsCodePage)
     EXPECT_EQ(narrow.Arg<2>(0), Archive().wstring());
     EXPECT_EQ(narrow.Arg<0>(1), static_cast<UINT>(CP_THREAD_ACP));
     EXPECT_EQ(narrow.Arg<2>(1), WorkingFolder().wstring());
+    // Four bytes for each character and the terminator.
+    EXPECT_EQ(narrow.Arg<5>(0), static_cast<int>(4 * (Archive().wstring().size() + 1)));
+    EXPECT_EQ(narrow.Arg<5>(1), static_cast<int>(4 * (WorkingFolder().wstring().size() + 1)));
 }
 
 TEST_F(PlatformToolsArchive, WhoseNameCannotBeNarrowedRaisesAnException)
 {
     const REPLACED(WideCharToMultiByte) narrow(Returns(0, ERROR_NO_UNICODE_TRANSLATION));
     EXPECT_THROW(Tools().Install(), CAtlException);
+    EXPECT_EQ(narrow.Calls(), 1u);
 }
 
 TEST_F(PlatformToolsArchive, WhoseNameNeedsMoreRoomIsNarrowedAgain)
@@ -581,6 +585,16 @@ TEST_F(PlatformToolsArchive, WhoseNameNeedsMoreRoomIsNarrowedAgain)
     EXPECT_TRUE(Tools().Install());
     EXPECT_EQ(narrow.Arg<5>(1), 0);
     EXPECT_EQ(narrow.Arg<2>(2), Archive().wstring());
+    // As long as the system said.
+    EXPECT_EQ(narrow.Arg<5>(2), static_cast<int>(Archive().wstring().size() + 1));
+}
+
+TEST_F(PlatformToolsArchive, WhoseNameStillNeedsMoreRoomRaisesAnException)
+{
+    const auto tooSmall = Returns(0, ERROR_INSUFFICIENT_BUFFER);
+    const REPLACED(WideCharToMultiByte) narrow{InTurn(tooSmall, PassOn(), tooSmall)};
+    EXPECT_THROW(Tools().Install(), CAtlException);
+    EXPECT_EQ(narrow.Calls(), 3u);
 }
 
 TEST_F(PlatformToolsArchive, ThatCannotBeOpenedFailsWithoutAWord)

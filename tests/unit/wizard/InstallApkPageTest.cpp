@@ -55,6 +55,13 @@ std::string StatusLine(const std::wstring& strText)
     return "status \"" + Narrow(strText) + '"';
 }
 
+// What adb prints when the watch names this reason.
+std::string FailureNamed(const std::string& strName)
+{
+    return "Performing Streamed Install\r\nadb: failed to install C:\\solvane.apk: Failure [" + strName +
+           ": because]\r\n";
+}
+
 // The folder of the program, for the length of a scope.
 class ProgramFolder
 {
@@ -377,6 +384,41 @@ TEST_F(InstallApkPage, NamesThePackageByNameAndExtensionAndGivesAdbItsWholePath)
     EXPECT_EQ(statuses.back(), L"Installed Solvane Watch v1.2.apk");
 }
 
+TEST_F(InstallApkPage, TakesPercentSignsInThePathForWhatTheyAre)
+{
+    constexpr PCWSTR pszName = L"100%s %d%n%%.apk";
+    m_adb.Prints(kConnected).Prints(kInstalled).Prints(kStopped);
+    EnterPackage(pszName);
+    EXPECT_EQ(Next(), 0);
+    EXPECT_EQ(AfterPing(), Join({ConnectRun(1),
+                                 {"status \"Connected to 192.168.1.100:43210\""},
+                                 InstallRun(1, pszName),
+                                 {StatusLine(std::wstring(L"Installed ") + pszName)},
+                                 StopRun()}));
+}
+
+TEST_F(InstallApkPage, NamesPercentSignsInABox)
+{
+    m_adb.Prints(kConnected).Prints(FailureNamed("INSTALL_FAILED_ALREADY_EXISTS")).Prints(kStopped);
+    EnterPackage(L"100%s.apk");
+    EXPECT_EQ(Next(), -1);
+    ExpectBoxOfPage(L"There is a version of 100%s.apk already installed on the device.\n\n"
+                    L"Please manually uninstall it and then press Next.");
+}
+
+// The system splits no path whose file name is that long. The whole path goes to adb all the same.
+TEST_F(InstallApkPage, HasNoNameForAPackageWhosePathCannotBeSplit)
+{
+    const std::wstring strPath = std::wstring(256, L'n') + L".x";
+    m_adb.Prints(kConnected).Prints(kInstalled).Prints(kStopped);
+    m_page.SetText(kPath, strPath.c_str());
+    EXPECT_EQ(Next(), 0);
+    EXPECT_EQ(m_adb.Commands()[1], L" -s 192.168.1.100:43210 install \"" + strPath + L'"');
+    const std::vector<std::wstring> statuses = m_page.TextsOf(kStatus);
+    EXPECT_EQ(statuses[statuses.size() - 2], L"Installing  (attempt 1 of 3)");
+    EXPECT_EQ(statuses.back(), L"Installed ");
+}
+
 TEST_F(InstallApkPage, LeavesTheSharedDataAsItIs)
 {
     const CWizardData before = m_data;
@@ -553,13 +595,6 @@ struct Refusal
 void PrintTo(const Refusal& refusal, std::ostream* pOut)
 {
     *pOut << refusal.pszName;
-}
-
-// What adb prints when the watch names this reason.
-std::string FailureNamed(const std::string& strName)
-{
-    return "Performing Streamed Install\r\nadb: failed to install C:\\solvane.apk: Failure [" + strName +
-           ": because]\r\n";
 }
 
 class InstallApkRefusal : public InstallApkPage, public testing::WithParamInterface<Refusal>

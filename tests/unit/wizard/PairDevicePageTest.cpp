@@ -596,6 +596,23 @@ TEST_F(PairDevicePage, BeginsAnewWithEveryNext)
     ExpectCode(L"654321");
 }
 
+// The user went back and gave another address: the page keeps showing the one it was made with.
+TEST_F(PairDevicePage, PairsAtTheAddressOfTheDataAlsoWhenItShowsAnEarlierOne)
+{
+    m_page.Notify(PSN_SETACTIVE);
+    reinterpret_cast<SOCKADDR_IN&>(m_data.m_saWatchAddress) = MakeAddress(L"10.0.0.7", 5555);
+    m_page.Notify(PSN_SETACTIVE);
+    DWORD dwShown = 0;
+    SendDlgItemMessageW(m_page.Window(), kAddress, IPM_GETADDRESS, 0, reinterpret_cast<LPARAM>(&dwShown));
+    EXPECT_EQ(dwShown, 0xC0A80164u);
+
+    m_adb.Prints(kStopped).Prints(kPaired);
+    Enter(L"37777", L"123456");
+    EXPECT_EQ(Next(), 0);
+    EXPECT_EQ(JournalOf({"ping 10.0.0.7"}).size(), 1u);
+    EXPECT_EQ(m_adb.Commands().back(), L" pair 10.0.0.7:37777 123456");
+}
+
 TEST_F(PairDevicePage, KeepsAnEarlierCodeWhenALaterTryFails)
 {
     m_adb.Prints(kStopped).Prints(kPaired);

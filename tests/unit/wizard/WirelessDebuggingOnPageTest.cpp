@@ -105,7 +105,7 @@ TEST_P(WirelessDebuggingOnPrefill, IsTheFirstThreeOctetsOfTheGateway)
 INSTANTIATE_TEST_SUITE_P(Gateways, WirelessDebuggingOnPrefill,
                          testing::Values(Prefill{L"192.168.1.1", L"192.168.1."}, Prefill{L"10.0.0.1", L"10.0.0."},
                                          Prefill{L"172.16.255.254", L"172.16.255."},
-                                         Prefill{L"255.255.255.255", L"255.255.255."}));
+                                         Prefill{L"255.255.255.255", L"255.255.255."}, Prefill{L"0.0.0.0", L"0.0.0."}));
 
 TEST_F(NewWirelessDebuggingOnPage, PutsTheFocusIntoTheLastFieldOfAPrefilledAddress)
 {
