@@ -60,6 +60,7 @@ HANDLE GetProcessHeap(void);
 void* HeapAlloc(HANDLE hHeap, DWORD dwFlags, SIZE_T cb);
 BOOL HeapFree(HANDLE hHeap, DWORD dwFlags, void* p);
 int MultiByteToWideChar(UINT nCodePage, DWORD dwFlags, const char* pch, int cb, PWSTR pchWide, int cchWide);
+BOOL DeleteFileW(PCWSTR pszPath);
 HMODULE GetModuleHandleW(PCWSTR pszModule);
 int LoadStringW(HINSTANCE hInstance, UINT nID, PWSTR pszText, int cchText);
 int _vscwprintf(PCWSTR pszFormat, va_list args);
