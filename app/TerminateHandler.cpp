@@ -1,6 +1,6 @@
-// What GCC's runtime calls for an exception that nobody catches, such as memory running out in a
-// string. Its own handler writes the exception's name to a console, which this program has not, and
-// would make the program larger by half for it.
+// What GCC's runtime calls for an exception that nobody catches, until the program has named its own
+// handler. The runtime's would make the program larger by half, for writing the exception's name to a
+// console that is not there.
 
 #include <cstdlib>
 

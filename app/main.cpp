@@ -9,7 +9,24 @@
 
 #include <shlwapi.h>
 
+#include <exception>
+
 namespace {
+
+// The exit code of a run that an exception ends, which is the C runtime's own for that.
+constexpr UINT kUncaught = 3;
+
+// To be called before anything else. What the process may load and show, whoever calls for it.
+void SetUpProcess()
+{
+    // The load configuration speaks for the libraries that this program links; parts of the system load more by
+    // their names later on.
+    SetDefaultDllDirectories(LOAD_LIBRARY_SEARCH_SYSTEM32);
+    // The C runtime would show a box of its own.
+    std::set_terminate([] { ExitProcess(kUncaught); });
+    // A page that waits for adb stays as it is: its status line tells what it waits for.
+    DisableProcessWindowsGhosting();
+}
 
 // Deploys the tools, runs the wizard and removes the tools. Returns what went wrong, or null.
 PCWSTR RunInstaller(HINSTANCE hInstance)
@@ -48,6 +65,7 @@ PCWSTR RunInstaller(HINSTANCE hInstance)
 int WINAPI wWinMain(_In_ HINSTANCE hInstance, _In_opt_ HINSTANCE /*hPrevious*/, _In_ PWSTR /*pszCommandLine*/,
                     _In_ int /*nShow*/)
 {
+    SetUpProcess();
     CStringW szTitle;
     if (!szTitle.LoadStringW(IDS_APPLICATION_TITLE)) {
         MessageBoxW(nullptr, L"Unable to load application title", L"Error", MB_OK);

@@ -4,15 +4,13 @@
 
 #include <atlstr.h>
 
-// A narrow copy of a wide text, for as long as the object lives. Up to t_nBufferLength bytes are
-// held in place, more on the heap. Without a code page the text is converted for the ANSI code page
-// of the thread. m_psz is null for a null text. A text that cannot be converted, or memory that
-// cannot be had, ends in AtlThrow.
-template<int t_nBufferLength = 128>
-class CW2AEX
+// A copy of a wide text in the ANSI code page of the thread, for as long as the object lives. Up to 128
+// bytes are held in place, more on the heap. m_psz is null for a null text. A text that cannot be
+// converted, or memory that cannot be had, ends in AtlThrow.
+class CW2A
 {
 public:
-    explicit CW2AEX(PCWSTR psz, UINT nCodePage = CP_THREAD_ACP)
+    explicit CW2A(PCWSTR psz)
     {
         if (psz == nullptr) {
             return;
@@ -21,13 +19,13 @@ public:
         // Four bytes a character are enough for every code page in use but a few.
         int cb = cch * 4;
         Reserve(cb);
-        if (WideCharToMultiByte(nCodePage, 0, psz, cch, m_psz, cb, nullptr, nullptr) != 0) {
+        if (WideCharToMultiByte(CP_THREAD_ACP, 0, psz, cch, m_psz, cb, nullptr, nullptr) != 0) {
             return;
         }
         if (GetLastError() == ERROR_INSUFFICIENT_BUFFER) {
-            cb = WideCharToMultiByte(nCodePage, 0, psz, cch, nullptr, 0, nullptr, nullptr);
+            cb = WideCharToMultiByte(CP_THREAD_ACP, 0, psz, cch, nullptr, 0, nullptr, nullptr);
             Reserve(cb);
-            if (WideCharToMultiByte(nCodePage, 0, psz, cch, m_psz, cb, nullptr, nullptr) != 0) {
+            if (WideCharToMultiByte(CP_THREAD_ACP, 0, psz, cch, m_psz, cb, nullptr, nullptr) != 0) {
                 return;
             }
         }
@@ -36,13 +34,13 @@ public:
         AtlThrow(hr);
     }
 
-    ~CW2AEX()
+    ~CW2A()
     {
         Free();
     }
 
-    CW2AEX(const CW2AEX&) = delete;
-    CW2AEX& operator=(const CW2AEX&) = delete;
+    CW2A(const CW2A&) = delete;
+    CW2A& operator=(const CW2A&) = delete;
 
     operator PSTR() const
     {
@@ -55,7 +53,8 @@ private:
     void Reserve(int cb)
     {
         Free();
-        m_psz = cb <= t_nBufferLength ? m_szBuffer : static_cast<PSTR>(malloc(static_cast<size_t>(cb)));
+        const auto cbNeeded = static_cast<size_t>(cb);
+        m_psz = cbNeeded <= sizeof(m_szBuffer) ? m_szBuffer : static_cast<PSTR>(malloc(cbNeeded));
         if (m_psz == nullptr) {
             AtlThrow(E_OUTOFMEMORY);
         }
@@ -69,7 +68,5 @@ private:
         m_psz = nullptr;
     }
 
-    char m_szBuffer[t_nBufferLength];
+    char m_szBuffer[128];
 };
-
-using CW2A = CW2AEX<>;

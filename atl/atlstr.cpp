@@ -3,9 +3,9 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdarg>
 #include <cstddef>
 #include <cwchar>
-#include <cwctype>
 #include <new>
 #include <utility>
 
@@ -31,39 +31,6 @@ namespace {
 
 // The largest length: twice as many units, as bytes and with the header, still fit every integer used here.
 constexpr int kMaxLength = 1 << 30;
-
-int CheckedSum(int nLength1, int nLength2)
-{
-    if (nLength2 > kMaxLength - nLength1) {
-        AtlThrow(E_OUTOFMEMORY);
-    }
-    return nLength1 + nLength2;
-}
-
-int LengthOf(PCWSTR psz)
-{
-    return psz == nullptr ? 0 : static_cast<int>(std::min<size_t>(wcslen(psz), kMaxLength + 1));
-}
-
-void CopyUnits(PWSTR pchTo, PCWSTR pchFrom, int nCount)
-{
-    wmemmove(pchTo, pchFrom, static_cast<size_t>(nCount));
-}
-
-// Memory for nLength units, their NUL and what lies before them; pOld is moved there if given.
-void* AllocateFor(size_t cbHeader, int nLength, void* pOld)
-{
-    if (nLength > kMaxLength) {
-        AtlThrow(E_OUTOFMEMORY);
-    }
-    const size_t cb = cbHeader + ((static_cast<size_t>(nLength) + 1) * sizeof(WCHAR));
-    void* const pNew =
-        pOld == nullptr ? HeapAlloc(GetProcessHeap(), 0, cb) : HeapReAlloc(GetProcessHeap(), 0, pOld, cb);
-    if (pNew == nullptr) {
-        AtlThrow(E_OUTOFMEMORY);
-    }
-    return pNew;
-}
 
 } // namespace
 
@@ -92,139 +59,39 @@ bool CStringW::IsShared() const
 
 CStringW::CStringW() : m_pszData(Nil()) {}
 
-CStringW::CStringW(const CStringW& strSrc) : CStringW()
+CStringW::CStringW(const CStringW& strSrc) : m_pszData(strSrc.m_pszData)
 {
-    *this = strSrc;
+    if (m_pszData != Nil()) {
+        Header()->nRefs.fetch_add(1, std::memory_order_relaxed);
+    }
 }
 
-CStringW::CStringW(CStringW&& strSrc) noexcept : CStringW()
-{
-    std::swap(m_pszData, strSrc.m_pszData);
-}
+CStringW::CStringW(CStringW&& strSrc) noexcept : m_pszData(std::exchange(strSrc.m_pszData, Nil())) {}
 
-CStringW::CStringW(PCWSTR pszSrc) : CStringW()
+CStringW::CStringW(PCWSTR pszSrc)
+    : CStringW(pszSrc, pszSrc == nullptr ? 0 : static_cast<int>(std::min<size_t>(wcslen(pszSrc), kMaxLength + 1)))
 {
-    SetString(pszSrc);
 }
 
 CStringW::CStringW(PCWSTR pchSrc, int nLength) : CStringW()
 {
-    SetString(pchSrc, nLength);
-}
-
-CStringW::CStringW(WCHAR ch, int nRepeat) : CStringW()
-{
-    if (nRepeat > 0) {
-        wmemset(GetBufferSetLength(nRepeat), ch, static_cast<size_t>(nRepeat));
+    if (nLength > 0) {
+        wmemcpy(GetBuffer(nLength), pchSrc, static_cast<size_t>(nLength));
+        ReleaseBufferSetLength(nLength);
     }
 }
 
 CStringW::~CStringW()
-{
-    Release();
-}
-
-// Leaves m_pszData dangling.
-void CStringW::Release()
 {
     if (m_pszData != Nil() && Header()->nRefs.fetch_sub(1, std::memory_order_acq_rel) == 1) {
         HeapFree(GetProcessHeap(), 0, Header());
     }
 }
 
-// Strings that share are the same in every respect, a string and itself among them.
-CStringW& CStringW::operator=(const CStringW& strSrc) // NOLINT(cert-oop54-cpp)
+CStringW& CStringW::operator=(CStringW strSrc) noexcept
 {
-    if (m_pszData != strSrc.m_pszData) {
-        if (strSrc.m_pszData != Nil()) {
-            strSrc.Header()->nRefs.fetch_add(1, std::memory_order_relaxed);
-        }
-        Release();
-        m_pszData = strSrc.m_pszData;
-    }
+    std::swap(m_pszData, strSrc.m_pszData);
     return *this;
-}
-
-CStringW& CStringW::operator=(CStringW&& strSrc) noexcept
-{
-    if (this != &strSrc) {
-        Release();
-        m_pszData = std::exchange(strSrc.m_pszData, Nil());
-    }
-    return *this;
-}
-
-CStringW& CStringW::operator=(PCWSTR pszSrc)
-{
-    SetString(pszSrc);
-    return *this;
-}
-
-CStringW& CStringW::operator=(WCHAR ch)
-{
-    SetString(&ch, 1);
-    return *this;
-}
-
-// Makes the characters this string's own, with room for nLength units; the text stays.
-void CStringW::Reserve(int nLength)
-{
-    if (nLength < 0) {
-        AtlThrow(E_INVALIDARG);
-    }
-    CHeader* const pOld = Header();
-    if (IsShared()) {
-        const int nAllocLength = std::max(nLength, pOld->nLength);
-        auto* const pNew =
-            new (AllocateFor(sizeof(CHeader), nAllocLength, nullptr)) CHeader{1, pOld->nLength, nAllocLength};
-        CopyUnits(pNew->Characters(), m_pszData, pOld->nLength + 1);
-        Release();
-        m_pszData = pNew->Characters();
-    } else if (nLength > pOld->nAllocLength) {
-        // Half as much again, so that a text made of many small pieces is not moved for each.
-        const int nAllocLength = std::max(nLength, std::min(pOld->nAllocLength / 2 * 3, kMaxLength));
-        auto* const pNew = static_cast<CHeader*>(AllocateFor(sizeof(CHeader), nAllocLength, pOld));
-        pNew->nAllocLength = nAllocLength;
-        m_pszData = pNew->Characters();
-    }
-}
-
-void CStringW::SetLength(int nLength)
-{
-    if (nLength < 0 || nLength > Header()->nAllocLength) {
-        AtlThrow(E_INVALIDARG);
-    }
-    Header()->nLength = nLength;
-    m_pszData[nLength] = L'\0';
-}
-
-// Pointers into different memory have no order of their own, addresses have.
-bool CStringW::Holds(PCWSTR pch) const
-{
-    const auto address = reinterpret_cast<UINT_PTR>(pch);
-    const auto begin = reinterpret_cast<UINT_PTR>(m_pszData);
-    return address >= begin && address <= begin + static_cast<UINT_PTR>(GetLength()) * sizeof(WCHAR);
-}
-
-void CStringW::SetString(PCWSTR pszSrc)
-{
-    SetString(pszSrc, LengthOf(pszSrc));
-}
-
-void CStringW::SetString(PCWSTR pchSrc, int nLength)
-{
-    if (nLength == 0) {
-        Empty();
-        return;
-    }
-    if (pchSrc == nullptr) {
-        AtlThrow(E_INVALIDARG);
-    }
-    const bool bOwnPart = Holds(pchSrc);
-    const ptrdiff_t iOwnPart = bOwnPart ? pchSrc - m_pszData : 0;
-    Reserve(nLength);
-    CopyUnits(m_pszData, bOwnPart ? m_pszData + iOwnPart : pchSrc, nLength);
-    SetLength(nLength);
 }
 
 int CStringW::GetLength() const
@@ -232,304 +99,74 @@ int CStringW::GetLength() const
     return Header()->nLength;
 }
 
-int CStringW::GetAllocLength() const
-{
-    return Header()->nAllocLength;
-}
-
 void CStringW::Empty()
 {
-    Release();
-    m_pszData = Nil();
-}
-
-void CStringW::Preallocate(int nLength)
-{
-    Reserve(nLength);
-}
-
-WCHAR CStringW::GetAt(int iChar) const
-{
-    if (iChar < 0 || iChar > GetLength()) {
-        AtlThrow(E_INVALIDARG);
-    }
-    return m_pszData[iChar];
-}
-
-void CStringW::SetAt(int iChar, WCHAR ch)
-{
-    if (iChar < 0 || iChar >= GetLength()) {
-        AtlThrow(E_INVALIDARG);
-    }
-    GetBuffer()[iChar] = ch;
-}
-
-PWSTR CStringW::GetBuffer()
-{
-    return GetBuffer(GetLength());
+    *this = CStringW();
 }
 
 PWSTR CStringW::GetBuffer(int nMinBufferLength)
 {
-    Reserve(nMinBufferLength);
-    return m_pszData;
-}
-
-PWSTR CStringW::GetBufferSetLength(int nLength)
-{
-    Reserve(nLength);
-    SetLength(nLength);
-    return m_pszData;
-}
-
-void CStringW::ReleaseBuffer(int nNewLength)
-{
-    if (nNewLength == -1) {
-        nNewLength = static_cast<int>(wcsnlen(m_pszData, static_cast<size_t>(GetAllocLength())));
+    const int nLength = GetLength();
+    if (IsShared() || nMinBufferLength > Header()->nAllocLength) {
+        // Half as much again, so that a text made of many small pieces is not moved for each.
+        const int nAllocLength = std::max(nMinBufferLength, std::min(nLength + nLength / 2, kMaxLength));
+        const size_t cb = sizeof(CHeader) + ((static_cast<size_t>(nAllocLength) + 1) * sizeof(WCHAR));
+        void* const pMemory = nAllocLength > kMaxLength ? nullptr : HeapAlloc(GetProcessHeap(), 0, cb);
+        if (pMemory == nullptr) {
+            AtlThrow(E_OUTOFMEMORY);
+        }
+        CStringW strNew;
+        strNew.m_pszData = (new (pMemory) CHeader{1, nLength, nAllocLength})->Characters();
+        wmemcpy(strNew.m_pszData, m_pszData, static_cast<size_t>(nLength) + 1);
+        *this = std::move(strNew);
     }
-    SetLength(nNewLength);
+    return m_pszData;
 }
 
 void CStringW::ReleaseBufferSetLength(int nNewLength)
 {
-    SetLength(nNewLength);
-}
-
-void CStringW::Truncate(int nNewLength)
-{
-    if (nNewLength < GetLength()) {
-        Reserve(nNewLength);
-        SetLength(nNewLength);
-    }
-}
-
-void CStringW::Append(PCWSTR pszSrc)
-{
-    Append(pszSrc, LengthOf(pszSrc));
-}
-
-void CStringW::Append(PCWSTR pchSrc, int nLength)
-{
-    if (nLength == 0) {
-        return;
-    }
-    if (pchSrc == nullptr || nLength < 0) {
+    if (nNewLength < 0 || nNewLength > Header()->nAllocLength) {
         AtlThrow(E_INVALIDARG);
     }
-    const int nOldLength = GetLength();
-    const bool bOwnPart = Holds(pchSrc);
-    const ptrdiff_t iOwnPart = bOwnPart ? pchSrc - m_pszData : 0;
-    Reserve(CheckedSum(nOldLength, nLength));
-    CopyUnits(m_pszData + nOldLength, bOwnPart ? m_pszData + iOwnPart : pchSrc, nLength);
-    SetLength(nOldLength + nLength);
-}
-
-void CStringW::Append(const CStringW& strSrc)
-{
-    Append(strSrc.m_pszData, strSrc.GetLength());
+    Header()->nLength = nNewLength;
+    m_pszData[nNewLength] = L'\0';
 }
 
 void CStringW::AppendChar(WCHAR ch)
 {
-    Append(&ch, 1);
+    const int nLength = GetLength();
+    GetBuffer(nLength + 1)[nLength] = ch;
+    ReleaseBufferSetLength(nLength + 1);
 }
 
-CStringW& CStringW::operator+=(const CStringW& strSrc)
-{
-    Append(strSrc);
-    return *this;
-}
-
-CStringW& CStringW::operator+=(PCWSTR pszSrc)
-{
-    Append(pszSrc);
-    return *this;
-}
-
-CStringW& CStringW::operator+=(WCHAR ch)
-{
-    AppendChar(ch);
-    return *this;
-}
-
-CStringW operator+(const CStringW& str1, const CStringW& str2)
-{
-    CStringW strSum(str1);
-    strSum.Append(str2);
-    return strSum;
-}
-
-CStringW operator+(const CStringW& str1, PCWSTR psz2)
-{
-    CStringW strSum(str1);
-    strSum.Append(psz2);
-    return strSum;
-}
-
-CStringW operator+(PCWSTR psz1, const CStringW& str2)
-{
-    CStringW strSum(psz1);
-    strSum.Append(str2);
-    return strSum;
-}
-
-CStringW operator+(const CStringW& str1, WCHAR ch2)
-{
-    CStringW strSum(str1);
-    strSum.AppendChar(ch2);
-    return strSum;
-}
-
-CStringW operator+(WCHAR ch1, const CStringW& str2)
-{
-    CStringW strSum(ch1);
-    strSum.Append(str2);
-    return strSum;
-}
-
-void CStringW::FormatArguments(PCWSTR pszFormat, ...) // NOLINT(cert-dcl50-cpp): FormatV takes a va_list
+// The text is made in new characters: the old ones may be among the arguments. The functions are the runtime's own:
+// the compiler's library has others, for which %s is a narrow string.
+void CStringW::FormatArguments(PCWSTR pszFormat, ...) // NOLINT(cert-dcl50-cpp): printf's own kind
 {
     va_list args;
     va_start(args, pszFormat);
-    FormatV(pszFormat, args);
+    const int nLength = _vscwprintf(pszFormat, args);
     va_end(args);
-}
-
-// The text is made in new characters: the old ones may be among the arguments.
-void CStringW::FormatV(PCWSTR pszFormat, va_list args)
-{
-    if (pszFormat == nullptr) {
-        AtlThrow(E_INVALIDARG);
-    }
-    va_list argsToCount;
-    va_copy(argsToCount, args);
-    const int nLength = _vscwprintf(pszFormat, argsToCount);
-    va_end(argsToCount);
     if (nLength < 0) {
         AtlThrow(E_INVALIDARG);
     }
     CStringW strText;
-    // The runtime's own functions: the compiler's library has others, for which %s is a narrow string.
-    _vsnwprintf(strText.GetBuffer(nLength), static_cast<size_t>(nLength) + 1, pszFormat, args);
+    const PWSTR pszText = strText.GetBuffer(nLength);
+    va_start(args, pszFormat);
+    _vsnwprintf(pszText, static_cast<size_t>(nLength) + 1, pszFormat, args);
+    va_end(args);
     strText.ReleaseBufferSetLength(nLength);
     *this = std::move(strText);
 }
 
-CStringW CStringW::FormatFromTable(UINT nFormatID)
-{
-    CStringW strFormat;
-    if (!strFormat.LoadStringW(nFormatID)) {
-        AtlThrow(E_FAIL);
-    }
-    return strFormat;
-}
-
 BOOL CStringW::LoadStringW(UINT nID)
-{
-    return LoadStringW(GetModuleHandleW(nullptr), nID);
-}
-
-BOOL CStringW::LoadStringW(HINSTANCE hInstance, UINT nID)
 {
     // For a buffer of no size the function stores a pointer to the text in the mapped module, which no NUL ends.
     PCWSTR pchText = nullptr;
-    const int nLength = ::LoadStringW(hInstance, nID, reinterpret_cast<PWSTR>(&pchText), 0);
+    const int nLength = ::LoadStringW(GetModuleHandleW(nullptr), nID, reinterpret_cast<PWSTR>(&pchText), 0);
     if (nLength <= 0) {
         return FALSE;
     }
-    SetString(pchText, nLength);
+    *this = CStringW(pchText, nLength);
     return TRUE;
-}
-
-int CStringW::Compare(PCWSTR psz) const
-{
-    if (psz == nullptr) {
-        AtlThrow(E_FAIL);
-    }
-    return wcscmp(m_pszData, psz);
-}
-
-int CStringW::CompareNoCase(PCWSTR psz) const
-{
-    if (psz == nullptr) {
-        AtlThrow(E_FAIL);
-    }
-    return _wcsicmp(m_pszData, psz);
-}
-
-CStringW CStringW::Mid(int iFirst) const
-{
-    return Mid(iFirst, GetLength());
-}
-
-CStringW CStringW::Mid(int iFirst, int nCount) const
-{
-    const int iBegin = std::clamp(iFirst, 0, GetLength());
-    const int nTaken = std::clamp(nCount, 0, GetLength() - iBegin);
-    return nTaken == GetLength() ? *this : CStringW(m_pszData + iBegin, nTaken);
-}
-
-CStringW CStringW::Left(int nCount) const
-{
-    return Mid(0, nCount);
-}
-
-CStringW CStringW::Right(int nCount) const
-{
-    const int nTaken = std::clamp(nCount, 0, GetLength());
-    return Mid(GetLength() - nTaken, nTaken);
-}
-
-int CStringW::Find(PCWSTR pszSub, int iStart) const
-{
-    if (pszSub == nullptr || iStart < 0 || iStart > GetLength()) {
-        return -1;
-    }
-    const PCWSTR pszFound = wcsstr(m_pszData + iStart, pszSub);
-    return pszFound == nullptr ? -1 : static_cast<int>(pszFound - m_pszData);
-}
-
-int CStringW::Find(WCHAR ch, int iStart) const
-{
-    if (iStart < 0 || iStart >= GetLength()) {
-        return -1;
-    }
-    const PCWSTR pszFound = wcschr(m_pszData + iStart, ch);
-    return pszFound == nullptr ? -1 : static_cast<int>(pszFound - m_pszData);
-}
-
-int CStringW::ReverseFind(WCHAR ch) const
-{
-    const PCWSTR pszFound = wcsrchr(m_pszData, ch);
-    return pszFound == nullptr ? -1 : static_cast<int>(pszFound - m_pszData);
-}
-
-void CStringW::TrimRightWhile(bool (*pfnCut)(WCHAR ch, PCWSTR pszTargets), PCWSTR pszTargets)
-{
-    int nLength = GetLength();
-    while (nLength > 0 && pfnCut(m_pszData[nLength - 1], pszTargets)) {
-        nLength--;
-    }
-    Truncate(nLength);
-}
-
-CStringW& CStringW::TrimRight()
-{
-    TrimRightWhile([](WCHAR ch, PCWSTR) { return iswspace(ch) != 0; }, nullptr);
-    return *this;
-}
-
-CStringW& CStringW::TrimRight(WCHAR chTarget)
-{
-    TrimRightWhile([](WCHAR ch, PCWSTR pchTarget) { return ch == *pchTarget; }, &chTarget);
-    return *this;
-}
-
-CStringW& CStringW::TrimRight(PCWSTR pszTargets)
-{
-    if (pszTargets != nullptr) {
-        TrimRightWhile([](WCHAR ch, PCWSTR pszSet) { return ch != L'\0' && wcschr(pszSet, ch) != nullptr; },
-                       pszTargets);
-    }
-    return *this;
 }

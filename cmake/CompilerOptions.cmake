@@ -28,7 +28,16 @@ if(WIN32)
         # The platform's own printf family: in it %s takes wide text in a wide format.
         target_compile_definitions(kalvo_windows INTERFACE __USE_MINGW_ANSI_STDIO=0)
         add_compile_options(-ffunction-sections -fdata-sections)
-        add_link_options(-static -Wl,--gc-sections -Wl,--no-insert-timestamp)
+        # The stack of GNU ld's programs, where lld's have half of it.
+        add_link_options(-static -Wl,--gc-sections -Wl,--no-insert-timestamp -Wl,--stack,0x200000)
+        if(CMAKE_CROSSCOMPILING)
+            # GNU ld enters a load configuration only since 2.47, which not every cross compiler comes with; lld does.
+            # With -fuse-ld=lld GCC looks for it beside its own linker alone, under that one's name, and where there is
+            # none it takes its own without a word. Named so, it is taken or the link fails.
+            find_program(KALVO_LLD ld.lld REQUIRED)
+            file(WRITE ${CMAKE_BINARY_DIR}/lld.specs "*linker:\n${KALVO_LLD}\n\n")
+            add_link_options(-specs=${CMAKE_BINARY_DIR}/lld.specs)
+        endif()
     else()
         set(CMAKE_MSVC_RUNTIME_LIBRARY "MultiThreaded$<$<CONFIG:Debug>:Debug>")
     endif()

@@ -50,12 +50,17 @@ std::string NormalizeName(std::string_view name)
     return strNormalized;
 }
 
-bool CreateFolder(std::string_view path)
+void Widen(std::string_view path, WCHAR (&szPath)[kMaxPathBytes])
 {
-    WCHAR szPath[kMaxPathBytes];
     const int cch =
         MultiByteToWideChar(CP_UTF8, 0, path.data(), static_cast<int>(path.size()), szPath, ARRAYSIZE(szPath) - 1);
     szPath[cch] = L'\0';
+}
+
+bool CreateFolder(std::string_view path)
+{
+    WCHAR szPath[kMaxPathBytes];
+    Widen(path, szPath);
     return _wmkdir(szPath) == 0 || errno == EEXIST;
 }
 
@@ -100,7 +105,14 @@ EXTRACT_RESULT ExtractEntry(mz_zip_archive* pArchive, mz_uint nIndex, const std:
     if (IsSymbolicLink(entry) || entry.m_is_directory) {
         return EXTRACT_OK;
     }
-    return mz_zip_reader_extract_to_file(pArchive, nIndex, strPath.c_str(), 0) ? EXTRACT_OK : EXTRACT_FAILED;
+    if (!mz_zip_reader_extract_to_file(pArchive, nIndex, strPath.c_str(), 0)) {
+        // Half a program would be taken for a whole one by the next start.
+        WCHAR szPath[kMaxPathBytes];
+        Widen(strPath, szPath);
+        DeleteFileW(szPath);
+        return EXTRACT_FAILED;
+    }
+    return EXTRACT_OK;
 }
 
 EXTRACT_RESULT ExtractEntries(mz_zip_archive* pArchive, const std::string& strPrefix)

@@ -10,7 +10,7 @@
 // Returns 0, or
 //   -2   the folder path is too long, or an entry has no name
 //   -3   an entry's record cannot be read
-//   -19  an entry cannot be extracted
+//   -19  an entry cannot be extracted; what there is of its file is deleted
 //   -23  a folder cannot be created
 //   -25  the archive cannot be closed, whatever happened before
 int ExtractAllEntries(mz_zip_archive* pArchive, const char* pszFolder);

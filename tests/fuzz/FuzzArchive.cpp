@@ -196,7 +196,11 @@ int ExtractEntry(Disk& disk, mz_zip_archive* pZip, mz_uint n, const std::string&
     if (bLink || bFolder) {
         return 0;
     }
-    return ExtractFile(disk, pZip, n, path) ? 0 : -19;
+    if (!ExtractFile(disk, pZip, n, path)) {
+        disk.DeleteFile(Wide(path));
+        return -19;
+    }
+    return 0;
 }
 
 int ExtractAll(Disk& disk, Archive& archive, std::string folder, bool bCloseFails)

@@ -6,8 +6,13 @@
 //   watch            says "watching", and at the end of its standard input which top-level windows have been
 //                    shown since, a line each: handle, blank, title (UTF-8). Also one that is gone again
 //   crash PID        lets a process run where it has no code
+//   ask PID          has a process load the library "asked-for.dll" by that name alone, and prints whether it is
+//                    loaded: yes or no
 //   describe CODE    prints what the system says about an error (UTF-8, line break included)
 // Ends with 1, after a word on standard error, when it cannot.
+#include "launcher/Handle.h"
+#include "launcher/RemoteLibrary.h"
+
 #include <windows.h>
 
 #include <cstddef>
@@ -198,6 +203,21 @@ int Crash(DWORD dwProcess)
     return 0;
 }
 
+int AskForLibrary(DWORD dwProcess)
+{
+    const CHandle hProcess(OpenProcess(PROCESS_ALL_ACCESS, FALSE, dwProcess));
+    if (!hProcess) {
+        return Fail("cannot open the process");
+    }
+    const DWORD dwError = LoadRemoteLibrary(hProcess.get(), L"asked-for.dll");
+    if (dwError != ERROR_SUCCESS && dwError != ERROR_DLL_INIT_FAILED) {
+        SetLastError(dwError);
+        return Fail("cannot ask the process");
+    }
+    std::puts(dwError == ERROR_SUCCESS ? "yes" : "no");
+    return 0;
+}
+
 int Describe(DWORD dwCode)
 {
     WCHAR szText[1024] = {};
@@ -229,9 +249,12 @@ int wmain(int nArguments, wchar_t** ppszArguments)
     if (szVerb == L"crash") {
         return Crash(wcstoul(ppszArguments[2], nullptr, 0));
     }
+    if (szVerb == L"ask") {
+        return AskForLibrary(wcstoul(ppszArguments[2], nullptr, 0));
+    }
     if (szVerb == L"describe") {
         return Describe(wcstoul(ppszArguments[2], nullptr, 0));
     }
-    std::fputs("usage: bystander hold FILE | handles PID | watch | crash PID | describe CODE\n", stderr);
+    std::fputs("usage: bystander hold FILE | handles PID | watch | crash PID | ask PID | describe CODE\n", stderr);
     return 1;
 }

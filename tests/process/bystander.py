@@ -48,6 +48,15 @@ def crash(process: int) -> None:
     _ask("crash", str(process))
 
 
+# What load_library has loaded.
+ASKED_FOR = "asked-for.dll"
+
+
+def load_library(process: int) -> bool:
+    """Has a process, named as above, load a library by its name alone, as parts of the system do. Whether it did."""
+    return {b"yes": True, b"no": False}[_ask("ask", str(process)).strip()]
+
+
 @contextmanager
 def hold(file: Path) -> Iterator[None]:
     """Keeps a file open so that nobody else can open or delete it."""

@@ -29,8 +29,10 @@ class Executable:
         assert self._bytes[self._header : self._header + 4] == b"PE\0\0", f"{file} is no Windows program"
         self._optional = self._header + OPTIONAL_HEADER
         self.magic = self._number("<H", self._optional)
+        self.subsystem_version = (self._number("<H", self._optional + 48), self._number("<H", self._optional + 50))
         self.subsystem = self._number("<H", self._optional + 68)
         self.characteristics = self._number("<H", self._optional + 70)
+        self.stack = self._number("<Q", self._optional + 72)
         self.sections = list(self._sections())
 
     def directory(self, index: int) -> tuple[int, int]:

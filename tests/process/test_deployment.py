@@ -15,6 +15,7 @@ from processtest import (
     NOT_INSTALLED,
     SOCKETS,
     TITLE,
+    TOOLS,
     ZIP,
     ProcessTest,
     exit_process,
@@ -63,8 +64,11 @@ class Failing(ProcessTest):
         self.expect_way_out(faults, 0, (TITLE, NOT_INSTALLED), *SOCKETS, disk=(FOLDER, ZIP))
 
     def test_path_that_cannot_be_narrowed_ends_the_process_without_a_word(self) -> None:
-        # As the runtime ends a program for an exception that nobody catches.
-        self.expect_way_out("WideCharToMultiByte=null:87", 3, disk=(FOLDER, ZIP))
+        self.expect_way_out("WideCharToMultiByte=null:87", 3, exit_process(3), disk=(FOLDER, ZIP))
+
+    def test_memory_that_runs_out_on_a_page_ends_the_process_without_a_word(self) -> None:
+        # The first text is the title, the second the body of the first page.
+        self.expect_way_out("HeapAlloc@2=null:8", 3, exit_process(3), disk=TOOLS)
 
     def test_failing_start_can_be_repeated(self) -> None:
         self.expect_way_out(f"WriteFile#{ZIP}=fail:112", 0, (TITLE, NOT_INSTALLED), *SOCKETS, disk=(FOLDER, ZIP))

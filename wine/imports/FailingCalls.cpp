@@ -189,6 +189,8 @@ constexpr ROW Row()
 #define READING_CALL(function, tells) Row<#function, TELLS::tells, WRITABLE_TEXTS::AreRead, decltype(function)>()
 
 constexpr ROW kRows[] = {
+    // memory for texts
+    CALL(HeapAlloc, Zero),
     // start-up and its end
     CALL(LoadStringW, Zero),
     CALL(CreateMutexW, Zero),

@@ -214,6 +214,20 @@ std::optional<std::wstring> Disk::CreateFile(std::wstring_view path)
     return name;
 }
 
+bool Disk::DeleteFile(std::wstring_view path)
+{
+    const std::optional<std::wstring> name = Resolve(path);
+    if (!name || EndsInSeparator(path) || IsTooLong(path, 260) || !m_files.contains(*name)) {
+        return false;
+    }
+    std::erase_if(m_files, [&](const auto& file) {
+        const bool bTaken = file.first == *name || file.first.starts_with(*name + L':');
+        m_nRoom += bTaken ? file.second.size() : 0;
+        return bTaken;
+    });
+    return true;
+}
+
 size_t Disk::Append(const std::wstring& name, std::string_view bytes)
 {
     if (name.empty()) {
@@ -241,6 +255,11 @@ int _wmkdir(PCWSTR pszPath)
 }
 
 extern "C" {
+
+BOOL DeleteFileW(PCWSTR pszPath)
+{
+    return Disk::Current().DeleteFile(pszPath) ? TRUE : FALSE;
+}
 
 errno_t _wfopen_s(FILE** ppFile, PCWSTR pszPath, PCWSTR pszMode)
 {

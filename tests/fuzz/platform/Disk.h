@@ -35,6 +35,9 @@ public:
     // everything, or nothing on failure.
     std::optional<std::wstring> CreateFile(std::wstring_view path);
 
+    // Takes a file away, and with it all its streams.
+    bool DeleteFile(std::wstring_view path);
+
     // How many of the bytes still found room.
     size_t Append(const std::wstring& name, std::string_view bytes);
 

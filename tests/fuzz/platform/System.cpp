@@ -77,25 +77,10 @@ void* HeapAlloc(HANDLE /*hHeap*/, DWORD /*dwFlags*/, SIZE_T cb)
     return malloc(cb);
 }
 
-void* HeapReAlloc(HANDLE /*hHeap*/, DWORD /*dwFlags*/, void* p, SIZE_T cb)
-{
-    return realloc(p, cb);
-}
-
 BOOL HeapFree(HANDLE /*hHeap*/, DWORD /*dwFlags*/, void* p)
 {
     free(p);
     return TRUE;
-}
-
-LONG InterlockedIncrement(volatile LONG* pn)
-{
-    return __atomic_add_fetch(pn, 1, __ATOMIC_SEQ_CST);
-}
-
-LONG InterlockedDecrement(volatile LONG* pn)
-{
-    return __atomic_sub_fetch(pn, 1, __ATOMIC_SEQ_CST);
 }
 
 int MultiByteToWideChar(UINT nCodePage, DWORD dwFlags, const char* pch, int cb, PWSTR pchWide, int cchWide)
@@ -132,11 +117,6 @@ int _vscwprintf(PCWSTR /*pszFormat*/, va_list /*args*/)
 int _vsnwprintf(PWSTR /*pszText*/, size_t /*cchText*/, PCWSTR /*pszFormat*/, va_list /*args*/)
 {
     Unexpected("_vsnwprintf");
-}
-
-int _wcsicmp(PCWSTR /*psz1*/, PCWSTR /*psz2*/)
-{
-    Unexpected("_wcsicmp");
 }
 
 } // extern "C"

@@ -40,7 +40,6 @@ typedef int errno_t;
 #define ERROR_INVALID_PARAMETER 87
 #define ERROR_CAN_NOT_COMPLETE 1003
 #define ERROR_NOT_FOUND 1168
-#define E_FAIL ((HRESULT)0x80004005)
 #define E_OUTOFMEMORY ((HRESULT)0x8007000E)
 #define E_INVALIDARG ((HRESULT)0x80070057)
 
@@ -59,16 +58,13 @@ extern "C" {
 
 HANDLE GetProcessHeap(void);
 void* HeapAlloc(HANDLE hHeap, DWORD dwFlags, SIZE_T cb);
-void* HeapReAlloc(HANDLE hHeap, DWORD dwFlags, void* p, SIZE_T cb);
 BOOL HeapFree(HANDLE hHeap, DWORD dwFlags, void* p);
-LONG InterlockedIncrement(volatile LONG* pn);
-LONG InterlockedDecrement(volatile LONG* pn);
 int MultiByteToWideChar(UINT nCodePage, DWORD dwFlags, const char* pch, int cb, PWSTR pchWide, int cchWide);
+BOOL DeleteFileW(PCWSTR pszPath);
 HMODULE GetModuleHandleW(PCWSTR pszModule);
 int LoadStringW(HINSTANCE hInstance, UINT nID, PWSTR pszText, int cchText);
 int _vscwprintf(PCWSTR pszFormat, va_list args);
 int _vsnwprintf(PWSTR pszText, size_t cchText, PCWSTR pszFormat, va_list args);
-int _wcsicmp(PCWSTR psz1, PCWSTR psz2);
 
 int MessageBoxW(HWND hwndOwner, PCWSTR pszText, PCWSTR pszCaption, UINT nType);
 LRESULT SendMessageW(HWND hwnd, UINT nMessage, WPARAM wParam, LPARAM lParam);

@@ -14,6 +14,8 @@
 #include <shlobj.h>
 #include <shlwapi.h>
 
+#include <exception>
+
 using namespace kit;
 
 int WINAPI wWinMain(HINSTANCE hInstance, HINSTANCE, PWSTR pszCommandLine, int nShow);
@@ -52,6 +54,8 @@ protected:
         CKalvoApkInstaller::GetInstance() = {};
         CPlatformTools::GetInstance() = {};
         // Inner replacements, those of the adb above all, come and go; nothing here must be called.
+        m_dllDirectories.Optional().Unnoted();
+        m_ghosting.Optional().Unnoted();
         m_createMutex.Optional();
         m_release.Optional();
         m_close.Optional().Unnoted();
@@ -67,6 +71,11 @@ protected:
         m_createFolder.Optional();
         m_deleteFolder.Optional();
         m_propertySheet.Optional();
+    }
+
+    ~WinMain() override
+    {
+        std::set_terminate(m_pfnTerminate);
     }
 
     static int Run()
@@ -110,6 +119,10 @@ protected:
     HINSTANCE m_hWizardInstance = nullptr;
     bool m_bToolsThere = false;
 
+    const std::terminate_handler m_pfnTerminate = std::get_terminate();
+
+    REPLACED(SetDefaultDllDirectories) m_dllDirectories { Returns(TRUE) };
+    REPLACED(DisableProcessWindowsGhosting) m_ghosting { [] {} };
     REPLACED(CreateMutexW) m_createMutex { Returns(hMutex, ERROR_SUCCESS) };
     REPLACED(ReleaseMutex) m_release { Returns(TRUE) };
     REPLACED(CloseHandle) m_close;
@@ -147,6 +160,26 @@ TEST_F(WinMainWithAdb, DeploysRunsTheWizardAndLeavesNothing)
     EXPECT_TRUE(exists(WorkingFolder()));
     EXPECT_TRUE(is_empty(WorkingFolder()));
     EXPECT_EQ(m_release.Arg<0>(), hMutex);
+}
+
+TEST_F(WinMain, SetsTheProcessUpBeforeAnythingElse)
+{
+    const REPLACED(SetDefaultDllDirectories) dllDirectories(Returns(TRUE));
+    const REPLACED(DisableProcessWindowsGhosting) ghosting([] {});
+    const REPLACED(LoadStringW) load;
+    const REPLACED(CreateMutexW) createMutex(Returns(HANDLE(nullptr), ERROR_ACCESS_DENIED));
+    EXPECT_EQ(Run(), 0);
+    EXPECT_EQ(Journal(), (Lines{"SetDefaultDllDirectories", "DisableProcessWindowsGhosting", "LoadStringW",
+                                "CreateMutexW", "FindWindowW"}));
+    EXPECT_EQ(dllDirectories.Arg<0>(), static_cast<DWORD>(LOAD_LIBRARY_SEARCH_SYSTEM32));
+}
+
+TEST_F(WinMain, AnExceptionThatNobodyCatchesEndsTheProcessWithoutAWord)
+{
+    const REPLACED(CreateMutexW) createMutex(Returns(HANDLE(nullptr), ERROR_ACCESS_DENIED));
+    EXPECT_EQ(Run(), 0);
+    EXPECT_EQ(ExitCodeOf([] { std::get_terminate()(); }), 3u);
+    EXPECT_EQ(Journal().back(), "exit 3");
 }
 
 TEST_F(WinMainWithAdb, CancellingTheWizardEndsAsFinishingDoes)

@@ -37,14 +37,6 @@ CStringW Own(PCWSTR psz)
     return {psz};
 }
 
-void FormatWithArguments(CStringW& str, PCWSTR pszFormat, ...) // NOLINT(cert-dcl50-cpp): it is what makes a va_list
-{
-    va_list args;
-    va_start(args, pszFormat);
-    str.FormatV(pszFormat, args);
-    va_end(args);
-}
-
 TEST(CStringW, IsOnePointerThatPointsAtItsCharacters)
 {
     static_assert(sizeof(CStringW) == sizeof(void*));
@@ -77,33 +69,6 @@ TEST(CStringW, TakesANullPointerForAnEmptyString)
     const CStringW str(static_cast<PCWSTR>(nullptr));
     EXPECT_TRUE(str.IsEmpty());
     EXPECT_STREQ(L"", str);
-    const CStringW strOfNone(nullptr, 0);
-    EXPECT_TRUE(strOfNone.IsEmpty());
-}
-
-TEST(CStringW, TakesExactlyTheUnitsOfACountNulsIncluded)
-{
-    const CStringW str(L"ab\0cdef", 5);
-    EXPECT_EQ(5, str.GetLength());
-    EXPECT_EQ(0, wmemcmp(L"ab\0cd", str, 6)) << "the terminating NUL is there";
-}
-
-TEST(CStringW, RefusesACountWithoutCharactersAndANegativeOne)
-{
-    EXPECT_EQ(E_INVALIDARG, ThrownBy([] { CStringW(nullptr, 3); }));
-    EXPECT_EQ(E_INVALIDARG, ThrownBy([] { CStringW(L"abc", -1); }));
-    CStringW str(L"kept");
-    EXPECT_EQ(E_INVALIDARG, ThrownBy([&] { str.SetString(nullptr, 1); }));
-    EXPECT_EQ(E_INVALIDARG, ThrownBy([&] { str.SetString(L"x", -5); }));
-    EXPECT_STREQ(L"kept", str);
-}
-
-TEST(CStringW, RepeatsACharacter)
-{
-    EXPECT_STREQ(L"xxx", CStringW(L'x', 3));
-    EXPECT_STREQ(L"x", CStringW(L'x'));
-    EXPECT_TRUE(CStringW(L'x', 0).IsEmpty());
-    EXPECT_TRUE(CStringW(L'x', -1).IsEmpty());
 }
 
 TEST(CStringW, SharesItsCharactersWithItsCopies)
@@ -142,16 +107,10 @@ protected:
     }
 };
 
-TEST_F(ChangedSharer, LeavesTheOthersAloneBySetAt)
+TEST_F(ChangedSharer, LeavesTheOthersAloneByAppendChar)
 {
-    m_str.SetAt(0, L's');
-    ExpectChangedAlone(L"solvane ");
-}
-
-TEST_F(ChangedSharer, LeavesTheOthersAloneByAppend)
-{
-    m_str += L"client";
-    ExpectChangedAlone(L"Solvane client");
+    m_str.AppendChar(L'2');
+    ExpectChangedAlone(L"Solvane 2");
 }
 
 TEST_F(ChangedSharer, LeavesTheOthersAloneByGetBuffer)
@@ -160,9 +119,9 @@ TEST_F(ChangedSharer, LeavesTheOthersAloneByGetBuffer)
     ExpectChangedAlone(L"Salvane ");
 }
 
-TEST_F(ChangedSharer, LeavesTheOthersAloneBySetString)
+TEST_F(ChangedSharer, LeavesTheOthersAloneByAssignment)
 {
-    m_str.SetString(L"other");
+    m_str = L"other";
     ExpectChangedAlone(L"other");
 }
 
@@ -170,18 +129,6 @@ TEST_F(ChangedSharer, LeavesTheOthersAloneByEmpty)
 {
     m_str.Empty();
     ExpectChangedAlone(L"");
-}
-
-TEST_F(ChangedSharer, LeavesTheOthersAloneByTruncate)
-{
-    m_str.Truncate(3);
-    ExpectChangedAlone(L"Sol");
-}
-
-TEST_F(ChangedSharer, LeavesTheOthersAloneByTrimRight)
-{
-    m_str.TrimRight();
-    ExpectChangedAlone(L"Solvane");
 }
 
 TEST_F(ChangedSharer, LeavesTheOthersAloneByFormat)
@@ -196,13 +143,6 @@ TEST_F(ChangedSharer, LeavesTheOthersAloneByLoadString)
     ExpectChangedAlone(kTitle);
 }
 
-TEST_F(ChangedSharer, LeavesTheOthersAloneByPreallocate)
-{
-    m_str.Preallocate(1000);
-    EXPECT_STREQ(L"Solvane ", m_str);
-    EXPECT_NE(m_strOriginal.GetString(), m_str.GetString());
-}
-
 TEST(CStringW, WritesInPlaceWhenNobodyShares)
 {
     CStringW str = Own(L"alone");
@@ -210,7 +150,7 @@ TEST(CStringW, WritesInPlaceWhenNobodyShares)
         const CStringW strGone(str);
     }
     const PCWSTR pszBefore = str;
-    str.SetAt(0, L'A');
+    str.GetBuffer()[0] = L'A';
     EXPECT_EQ(pszBefore, str.GetString());
     EXPECT_STREQ(L"Alone", str);
 }
@@ -269,8 +209,6 @@ TEST(CStringW, TakesAPartOfItself)
     CStringW str = Own(L"platform-tools");
     str = str.GetString() + 9;
     EXPECT_STREQ(L"tools", str);
-    str.SetString(str.GetString() + 1, 3);
-    EXPECT_STREQ(L"ool", str);
 }
 
 TEST(CStringW, TakesAPartOfItselfWhileItShares)
@@ -282,57 +220,20 @@ TEST(CStringW, TakesAPartOfItselfWhileItShares)
     EXPECT_STREQ(L"platform-tools", strCopy);
 }
 
-TEST(CStringW, IsAssignedAPlainStringOrACharacter)
+TEST(CStringW, IsAssignedAPlainString)
 {
     CStringW str;
     str = L"port";
     EXPECT_STREQ(L"port", str);
-    str = L'p';
-    EXPECT_STREQ(L"p", str);
     str = static_cast<PCWSTR>(nullptr);
     EXPECT_TRUE(str.IsEmpty());
-}
-
-TEST(CStringW, AppendsStringsPartsAndCharacters)
-{
-    CStringW str(L"a");
-    str += CStringW(L"b");
-    str += L"c";
-    str += L'd';
-    str.Append(L"efgh", 2);
-    str.AppendChar(L'!');
-    EXPECT_STREQ(L"abcdef!", str);
-    EXPECT_EQ(7, str.GetLength());
-}
-
-TEST(CStringW, AppendsNothingForANullPointerOrAnEmptyString)
-{
-    CStringW str = Own(L"same");
-    const CStringW strCopy(str);
-    str += static_cast<PCWSTR>(nullptr);
-    str += L"";
-    str += CStringW();
-    str.Append(nullptr, 0);
-    EXPECT_STREQ(L"same", str);
-    EXPECT_EQ(strCopy.GetString(), str.GetString()) << "nothing changed, so nothing is copied";
-    EXPECT_EQ(E_INVALIDARG, ThrownBy([&] { str.Append(nullptr, 2); }));
-    EXPECT_EQ(E_INVALIDARG, ThrownBy([&] { str.Append(L"x", -1); }));
-}
-
-TEST(CStringW, AppendsItselfAndPartsOfItself)
-{
-    CStringW str = Own(L"abc");
-    str += str;
-    EXPECT_STREQ(L"abcabc", str);
-    str.Append(str.GetString() + 4, 2);
-    EXPECT_STREQ(L"abcabcbc", str);
 }
 
 TEST(CStringW, AppendsNuls)
 {
     CStringW str(L"a");
     str.AppendChar(L'\0');
-    str += L"b";
+    str.AppendChar(L'b');
     EXPECT_EQ(3, str.GetLength());
     EXPECT_EQ(0, wmemcmp(L"a\0b", str, 4));
 }
@@ -341,58 +242,17 @@ TEST(CStringW, GrowsFromManySmallPieces)
 {
     CStringW str;
     std::wstring expected;
+    int nMoves = 0;
     for (int i = 0; i < 100000; i++) {
         const auto ch = static_cast<WCHAR>(L'a' + (i % 26));
+        const PCWSTR pszBefore = str;
         str.AppendChar(ch);
         expected += ch;
+        nMoves += str.GetString() != pszBefore ? 1 : 0;
     }
+    EXPECT_LT(nMoves, 100) << "in steps that get larger";
     EXPECT_EQ(100000, str.GetLength());
     EXPECT_EQ(expected, str.GetString());
-}
-
-TEST(CStringW, GrowsInStepsThatGetLarger)
-{
-    CStringW str;
-    int nMoves = 0;
-    int nAllocLength = str.GetAllocLength();
-    for (int i = 0; i < 100000; i++) {
-        str.AppendChar(L'x');
-        if (str.GetAllocLength() != nAllocLength) {
-            nAllocLength = str.GetAllocLength();
-            nMoves++;
-        }
-    }
-    EXPECT_LT(nMoves, 100);
-}
-
-TEST(CStringW, ConcatenatesIntoANewString)
-{
-    const CStringW str(L"adb");
-    EXPECT_STREQ(L"adb.exe", str + L".exe");
-    EXPECT_STREQ(L"tools\\adb", L"tools\\" + str);
-    EXPECT_STREQ(L"adbadb", str + str);
-    EXPECT_STREQ(L"adb!", str + L'!');
-    EXPECT_STREQ(L"!adb", L'!' + str);
-    EXPECT_STREQ(L"adb", str);
-}
-
-TEST(CStringW, ReadsAUnitAndTheTerminatingNul)
-{
-    const CStringW str(L"xyz");
-    EXPECT_EQ(L'x', str.GetAt(0));
-    EXPECT_EQ(L'z', str[2]);
-    EXPECT_EQ(L'\0', str[3]);
-    EXPECT_EQ(L'\0', CStringW()[0]);
-}
-
-TEST(CStringW, RefusesPositionsOutsideTheString)
-{
-    CStringW str(L"xyz");
-    EXPECT_EQ(E_INVALIDARG, ThrownBy([&] { (void)str.GetAt(4); }));
-    EXPECT_EQ(E_INVALIDARG, ThrownBy([&] { (void)str[-1]; }));
-    EXPECT_EQ(E_INVALIDARG, ThrownBy([&] { str.SetAt(3, L'!'); }));
-    EXPECT_EQ(E_INVALIDARG, ThrownBy([&] { str.SetAt(-1, L'!'); }));
-    EXPECT_STREQ(L"xyz", str);
 }
 
 TEST(CStringW, EmptiesItself)
@@ -429,33 +289,10 @@ TEST(CStringW, KeepsItsTextInALargerBuffer)
 TEST(CStringW, KeepsItsTextWhenTheBufferAskedForIsSmaller)
 {
     CStringW str = Own(L"longer");
-    str.GetBuffer(1);
-    str.ReleaseBuffer();
-    EXPECT_STREQ(L"longer", str);
+    EXPECT_STREQ(L"longer", str.GetBuffer(1));
     const CStringW strCopy(str);
-    str.GetBuffer(1);
-    str.ReleaseBuffer();
-    EXPECT_STREQ(L"longer", str) << "also when the buffer is a new one";
-}
-
-TEST(CStringW, TakesTheLengthOfWhatWasWrittenUpToTheNul)
-{
-    CStringW str;
-    wcscpy(str.GetBuffer(MAX_PATH), L"C:\\tools");
-    str.ReleaseBuffer();
-    EXPECT_EQ(8, str.GetLength());
-    EXPECT_STREQ(L"C:\\tools", str);
-}
-
-TEST(CStringW, TakesTheWholeBufferWhenNoNulWasWritten)
-{
-    CStringW str;
-    const PWSTR pszBuffer = str.GetBuffer(4);
-    const int nCapacity = str.GetAllocLength();
-    wmemset(pszBuffer, L'z', static_cast<size_t>(nCapacity) + 1);
-    str.ReleaseBuffer();
-    EXPECT_EQ(nCapacity, str.GetLength());
-    EXPECT_EQ(std::wstring(static_cast<size_t>(nCapacity), L'z'), str.GetString());
+    EXPECT_STREQ(L"longer", str.GetBuffer(1)) << "also when the buffer is a new one";
+    EXPECT_EQ(6, str.GetLength());
 }
 
 TEST(CStringW, TakesTheLengthItIsGivenAndEndsTheTextThere)
@@ -465,62 +302,21 @@ TEST(CStringW, TakesTheLengthItIsGivenAndEndsTheTextThere)
     str.ReleaseBufferSetLength(3);
     EXPECT_EQ(3, str.GetLength());
     EXPECT_STREQ(L"abc", str);
-    wmemcpy(str.GetBuffer(8), L"12345678", 8);
-    str.ReleaseBuffer(5);
-    EXPECT_STREQ(L"12345", str);
-}
-
-TEST(CStringW, HasTheLengthAskedForAtOnceInAFixedBuffer)
-{
-    CStringW str = Own(L"abcdef");
-    PWSTR pszBuffer = str.GetBufferSetLength(2);
-    EXPECT_EQ(2, str.GetLength());
-    EXPECT_STREQ(L"ab", pszBuffer);
-    pszBuffer = str.GetBufferSetLength(9);
-    EXPECT_EQ(9, str.GetLength());
-    EXPECT_EQ(L'\0', pszBuffer[9]);
 }
 
 TEST(CStringW, RefusesLengthsThatTheBufferDoesNotHave)
 {
     CStringW str = Own(L"abc");
-    EXPECT_EQ(E_INVALIDARG, ThrownBy([&] { str.ReleaseBufferSetLength(str.GetAllocLength() + 1); }));
-    EXPECT_EQ(E_INVALIDARG, ThrownBy([&] { str.ReleaseBuffer(-2); }));
-    EXPECT_EQ(E_INVALIDARG, ThrownBy([&] { str.GetBuffer(-1); }));
-    EXPECT_EQ(E_INVALIDARG, ThrownBy([&] { str.GetBufferSetLength(-1); }));
-    EXPECT_EQ(E_INVALIDARG, ThrownBy([&] { str.Preallocate(-1); }));
+    EXPECT_EQ(E_INVALIDARG, ThrownBy([&] { str.ReleaseBufferSetLength(1000); }));
+    EXPECT_EQ(E_INVALIDARG, ThrownBy([&] { str.ReleaseBufferSetLength(-1); }));
     EXPECT_STREQ(L"abc", str);
-}
-
-TEST(CStringW, DoesNotMoveWithinWhatWasPreallocated)
-{
-    CStringW str;
-    str.Preallocate(100);
-    const PCWSTR pszBefore = str;
-    for (int i = 0; i < 100; i++) {
-        str.AppendChar(L'x');
-    }
-    EXPECT_EQ(pszBefore, str.GetString());
-    EXPECT_EQ(100, str.GetLength());
 }
 
 TEST(CStringW, RunsOutOfMemoryBeforeItsLengthOverflows)
 {
     CStringW str = Own(L"kept");
-    EXPECT_EQ(E_OUTOFMEMORY, ThrownBy([&] { str.Preallocate(INT_MAX); }));
-    EXPECT_EQ(E_OUTOFMEMORY, ThrownBy([&] { str.Append(L"x", INT_MAX); }));
+    EXPECT_EQ(E_OUTOFMEMORY, ThrownBy([&] { str.GetBuffer(INT_MAX); }));
     EXPECT_STREQ(L"kept", str);
-}
-
-TEST(CStringW, IsTruncatedOnlyToLess)
-{
-    CStringW str(L"truncate");
-    str.Truncate(100);
-    EXPECT_STREQ(L"truncate", str);
-    str.Truncate(5);
-    EXPECT_STREQ(L"trunc", str);
-    str.Truncate(0);
-    EXPECT_TRUE(str.IsEmpty());
 }
 
 TEST(CStringW, FormatsNumbersTextsAndCharacters)
@@ -551,7 +347,7 @@ TEST(CStringW, FormatsAnotherStringAsItIs)
 
 TEST(CStringW, FormatsTextsOfAnyLength)
 {
-    const CStringW strLong(L'n', 200000);
+    const CStringW strLong(std::wstring(200000, L'n').c_str());
     CStringW str;
     str.Format(L"<%s%s>", strLong, strLong);
     ASSERT_EQ(400002, str.GetLength());
@@ -568,52 +364,14 @@ TEST(CStringW, FormatsOverAnOldTextWhetherLongerOrShorter)
     EXPECT_STREQ(L"and now another long text", str);
 }
 
-TEST(CStringW, RefusesToFormatANullPointer)
-{
-    CStringW str(L"kept");
-    EXPECT_EQ(E_INVALIDARG, ThrownBy([&] { str.Format(static_cast<PCWSTR>(nullptr)); }));
-    EXPECT_STREQ(L"kept", str);
-}
-
-#ifndef __ATLSTR_H__ // the platform's class promises neither
+#ifndef __ATLSTR_H__ // the platform's class does not promise it
 TEST(CStringW, FormatsItself)
 {
     CStringW str = Own(L"again");
     str.Format(L"%s and %s", str, str.GetString());
     EXPECT_STREQ(L"again and again", str);
-    str = L"%d%%";
-    str.Format(str, 5);
-    EXPECT_STREQ(L"5%", str);
 }
 #endif
-
-TEST(CStringW, FormatsAnArgumentList)
-{
-    CStringW str;
-    FormatWithArguments(str, L"%s %d", L"port", 5555);
-    EXPECT_STREQ(L"port 5555", str);
-}
-
-TEST(CStringW, FormatsAtItsEnd)
-{
-    CStringW str(L"Status");
-    str.AppendFormat(L": %s%d", L"attempt ", 2);
-    EXPECT_STREQ(L"Status: attempt 2", str);
-}
-
-TEST(CStringW, FormatsWithAFormatFromTheStringTable)
-{
-    CStringW str;
-    str.Format(static_cast<UINT>(IDS_STATUS_CONNECTING), CStringW(L"192.168.1.100"), 43210);
-    EXPECT_STREQ(L"Status: connecting to watch at IP address 192.168.1.100 using port 43210", str);
-}
-
-TEST(CStringW, FailsToFormatWithAFormatThatIsNotInTheStringTable)
-{
-    CStringW str(L"kept");
-    EXPECT_EQ(E_FAIL, ThrownBy([&] { str.Format(kAbsentID, 1); }));
-    EXPECT_STREQ(L"kept", str);
-}
 
 TEST(CStringW, LoadsAStringOfTheExecutable)
 {
@@ -628,17 +386,7 @@ TEST(CStringW, LoadsALongStringWhole)
     CStringW str;
     ASSERT_EQ(TRUE, str.LoadStringW(IDS_WIRELESS_DEBUGGING_ON_BODY));
     EXPECT_EQ(858, str.GetLength());
-    EXPECT_STREQ(L"same network as your computer.", str.Right(30));
-}
-
-TEST(CStringW, LoadsAStringOfAGivenModule)
-{
-    CStringW str;
-    EXPECT_EQ(TRUE, str.LoadStringW(GetModuleHandleW(nullptr), IDS_APPLICATION_TITLE));
-    EXPECT_STREQ(kTitle, str);
-    str = L"kept";
-    EXPECT_EQ(FALSE, str.LoadStringW(GetModuleHandleW(L"ntdll.dll"), IDS_APPLICATION_TITLE));
-    EXPECT_STREQ(L"kept", str);
+    EXPECT_STREQ(L"same network as your computer.", str.GetString() + 828);
 }
 
 TEST(CStringW, StaysAsItWasWhenAStringIsNotThere)
@@ -648,112 +396,6 @@ TEST(CStringW, StaysAsItWasWhenAStringIsNotThere)
     EXPECT_STREQ(L"kept", str);
     EXPECT_EQ(FALSE, str.LoadStringW(IDS_APPLICATION_TITLE - 1)) << "a block that is there, an entry that is not";
     EXPECT_STREQ(L"kept", str);
-}
-
-TEST(CStringW, ComparesByTheValuesOfItsUnits)
-{
-    const CStringW str(L"mm");
-    EXPECT_EQ(0, str.Compare(L"mm"));
-    EXPECT_LT(str.Compare(L"mn"), 0);
-    EXPECT_GT(str.Compare(L"m"), 0);
-    EXPECT_GT(str.Compare(L"MM"), 0);
-    EXPECT_EQ(0, str.CompareNoCase(L"Mm"));
-    EXPECT_LT(str.CompareNoCase(L"MN"), 0);
-    EXPECT_EQ(E_FAIL, ThrownBy([&] { (void)str.Compare(nullptr); }));
-    EXPECT_EQ(E_FAIL, ThrownBy([&] { (void)str.CompareNoCase(nullptr); }));
-}
-
-TEST(CStringW, HasTheComparisonOperators)
-{
-    const CStringW strA(L"a");
-    const CStringW strB(L"b");
-    EXPECT_TRUE(strA == CStringW(L"a"));
-    EXPECT_TRUE(strA == L"a");
-    EXPECT_TRUE(L"a" == strA);
-    EXPECT_TRUE(strA != strB);
-    EXPECT_TRUE(strA != L"b");
-    EXPECT_FALSE(L"b" == strA);
-    EXPECT_TRUE(strA < strB);
-    EXPECT_TRUE(strB > L"a");
-    EXPECT_TRUE(L"a" <= strA);
-    EXPECT_TRUE(strB >= strA);
-    EXPECT_FALSE(strB < strA);
-}
-
-TEST(CStringW, GivesItsParts)
-{
-    const CStringW str(L"192.168.1.100");
-    EXPECT_STREQ(L"192", str.Left(3));
-    EXPECT_STREQ(L"100", str.Right(3));
-    EXPECT_STREQ(L"168", str.Mid(4, 3));
-    EXPECT_STREQ(L"1.100", str.Mid(8));
-    EXPECT_STREQ(L"192.168.1.100", str);
-}
-
-TEST(CStringW, CutsPartsDownToWhatThereIs)
-{
-    const CStringW str(L"abc");
-    EXPECT_STREQ(L"abc", str.Left(10));
-    EXPECT_STREQ(L"abc", str.Right(10));
-    EXPECT_STREQ(L"c", str.Mid(2, INT_MAX));
-    EXPECT_STREQ(L"", str.Mid(3));
-    EXPECT_STREQ(L"", str.Mid(7, 2));
-    EXPECT_STREQ(L"a", str.Mid(-5, 1));
-    EXPECT_STREQ(L"", str.Left(-1));
-    EXPECT_STREQ(L"", str.Right(-1));
-    EXPECT_STREQ(L"", str.Mid(1, -1));
-    EXPECT_STREQ(L"", CStringW().Mid(0, 1));
-}
-
-TEST(CStringW, SharesItsCharactersWithThePartThatIsAllOfIt)
-{
-    const CStringW str = Own(L"whole");
-    EXPECT_EQ(str.GetString(), str.Mid(0).GetString());
-    EXPECT_EQ(str.GetString(), str.Left(5).GetString());
-    EXPECT_EQ(str.GetString(), str.Right(9).GetString());
-}
-
-TEST(CStringW, FindsTextsAndCharacters)
-{
-    const CStringW str(L"a.b.c");
-    EXPECT_EQ(1, str.Find(L"."));
-    EXPECT_EQ(3, str.Find(L".", 2));
-    EXPECT_EQ(2, str.Find(L"b.c"));
-    EXPECT_EQ(1, str.Find(L'.'));
-    EXPECT_EQ(3, str.Find(L'.', 2));
-    EXPECT_EQ(3, str.ReverseFind(L'.'));
-    EXPECT_EQ(0, str.ReverseFind(L'a'));
-}
-
-TEST(CStringW, FindsNothingWhereNothingIs)
-{
-    const CStringW str(L"a.b");
-    EXPECT_EQ(-1, str.Find(L"x"));
-    EXPECT_EQ(-1, str.Find(L'x'));
-    EXPECT_EQ(-1, str.ReverseFind(L'x'));
-    EXPECT_EQ(-1, str.Find(static_cast<PCWSTR>(nullptr)));
-    EXPECT_EQ(-1, str.Find(L"a", -1));
-    EXPECT_EQ(-1, str.Find(L"a", 4));
-    EXPECT_EQ(-1, str.Find(L'b', 3));
-    EXPECT_EQ(-1, str.Find(L'a', -1));
-}
-
-TEST(CStringW, TrimsItsEnd)
-{
-    EXPECT_STREQ(L" text", CStringW(L" text \t\r\n").TrimRight());
-    EXPECT_STREQ(L"C:", CStringW(L"C:\\\\").TrimRight(L'\\'));
-    EXPECT_STREQ(L"text", CStringW(L"text.,.").TrimRight(L",."));
-    EXPECT_STREQ(L"text ", CStringW(L"text ").TrimRight(L""));
-    EXPECT_STREQ(L"", CStringW(L" \n ").TrimRight());
-    EXPECT_STREQ(L"", CStringW().TrimRight());
-}
-
-TEST(CStringW, IsNotCopiedWhenThereIsNothingToTrim)
-{
-    CStringW str = Own(L"tidy");
-    const CStringW strCopy(str);
-    str.TrimRight();
-    EXPECT_EQ(strCopy.GetString(), str.GetString());
 }
 
 } // namespace

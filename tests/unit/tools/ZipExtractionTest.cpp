@@ -214,9 +214,22 @@ TEST_F(ZipExtraction, TheLinkBitOfOtherHostsMeansNothing)
 TEST_F(ZipExtraction, ADamagedFileStopsTheExtraction)
 {
     EXPECT_EQ(Extract({{"good", "1"}, {"bad", "2", 0, 0, 1}, {"never", "3"}}), -19);
-    const Names found = Found();
-    EXPECT_TRUE(found.contains("good"));
-    EXPECT_FALSE(found.contains("never"));
+    EXPECT_EQ(Found(), Names{"good"});
+}
+
+TEST_F(ZipExtraction, AFileThatIsNotWrittenWholeIsDeletedAgain)
+{
+    const REPLACED(DeleteFileW) remove;
+    EXPECT_EQ(Extract({{"a/J\xC3\xB6rg", "2", 0, 0, 1}}, m_folder.Path().string()), -19);
+    EXPECT_EQ(remove.Arg<0>(), (m_folder.Path() / L"a/J\u00F6rg").wstring());
+    EXPECT_EQ(Found(), Names{"a/"});
+}
+
+TEST_F(ZipExtraction, AFileThatCannotBeDeletedAgainIsTheSameFailure)
+{
+    const REPLACED(DeleteFileW) remove(Returns(FALSE, ERROR_SHARING_VIOLATION));
+    EXPECT_EQ(Extract({{"bad", "2", 0, 0, 1}}), -19);
+    EXPECT_EQ(Found(), Names{"bad"});
 }
 
 TEST_F(ZipExtraction, ANameThatIsNothingButDotsCannotBeExtracted)
@@ -274,6 +287,7 @@ protected:
     {
         m_makeFolder.Optional();
         m_open.Optional();
+        m_delete.Optional();
     }
 
     std::vector<std::wstring> Folders(const std::string& strFolder, const std::string& strName)
@@ -288,6 +302,7 @@ protected:
 
     REPLACED(_wmkdir) m_makeFolder { Returns(0) };
     REPLACED(_wfopen_s) m_open { Returns(errno_t(EACCES)) };
+    REPLACED(DeleteFileW) m_delete { Returns(FALSE, ERROR_FILE_NOT_FOUND) };
 };
 
 TEST_F(ExtractionPaths, EveryFolderIsMadeFromTheOutermost)
