@@ -10,8 +10,8 @@ root_packages=(
     lld clang clang-format clang-tidy libclang-rt-19-dev shellcheck
     # libraries: the watch's TLS and SPAKE2, expressions, the archive's encoder, the tests' framework
     android-libboringssl-dev libctre-dev libzopfli-dev googletest
-    # Windows to run on, and a display with a window manager to look at
-    wine wine64 wine32:i386 xvfb openbox xdotool x11-utils x11-xserver-utils imagemagick
+    # Windows to run on, and a display to look at
+    wine wine64 wine32:i386 xvfb xdotool imagemagick
     fonts-wine fonts-liberation fonts-urw-base35
     # the icon
     librsvg2-bin icoutils
