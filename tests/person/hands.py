@@ -36,6 +36,11 @@ def click(x: int, y: int, times: int = 1) -> None:
     _last_click = (x, y, time.monotonic())
 
 
+def drag(x: int, y: int, to_x: int, to_y: int) -> None:
+    """Takes hold of what is there and lets it go elsewhere."""
+    _act("mousemove", str(x), str(y), "mousedown", "1", "mousemove", str(to_x), str(to_y), "mouseup", "1")
+
+
 def move_mouse_away() -> None:
     """To the corner of the screen, so that nothing looks hovered over."""
     _act("mousemove", "1279", "1023")
