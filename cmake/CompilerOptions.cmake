@@ -30,10 +30,11 @@ if(WIN32)
         add_compile_options(-ffunction-sections -fdata-sections)
         # The stack of GNU ld's programs, where lld's have half of it.
         add_link_options(-static -Wl,--gc-sections -Wl,--no-insert-timestamp -Wl,--stack,0x200000)
-        if(CMAKE_CROSSCOMPILING)
-            # GNU ld enters a load configuration only since 2.47, which not every cross compiler comes with; lld does.
-            # With -fuse-ld=lld GCC looks for it beside its own linker alone, under that one's name, and where there is
-            # none it takes its own without a word. Named so, it is taken or the link fails.
+        # GNU ld enters a load configuration into a program since 2.47; an older one gives way to lld. With -fuse-ld=lld
+        # GCC looks for that beside its own linker alone, under that one's name, and where there is none it takes its own
+        # without a word. Named so, it is taken or the link fails.
+        execute_process(COMMAND ${CMAKE_CXX_COMPILER} -Wl,--version OUTPUT_VARIABLE linker ERROR_QUIET)
+        if(linker MATCHES "^GNU ld[^\n]* ([0-9]+\\.[0-9]+)" AND CMAKE_MATCH_1 VERSION_LESS 2.47)
             find_program(KALVO_LLD ld.lld REQUIRED)
             file(WRITE ${CMAKE_BINARY_DIR}/lld.specs "*linker:\n${KALVO_LLD}\n\n")
             add_link_options(-specs=${CMAKE_BINARY_DIR}/lld.specs)

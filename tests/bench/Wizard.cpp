@@ -8,10 +8,12 @@
 //   dialog COMMAND                           starts a program, waits for its window, then ends it; answers with the
 //                                            milliseconds until then, and the most memory that it has had, in KiB
 //   start COMMAND                            the same of the installer, whose first page is waited for
+//   pages COMMAND                            starts a wizard whose pages want nothing, goes through all
+//                                            of them, waits for its end; answers as job does
 //   job COMMAND ADDRESS PORT CODE PORT       starts the installer, goes through all pages, waits for its end; answers
 //                                            with the milliseconds that its process has lived, and the most memory
 // Ends with 1, after a line on standard error, when something does not come. The end of the input ends it.
-#include "res/resource.h"
+#include "tests/bench/Pages.h"
 #include "tests/bench/Program.h"
 #include "tests/bench/StopWatch.h"
 #include "tests/kit/Request.h"
@@ -34,29 +36,6 @@ constexpr int kFinishButton = 0x3025;
 
 // How often the peak is looked up while nothing else happens.
 constexpr int kLooks = 16;
-
-// A page is told by its body. Most want a box ticked.
-struct PAGE
-{
-    int nBody;
-    int nBox = 0;
-};
-constexpr PAGE kPages[] = {
-    {IDC_WELCOME_BODY},
-    {IDC_CONNECT_WIFI_BODY, IDC_CONNECT_WIFI_CHECK},
-    {IDC_DEVELOPER_OPTIONS_ON_BODY, IDC_DEVELOPER_OPTIONS_ON_CHECK},
-    {IDC_STAY_AWAKE_ON_BODY, IDC_STAY_AWAKE_ON_CHECK},
-    {IDC_WIRELESS_DEBUGGING_ON_BODY},
-    {IDC_PAIR_DEVICE_BODY},
-    {IDC_INSTALL_APK_BODY},
-    {IDC_APK_INSTALLED_BODY},
-    {IDC_STAY_AWAKE_OFF_BODY, IDC_STAY_AWAKE_OFF_CHECK},
-    {IDC_WIRELESS_DEBUGGING_OFF_BODY, IDC_WIRELESS_DEBUGGING_OFF_CHECK},
-    {IDC_REVOKE_AUTHORIZATIONS_BODY, IDC_REVOKE_AUTHORIZATIONS_CHECK},
-    {IDC_DEVELOPER_OPTIONS_OFF_BODY, IDC_DEVELOPER_OPTIONS_OFF_CHECK},
-    {IDC_DISCONNECT_WIFI_BODY, IDC_DISCONNECT_WIFI_CHECK},
-    {IDC_FINISHED_BODY},
-};
 
 // A look asks Windows about every control, and while it is answered, the installer's own questions wait. Pages come
 // quickly; what takes longer than that is adb's work.
@@ -163,7 +142,10 @@ void FillIn(HWND hwndFrame, const PAGE& page, const ENTRIES& entries)
     }
 }
 
-void GoThrough(HWND hwndFrame, const ENTRIES& entries, CShowingProcess& process)
+// What is done on a page before Next.
+using FILL = std::function<void(HWND hwndFrame, const PAGE& page)>;
+
+void GoThrough(HWND hwndFrame, const FILL& fill, CShowingProcess& process)
 {
     for (const PAGE& page : kPages) {
         int nIdle = 0;
@@ -173,7 +155,7 @@ void GoThrough(HWND hwndFrame, const ENTRIES& entries, CShowingProcess& process)
             }
         };
         WaitFor("a page", [&] { return FindShown(hwndFrame, page.nBody); }, look);
-        FillIn(hwndFrame, page, entries);
+        fill(hwndFrame, page);
         const int nButton = page.nBody == IDC_FINISHED_BODY ? kFinishButton : kNextButton;
         const HWND hwndButton = WaitFor("a button", [&] { return FindShown(hwndFrame, nButton); }, look);
         PostMessageW(hwndButton, BM_CLICK, 0, 0);
@@ -201,14 +183,14 @@ std::string Show(const CWizard& wizard, const std::wstring& strCommand, int nBod
     return std::format("{}\t{}", dTaken, process.MemoryPeak());
 }
 
-std::string DoJob(const CWizard& wizard, const std::wstring& strCommand, const ENTRIES& entries)
+std::string DoJob(const CWizard& wizard, const std::wstring& strCommand, const FILL& fill)
 {
     wizard.WaitUntilGone();
     const CStopWatch watch;
     const CProgram program(strCommand);
     const HWND hwndFrame = wizard.WaitForWindow(IDC_WELCOME_BODY);
     CShowingProcess process(hwndFrame);
-    GoThrough(hwndFrame, entries, process);
+    GoThrough(hwndFrame, fill, process);
     while (!program.EndsWithin(kLooks) && watch.Milliseconds() < kPatience) {
         process.Look();
     }
@@ -226,8 +208,12 @@ std::string Answer(const CWizard& wizard, const std::vector<std::wstring>& words
     if (words.size() == 2 && words[0] == L"start") {
         return Show(wizard, words[1], IDC_WELCOME_BODY);
     }
+    if (words.size() == 2 && words[0] == L"pages") {
+        return DoJob(wizard, words[1], [](HWND, const PAGE&) {});
+    }
     if (words.size() == 6 && words[0] == L"job") {
-        return DoJob(wizard, words[1], {words[2], words[3], words[4], words[5]});
+        const ENTRIES entries = {words[2], words[3], words[4], words[5]};
+        return DoJob(wizard, words[1], [&](HWND hwndFrame, const PAGE& page) { FillIn(hwndFrame, page, entries); });
     }
     throw std::runtime_error("this is no request");
 }

@@ -120,7 +120,7 @@ def unpacking(rounds: int) -> list[Figure]:
         pairs = [(installer.install(), unzip()) for _ in range(rounds)]
     taken = f"{median(a for a, _ in pairs):.1f} ms to {median(b for _, b in pairs):.1f} ms"
     ratio = median(a / b for a, b in pairs)
-    return [at_most("`Install`, to `unzip` of the same archive", 1.0, ratio, ".2f", taken)]
+    return [at_most("`Install`, to `unzip` of the same archive", 0.8, ratio, ".2f", taken)]
 
 
 def starting(rounds: int) -> list[Figure]:
@@ -150,9 +150,9 @@ def starting(rounds: int) -> list[Figure]:
 
 
 def main_job(rounds: int) -> list[Figure]:
-    """The whole way through the wizard, with nobody in front of it who takes time, on a watch that plays along; and
-    the adb commands of that way alone."""
-    empty = under_launcher(f'{wine_path(places.bench("dialog"))} "{pages.TITLE}"')
+    """The whole way through the wizard, with nobody in front of it who takes time, on a watch that plays along; the
+    adb commands of that way alone; and the same way through as many pages with nothing on them."""
+    empty = under_launcher(f'{wine_path(places.bench("pages"))} "{pages.TITLE}"')
     folder = drive_c("bench tools")
     with Watch() as watch, BenchProgram("wizard", pages.TITLE) as driver:
         package = write_package(programs.downloads())
@@ -183,26 +183,47 @@ def main_job(rounds: int) -> list[Figure]:
             time.sleep(PAUSE_BEFORE_ADB / 1000)
             return taken + driver.measure("run", f"{adb} kill-server")[0]
 
-        run_adb(), do_job()
-        rows = [(run_adb(), *do_job()) for _ in range(rounds)]
-        dialogs = [driver.measure("dialog", empty) for _ in range(rounds)]
+        def measure() -> tuple[float, ...]:
+            return run_adb(), *do_job(), *driver.measure("pages", empty)
+
+        measure()
+        rows = [measure() for _ in range(rounds)]
+
+        def measure_at_first_page() -> tuple[float, float]:
+            memory = driver.measure("start", under_launcher(installer))[1]
+            shutil.rmtree(programs.working_folder(), ignore_errors=True)
+            return memory, driver.measure("start", empty)[1]
+
+        firsts = [measure_at_first_page() for _ in range(rounds)]
     pauses = ADB_COMMANDS * PAUSE_BEFORE_ADB + PAUSE_BEFORE_POLL
-    share = median((job - pauses - alone) / job for alone, job, _ in rows) * 100
-    alone, job, memory = (median(column) for column in zip(*rows))
-    start, least_memory = (median(column) for column in zip(*dialogs))
+    beyond = median((job - pauses - alone) / job for alone, job, _, _, _ in rows) * 100
+    share = median((job - pauses - alone - bare) / job for alone, job, _, bare, _ in rows) * 100
+    over = median(memory - least for _, _, memory, _, least in rows) / 1024
+    over_at_first = median(memory - least for memory, least in firsts) / 1024
+    alone, job, memory, bare, least = (median(column) for column in zip(*rows))
     return [
-        at_most(
+        printed(
             "main job: share of the time that is neither a fixed pause nor adb's own",
-            5.0,
+            f"{beyond:.1f}",
+            f"%, of {job / 1000:.2f} s; pauses {pauses / 1000:.1f} s, adb alone {alone / 1000:.2f} s",
+        ),
+        at_most(
+            "main job: the same without the time for 14 empty pages",
+            3.0,
             share,
             ".1f",
-            f"%, of {job / 1000:.2f} s; pauses {pauses / 1000:.1f} s, adb alone {alone / 1000:.2f} s; "
-            f"an empty dialog takes {start / 1000:.2f} s to start",
+            f"%; the empty pages take {bare / 1000:.2f} s",
         ),
         printed(
             "peak memory through the main job",
             f"{memory / 1024:.1f} MiB",
-            f"an empty dialog has {least_memory / 1024:.1f} MiB",
+            f"14 empty pages have {least / 1024:.1f} MiB",
+        ),
+        printed(
+            "peak memory over that of 14 empty pages",
+            f"{over:.1f} MiB",
+            f"{over_at_first:.1f} of it at the first page, after the archive of "
+            f"{archive().stat().st_size / (1 << 20):.1f} MiB was written out of the program's file",
         ),
     ]
 
@@ -244,7 +265,7 @@ def sizes(_: int) -> list[Figure]:
         plain = zipped.stat().st_size
     beyond, less = (program - carried) / 1000, (1 - carried / plain) * 100
     return [
-        at_most("program beyond its archive, KB", 300.0, beyond, ".0f", f"{program} - {carried} bytes"),
+        at_most("program beyond its archive, KB", 255.0, beyond, ".0f", f"{program} - {carried} bytes"),
         at_least("archive smaller than by `zip -9`, %", 2.5, less, ".2f", f"{carried} to {plain} bytes"),
     ]
 
