@@ -1,8 +1,8 @@
 #include "tools/PlatformTools.h"
 
 #include "adb/AdbCommands.h"
-#include "app/ErrorReport.h"
-#include "app/Owned.h"
+#include "app/ground/ErrorReport.h"
+#include "app/ground/Owned.h"
 #include "res/resource.h"
 #include "tools/ZipExtraction.h"
 

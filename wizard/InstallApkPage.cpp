@@ -1,11 +1,11 @@
 #include "wizard/InstallApkPage.h"
 
 #include "adb/AdbCommands.h"
-#include "app/KalvoApkInstaller.h"
-#include "app/Owned.h"
+#include "app/ground/KalvoApkInstaller.h"
+#include "app/ground/Owned.h"
 #include "net/WinSockHelper.h"
 #include "res/resource.h"
-#include "wizard/WirelessDebuggingOnPage.h"
+#include "wizard/PingWatch.h"
 
 #include <pathcch.h>
 #include <shobjidl.h>
@@ -202,8 +202,7 @@ LRESULT CInstallApkPage::OnNotify_PSN_WIZNEXT(HWND hwndPage)
         return -1;
     }
     const HWND hwndStatus = GetDlgItem(hwndPage, IDC_INSTALL_APK_STATUS);
-    const LRESULT nResult = CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_Ping(
-        hwndPage, reinterpret_cast<const SOCKADDR_IN*>(&saWatch), hwndStatus);
+    const LRESULT nResult = PingWatch(hwndPage, reinterpret_cast<const SOCKADDR_IN*>(&saWatch), hwndStatus);
     if (nResult != 0) {
         return nResult;
     }

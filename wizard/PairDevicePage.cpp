@@ -1,12 +1,12 @@
 #include "wizard/PairDevicePage.h"
 
 #include "adb/AdbCommands.h"
-#include "app/ErrorReport.h"
+#include "app/ground/ErrorReport.h"
 #include "net/WinSockHelper.h"
 #include "res/resource.h"
 #include "wizard/IntegerEdit.h"
+#include "wizard/PingWatch.h"
 #include "wizard/Port.h"
-#include "wizard/WirelessDebuggingOnPage.h"
 
 #include <string>
 
@@ -132,7 +132,7 @@ LRESULT CPairDevicePage::OnNotify_PSN_WIZNEXT_Pair(HWND hwndPage)
         return -1;
     }
     const HWND hwndStatus = GetDlgItem(hwndPage, IDC_PAIR_DEVICE_STATUS);
-    const LRESULT nResult = CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_Ping(hwndPage, &pairing.address, hwndStatus);
+    const LRESULT nResult = PingWatch(hwndPage, &pairing.address, hwndStatus);
     return nResult != 0 ? nResult : PairWithWatch(hwndPage, pairing);
 }
 

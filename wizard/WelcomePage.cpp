@@ -1,6 +1,6 @@
 #include "wizard/WelcomePage.h"
 
-#include "app/AboutBox.h"
+#include "app/ground/AboutBox.h"
 #include "res/resource.h"
 
 namespace {

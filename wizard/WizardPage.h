@@ -1,7 +1,7 @@
 // What every page of the wizard does: keep the shared data, load its texts, answer the frame.
 #pragma once
 
-#include "app/Platform.h"
+#include "app/ground/Platform.h"
 #include "wizard/WizardData.h"
 
 #include <commctrl.h>

@@ -1,7 +1,7 @@
-#include "app/KalvoApkInstaller.h"
+#include "app/ground/KalvoApkInstaller.h"
 
-#include "app/ErrorReport.h"
-#include "app/Owned.h"
+#include "app/ground/ErrorReport.h"
+#include "app/ground/Owned.h"
 
 #include <knownfolders.h>
 #include <pathcch.h>

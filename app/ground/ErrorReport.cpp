@@ -1,6 +1,6 @@
-#include "app/ErrorReport.h"
+#include "app/ground/ErrorReport.h"
 
-#include "app/Owned.h"
+#include "app/ground/Owned.h"
 
 #include <cwchar>
 #include <cwctype>
