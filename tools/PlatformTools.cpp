@@ -11,8 +11,6 @@
 #include <shellapi.h>
 #include <shlobj.h>
 
-#include <string>
-
 namespace {
 
 bool CombinePath(WCHAR (&szPath)[MAX_PATH], PCWSTR pszFolder, PCWSTR pszName)
@@ -112,8 +110,7 @@ bool CPlatformTools::ExtractZipFile()
 bool CPlatformTools::Uninstall()
 {
     // A running server holds adb.exe open.
-    std::string strOutput;
-    const ADB_EXIT_CODE nKillServer = KillServer(strOutput);
+    const ADB_EXIT_CODE nKillServer = KillServer();
     const bool bServerStopped = nKillServer == ADB_SUCCESS || nKillServer == KILL_SEVER_NOT_STARTED;
     const bool bFolderDeleted = DeleteFolder();
     const bool bZipFilesDeleted = DeleteZipFiles();

@@ -70,35 +70,18 @@ void CloseConnection(CSocket& socket)
 
 INT_PTR CALLBACK CWirelessDebuggingOnPage::DialogProc(HWND hwndPage, UINT nMessage, WPARAM wParam, LPARAM lParam)
 {
-    switch (nMessage) {
-    case WM_INITDIALOG:
-        return OnInitDialog(hwndPage, lParam);
-    case WM_COMMAND:
-        if (LOWORD(wParam) == IDC_WATCH_PORT && HIWORD(wParam) == EN_CHANGE) {
-            UpdateWizardButtons(hwndPage);
-        }
-        return AnswerMessage(hwndPage, 0);
-    case WM_NOTIFY:
-        switch (reinterpret_cast<const NMHDR*>(lParam)->code) {
-        case PSN_SETACTIVE:
-        case IPN_FIELDCHANGED:
-            UpdateWizardButtons(hwndPage);
-            return AnswerMessage(hwndPage, 0);
-        case PSN_WIZNEXT:
-            return AnswerMessage(hwndPage, OnNotify_PSN_WIZNEXT(hwndPage));
-        default:
-            return AnswerMessage(hwndPage, 0);
-        }
-    default:
-        return FALSE;
-    }
+    static constexpr PAGE_HANDLERS kHandlers = {.nBodyId = IDC_WIRELESS_DEBUGGING_ON_BODY,
+                                                .nBodyStringId = IDS_WIRELESS_DEBUGGING_ON_BODY,
+                                                .pfnInitDialog = OnInitDialog,
+                                                .pfnUpdateWizardButtons = UpdateWizardButtons,
+                                                .bHearsAddress = true,
+                                                .pfnCommand = OnCommand,
+                                                .pfnNext = OnNotify_PSN_WIZNEXT};
+    return PageProc(kHandlers, hwndPage, nMessage, wParam, lParam);
 }
 
-BOOL CWirelessDebuggingOnPage::OnInitDialog(HWND hwndPage, LPARAM lParam)
+BOOL CWirelessDebuggingOnPage::OnInitDialog(HWND hwndPage)
 {
-    StoreWizardData(hwndPage, lParam);
-    LoadControlText(hwndPage, IDC_WIRELESS_DEBUGGING_ON_BODY, IDS_WIRELESS_DEBUGGING_ON_BODY);
-
     const HWND hwndAddress = GetDlgItem(hwndPage, IDC_WATCH_ADDRESS);
     const bool bPrefilled = hwndAddress != nullptr && PrefillAddress(hwndAddress);
 
@@ -107,9 +90,14 @@ BOOL CWirelessDebuggingOnPage::OnInitDialog(HWND hwndPage, LPARAM lParam)
         CIntegerEdit::Attach(hwndPort, kPortDigits, L"CWirelessDebuggingOnPage::OnInitDialog()",
                              L"CIntegerEdit::SetWindowSubclass(hwndCtl, NULL)");
     }
-    UpdateWizardButtons(hwndPage);
-    // FALSE: the focus is placed already.
     return !bPrefilled;
+}
+
+void CWirelessDebuggingOnPage::OnCommand(HWND hwndPage, UINT nControlId, WPARAM /*wParam*/, UINT nNotification)
+{
+    if (nControlId == IDC_WATCH_PORT && nNotification == EN_CHANGE) {
+        UpdateWizardButtons(hwndPage);
+    }
 }
 
 // Fills in the first three octets of this computer's gateway, which the watch shares in a home

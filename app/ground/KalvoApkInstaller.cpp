@@ -44,7 +44,7 @@ void CKalvoApkInstaller::GetAppDataLocalFolderPath()
     PWSTR pszLocalAppData = nullptr;
     HRESULT hr = SHGetKnownFolderPath(FOLDERID_LocalAppData, 0, nullptr, &pszLocalAppData);
     // The platform asks for the path to be freed whether the call succeeded or not.
-    const std::unique_ptr<WCHAR, CO_TASK_MEM_FREE> pLocalAppData(pszLocalAppData);
+    const CTaskText pLocalAppData(pszLocalAppData);
     if (FAILED(hr)) {
         ReportComErrorAndExit(hr, L"CKalvoApkInstaller::GetAppDataLocalFolderPath() > SHGetKnownFolderPath()");
     }
