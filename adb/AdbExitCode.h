@@ -1,7 +1,7 @@
 // What an adb run came to: one number, with a name and a message for the user.
 #pragma once
 
-#include "app/Platform.h"
+#include "app/ground/Platform.h"
 
 // The failures that Android's package manager names, letter for letter as it prints them: value,
 // name, message.

@@ -4,55 +4,74 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
+#include <variant>
 
 namespace {
 
-// What a known line means to the classifier that reads it, beside the outcomes themselves.
-constexpr ADB_EXIT_CODE kNextLine = static_cast<ADB_EXIT_CODE>(-1);
-constexpr ADB_EXIT_CODE kFailureName = static_cast<ADB_EXIT_CODE>(-2);
+// What a known line means to the classifier that reads it: an outcome, or one of these.
+enum OTHER_MEANING
+{
+    MEANS_NEXT_LINE,
+    MEANS_FAILURE_NAME, // the outcome is the failure that the line names
+};
+using LINE_MEANING = std::variant<ADB_EXIT_CODE, OTHER_MEANING>;
+
+// The known lines: row, text, meaning. Their order is fixed, and with it the number of each. No classifier reads the
+// first row: it keeps the numbers of the others. PAIR_EMPTY_LINE is never reached: an empty line is DAEMON_EMPTY_LINE
+// first.
+#define OUTPUT_ROWS(ROW)                                                                                               \
+    ROW(DEFAULT, "_Default_", ADB_PARSE_ERROR)                                                                         \
+    ROW(CONNECTED, "connected to ", ADB_SUCCESS)                                                                       \
+    ROW(ALREADY_CONNECTED, "already connected to ", CONNECT_ALREADY_CONNECTED)                                         \
+    ROW(CANNOT_CONNECT, "cannot connect to ", CONNECT_CANNOT_CONNECT)                                                  \
+    ROW(FAILED_TO_AUTHENTICATE, "failed to authenticate to ", CONNECT_FAILED_TO_AUTHENTICATE)                          \
+    ROW(INSTALLED, "Success", ADB_SUCCESS)                                                                             \
+    ROW(STREAMED_INSTALL, "Performing Streamed Install", MEANS_NEXT_LINE)                                              \
+    ROW(FAILED_TO_INSTALL, "adb: failed to install", MEANS_FAILURE_NAME)                                               \
+    ROW(FAILED_TO_STAT, "adb: failed to stat", INSTALL_FAILED_STAT)                                                    \
+    ROW(MORE_THAN_ONE_DEVICE, "adb.exe: more than one device/emulator", INSTALL_MORE_THAN_ONE_DEVICE)                  \
+    ROW(DEVICE_OFFLINE, "adb.exe: device offline", INSTALL_DEVICE_OFFLINE)                                             \
+    ROW(NO_DEVICES_FOUND, "adb.exe: no devices/emulators found", INSTALL_NO_DEVICES_FOUND)                             \
+    ROW(KILL_SERVER_EMPTY_LINE, "", ADB_PARSE_ERROR)                                                                   \
+    ROW(NO_DAEMON, "cannot connect to daemon at tcp:", KILL_SEVER_NOT_STARTED)                                         \
+    ROW(PAIRED, "Successfully paired to ", ADB_SUCCESS)                                                                \
+    ROW(NOT_PAIRED, "Failed: Unable to start pairing client.", PAIR_FAILED)                                            \
+    ROW(PAIR_EMPTY_LINE, "", ADB_PARSE_ERROR)                                                                          \
+    ROW(DAEMON_STARTED, "* daemon started successfully", MEANS_NEXT_LINE)                                              \
+    ROW(SERVER_VERSION, "adb server version (", MEANS_NEXT_LINE)                                                       \
+    ROW(DAEMON_STARTING, "* daemon not running; starting now at tcp:", MEANS_NEXT_LINE)                                \
+    ROW(DAEMON_EMPTY_LINE, "", ADB_PARSE_ERROR)
+
+enum OUTPUT_ROW : int
+{
+#define OUTPUT_ROW_NAME(row, text, meaning) ROW_##row,
+    OUTPUT_ROWS(OUTPUT_ROW_NAME)
+#undef OUTPUT_ROW_NAME
+};
+static_assert(ROW_CONNECTED == 1 && ROW_DAEMON_EMPTY_LINE == 20);
 
 struct OUTPUT_PATTERN
 {
     std::string_view text;
-    ADB_EXIT_CODE nMeaning;
+    LINE_MEANING meaning;
 };
-
-// The classifiers refer to these rows by index ranges.
 constexpr OUTPUT_PATTERN kOutputPatterns[] = {
-    /*  0 */ {"_Default_", ADB_PARSE_ERROR},
-    /*  1 */ {"connected to ", ADB_SUCCESS},
-    /*  2 */ {"already connected to ", CONNECT_ALREADY_CONNECTED},
-    /*  3 */ {"cannot connect to ", CONNECT_CANNOT_CONNECT},
-    /*  4 */ {"failed to authenticate to ", CONNECT_FAILED_TO_AUTHENTICATE},
-    /*  5 */ {"Success", ADB_SUCCESS},
-    /*  6 */ {"Performing Streamed Install", kNextLine},
-    /*  7 */ {"adb: failed to install", kFailureName},
-    /*  8 */ {"adb: failed to stat", INSTALL_FAILED_STAT},
-    /*  9 */ {"adb.exe: more than one device/emulator", INSTALL_MORE_THAN_ONE_DEVICE},
-    /* 10 */ {"adb.exe: device offline", INSTALL_DEVICE_OFFLINE},
-    /* 11 */ {"adb.exe: no devices/emulators found", INSTALL_NO_DEVICES_FOUND},
-    /* 12 */ {"", ADB_PARSE_ERROR},
-    /* 13 */ {"cannot connect to daemon at tcp:", KILL_SEVER_NOT_STARTED},
-    /* 14 */ {"Successfully paired to ", ADB_SUCCESS},
-    /* 15 */ {"Failed: Unable to start pairing client.", PAIR_FAILED},
-    /* 16 */ {"", ADB_PARSE_ERROR},
-    /* 17 */ {"* daemon started successfully", kNextLine},
-    /* 18 */ {"adb server version (", kNextLine},
-    /* 19 */ {"* daemon not running; starting now at tcp:", kNextLine},
-    /* 20 */ {"", ADB_PARSE_ERROR},
+#define OUTPUT_ROW_PATTERN(row, text, meaning) {text, meaning},
+    OUTPUT_ROWS(OUTPUT_ROW_PATTERN)
+#undef OUTPUT_ROW_PATTERN
 };
-static_assert(std::size(kOutputPatterns) == 21);
 
 struct PATTERN_RANGE
 {
-    int nFirst;
-    int nLast;
+    OUTPUT_ROW nFirst;
+    OUTPUT_ROW nLast;
 };
-constexpr PATTERN_RANGE kConnectPatterns = {1, 4};
-constexpr PATTERN_RANGE kInstallPatterns = {5, 11};
-constexpr PATTERN_RANGE kKillServerPatterns = {12, 13};
-constexpr PATTERN_RANGE kPairPatterns = {14, 16};
-constexpr PATTERN_RANGE kDaemonPatterns = {17, 20};
+constexpr PATTERN_RANGE kConnectPatterns = {ROW_CONNECTED, ROW_FAILED_TO_AUTHENTICATE};
+constexpr PATTERN_RANGE kInstallPatterns = {ROW_INSTALLED, ROW_NO_DEVICES_FOUND};
+constexpr PATTERN_RANGE kKillServerPatterns = {ROW_KILL_SERVER_EMPTY_LINE, ROW_NO_DAEMON};
+constexpr PATTERN_RANGE kPairPatterns = {ROW_PAIRED, ROW_PAIR_EMPTY_LINE};
+constexpr PATTERN_RANGE kDaemonPatterns = {ROW_DAEMON_STARTED, ROW_DAEMON_EMPTY_LINE};
 
 struct FAILURE_NAME
 {
@@ -79,25 +98,35 @@ bool TakeLine(std::string_view& rest, std::string_view& line)
     return true;
 }
 
-// The meaning of a line among the lines about the start of adb's server and the command's own.
-ADB_EXIT_CODE JudgeLine(std::string_view line, PATTERN_RANGE own)
+bool FindInRange(std::string_view line, PATTERN_RANGE range, int& nIndex)
 {
-    int nIndex = 0;
-    if (!FindOutputPattern(line, kDaemonPatterns.nFirst, kDaemonPatterns.nLast, nIndex) &&
-        !FindOutputPattern(line, own.nFirst, own.nLast, nIndex)) {
-        return ADB_PARSE_ERROR;
-    }
-    const ADB_EXIT_CODE nMeaning = kOutputPatterns[nIndex].nMeaning;
-    return nMeaning == kFailureName ? GetFailedToInstallExitCode(line) : nMeaning;
+    return FindOutputPattern(line, range.nFirst, range.nLast, nIndex);
 }
 
+// The outcome that a line decides as the row means it; none when the next line is to be read.
+std::optional<ADB_EXIT_CODE> Decide(int nIndex, std::string_view line)
+{
+    const LINE_MEANING& meaning = kOutputPatterns[nIndex].meaning;
+    if (const auto* pOutcome = std::get_if<ADB_EXIT_CODE>(&meaning)) {
+        return *pOutcome;
+    }
+    if (meaning == LINE_MEANING(MEANS_NEXT_LINE)) {
+        return std::nullopt;
+    }
+    return GetFailedToInstallExitCode(line);
+}
+
+// Judges by the lines about the start of adb's server and the command's own.
 ADB_EXIT_CODE ClassifyLines(std::string_view output, PATTERN_RANGE own)
 {
     std::string_view line;
     while (TakeLine(output, line)) {
-        const ADB_EXIT_CODE nMeaning = JudgeLine(line, own);
-        if (nMeaning != kNextLine) {
-            return nMeaning;
+        int nIndex = 0;
+        if (!FindInRange(line, kDaemonPatterns, nIndex) && !FindInRange(line, own, nIndex)) {
+            return ADB_PARSE_ERROR;
+        }
+        if (const std::optional<ADB_EXIT_CODE> nOutcome = Decide(nIndex, line)) {
+            return *nOutcome;
         }
     }
     return ADB_PARSE_ERROR;
@@ -124,10 +153,10 @@ ADB_EXIT_CODE ClassifyKillServerOutput(std::string_view output)
         return ADB_SUCCESS;
     }
     int nIndex = 0;
-    if (!FindOutputPattern(line, kKillServerPatterns.nFirst, kKillServerPatterns.nLast, nIndex)) {
+    if (!FindInRange(line, kKillServerPatterns, nIndex)) {
         return ADB_PARSE_ERROR;
     }
-    return kOutputPatterns[nIndex].nMeaning;
+    return Decide(nIndex, line).value_or(ADB_PARSE_ERROR);
 }
 
 ADB_EXIT_CODE ClassifyConnectOutput(std::string_view output)

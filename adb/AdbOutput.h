@@ -1,5 +1,5 @@
-// What adb's printed text means. adb's exit status says nothing reliable, so each command is judged
-// by its output alone. The output is taken as adb wrote it: lines end at line feeds, a carriage
+// What adb's printed text means: each command is judged by its output alone, adb's exit status is not
+// looked at. The output is taken as adb wrote it: lines end at line feeds, a carriage
 // return before one belongs to the line, matching is byte by byte.
 #pragma once
 

@@ -1,6 +1,6 @@
 #include "adb/ConsoleProcess.h"
 
-#include "app/ErrorReport.h"
+#include "app/ground/ErrorReport.h"
 #include "tools/PlatformTools.h"
 
 namespace {

@@ -3,7 +3,7 @@
 // up: sockets, then COM, then the instance lock.
 #pragma once
 
-#include "app/Platform.h"
+#include "app/ground/Platform.h"
 
 // The lock that keeps a second instance out. It is never waited on: existing is all it does.
 class CInstanceLock

@@ -1,8 +1,8 @@
 // The program's spine: start-up, the wizard, and everything away again.
 
-#include "app/KalvoApkInstaller.h"
-#include "app/Platform.h"
 #include "app/Startup.h"
+#include "app/ground/KalvoApkInstaller.h"
+#include "app/ground/Platform.h"
 #include "res/resource.h"
 #include "tools/PlatformTools.h"
 #include "wizard/Wizard.h"

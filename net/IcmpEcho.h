@@ -2,7 +2,7 @@
 // it, both reused for all requests of one probe.
 #pragma once
 
-#include "app/Platform.h"
+#include "app/ground/Platform.h"
 
 #include <iphlpapi.h>
 

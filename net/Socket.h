@@ -2,7 +2,7 @@
 // reports as that call does; the reason of a failure is in WSAGetLastError.
 #pragma once
 
-#include "app/Platform.h"
+#include "app/ground/Platform.h"
 
 class CSocket
 {

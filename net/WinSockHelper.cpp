@@ -1,6 +1,6 @@
 #include "net/WinSockHelper.h"
 
-#include "app/ErrorReport.h"
+#include "app/ground/ErrorReport.h"
 
 #include <iphlpapi.h>
 #include <netioapi.h>

@@ -1,7 +1,7 @@
 // Addresses as text and back, and the gateway of this computer. Windows Sockets must be started.
 #pragma once
 
-#include "app/Platform.h"
+#include "app/ground/Platform.h"
 
 class CWinSockHelper
 {

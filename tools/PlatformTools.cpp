@@ -1,8 +1,8 @@
 #include "tools/PlatformTools.h"
 
 #include "adb/AdbCommands.h"
-#include "app/ErrorReport.h"
-#include "app/Owned.h"
+#include "app/ground/ErrorReport.h"
+#include "app/ground/Owned.h"
 #include "res/resource.h"
 #include "tools/ZipExtraction.h"
 
@@ -10,8 +10,6 @@
 #include <pathcch.h>
 #include <shellapi.h>
 #include <shlobj.h>
-
-#include <string>
 
 namespace {
 
@@ -112,8 +110,7 @@ bool CPlatformTools::ExtractZipFile()
 bool CPlatformTools::Uninstall()
 {
     // A running server holds adb.exe open.
-    std::string strOutput;
-    const ADB_EXIT_CODE nKillServer = KillServer(strOutput);
+    const ADB_EXIT_CODE nKillServer = KillServer();
     const bool bServerStopped = nKillServer == ADB_SUCCESS || nKillServer == KILL_SEVER_NOT_STARTED;
     const bool bFolderDeleted = DeleteFolder();
     const bool bZipFilesDeleted = DeleteZipFiles();

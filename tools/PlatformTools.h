@@ -2,7 +2,7 @@
 // the wizard starts and removes them after it ends.
 #pragma once
 
-#include "app/Platform.h"
+#include "app/ground/Platform.h"
 
 // The platform tools on disk. There is one object; its paths are set once and only read afterwards.
 class CPlatformTools

@@ -1,6 +1,6 @@
 #include "tools/ZipExtraction.h"
 
-#include "app/Platform.h"
+#include "app/ground/Platform.h"
 
 #include <direct.h>
 

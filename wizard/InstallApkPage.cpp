@@ -1,25 +1,23 @@
 #include "wizard/InstallApkPage.h"
 
 #include "adb/AdbCommands.h"
-#include "app/KalvoApkInstaller.h"
-#include "app/Owned.h"
+#include "app/ground/KalvoApkInstaller.h"
+#include "app/ground/Owned.h"
 #include "net/WinSockHelper.h"
 #include "res/resource.h"
-#include "wizard/WirelessDebuggingOnPage.h"
+#include "wizard/AdbSteps.h"
+#include "wizard/PingWatch.h"
 
 #include <pathcch.h>
 #include <shobjidl.h>
 #include <wrl/client.h>
 
 #include <cstdlib>
-#include <string>
 
 using Microsoft::WRL::ComPtr;
 
 namespace {
 
-constexpr int kConnectAttempts = 3;
-constexpr int kInstallAttempts = 3;
 constexpr WCHAR kCaption[] = L"ADB Install";
 
 void ShowBox(HWND hwndPage, PCWSTR pszText)
@@ -27,12 +25,12 @@ void ShowBox(HWND hwndPage, PCWSTR pszText)
     MessageBoxW(hwndPage, pszText, kCaption, MB_OK);
 }
 
-// The format takes the outcome's message, its name and its number.
-void ReportUnexpectedOutcome(HWND hwndPage, PCWSTR pszFormat, ADB_EXIT_CODE nOutcome)
+void ReportUnexpectedOutcome(HWND hwndPage, PCWSTR pszStep, ADB_EXIT_CODE nOutcome)
 {
     const ADB_EXIT_CODE_ENTRY entry = DescribeAdbExitCode(nOutcome);
     CStringW szText;
-    szText.Format(pszFormat, entry.pszMessage, entry.pszName, static_cast<int>(nOutcome));
+    szText.Format(L"An unexpected error has occurred when %s:\n\n%s\n\n%s (%d)", pszStep, entry.pszMessage,
+                  entry.pszName, static_cast<int>(nOutcome));
     ShowBox(hwndPage, szText);
 }
 
@@ -93,42 +91,25 @@ HRESULT SetUpDialog(IFileOpenDialog* pDialog)
 
 INT_PTR CALLBACK CInstallApkPage::DialogProc(HWND hwndPage, UINT nMessage, WPARAM wParam, LPARAM lParam)
 {
-    switch (nMessage) {
-    case WM_INITDIALOG:
-        OnInitDialog(hwndPage, lParam);
-        return TRUE;
-    case WM_COMMAND:
-        OnCommand(hwndPage, wParam);
-        return AnswerMessage(hwndPage, 0);
-    case WM_NOTIFY:
-        switch (reinterpret_cast<const NMHDR*>(lParam)->code) {
-        case PSN_SETACTIVE:
-            UpdateWizardButtons(hwndPage);
-            return AnswerMessage(hwndPage, 0);
-        case PSN_WIZNEXT:
-            return AnswerMessage(hwndPage, OnNotify_PSN_WIZNEXT(hwndPage));
-        default:
-            return AnswerMessage(hwndPage, 0);
-        }
-    default:
-        return FALSE;
-    }
+    static constexpr PAGE_HANDLERS kHandlers = {.nBodyId = IDC_INSTALL_APK_BODY,
+                                                .nBodyStringId = IDS_INSTALL_APK_BODY,
+                                                .pfnInitDialog = OnInitDialog,
+                                                .pfnUpdateWizardButtons = UpdateWizardButtons,
+                                                .pfnCommand = OnCommand,
+                                                .pfnNext = OnNotify_PSN_WIZNEXT};
+    return PageProc(kHandlers, hwndPage, nMessage, wParam, lParam);
 }
 
-void CInstallApkPage::OnInitDialog(HWND hwndPage, LPARAM lParam)
+BOOL CInstallApkPage::OnInitDialog(HWND hwndPage)
 {
-    StoreWizardData(hwndPage, lParam);
-    LoadControlText(hwndPage, IDC_INSTALL_APK_BODY, IDS_INSTALL_APK_BODY);
     if (const HWND hwndPath = GetDlgItem(hwndPage, IDC_APK_PATH)) {
         FindDefaultApkFile(hwndPath);
     }
-    UpdateWizardButtons(hwndPage);
+    return TRUE;
 }
 
-void CInstallApkPage::OnCommand(HWND hwndPage, WPARAM wParam)
+void CInstallApkPage::OnCommand(HWND hwndPage, UINT nControlId, WPARAM /*wParam*/, UINT nNotification)
 {
-    const int nControlId = LOWORD(wParam);
-    const int nNotification = HIWORD(wParam);
     if (nControlId == IDC_APK_PATH && nNotification == EN_CHANGE) {
         UpdateWizardButtons(hwndPage);
     } else if (nControlId == IDC_BROWSE && nNotification == BN_CLICKED) {
@@ -202,8 +183,7 @@ LRESULT CInstallApkPage::OnNotify_PSN_WIZNEXT(HWND hwndPage)
         return -1;
     }
     const HWND hwndStatus = GetDlgItem(hwndPage, IDC_INSTALL_APK_STATUS);
-    const LRESULT nResult = CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_Ping(
-        hwndPage, reinterpret_cast<const SOCKADDR_IN*>(&saWatch), hwndStatus);
+    const LRESULT nResult = PingWatch(hwndPage, reinterpret_cast<const SOCKADDR_IN*>(&saWatch), hwndStatus);
     if (nResult != 0) {
         return nResult;
     }
@@ -224,13 +204,12 @@ LRESULT CInstallApkPage::OnNotify_PSN_WIZNEXT(HWND hwndPage)
 bool CInstallApkPage::ConnectToWatch(HWND hwndPage, HWND hwndStatus, PCWSTR pszAddress)
 {
     CStringW szStatus;
-    ADB_EXIT_CODE nOutcome = CONNECT_CANNOT_CONNECT;
-    for (int nAttempt = 1; nAttempt <= kConnectAttempts && IsWorthAnotherConnect(nOutcome); ++nAttempt) {
-        szStatus.Format(L"Connecting to %s (attempt %d of %d)", pszAddress, nAttempt, kConnectAttempts);
+    const auto Attempt = [&](int nAttempt) {
+        szStatus.Format(L"Connecting to %s (attempt %d of %d)", pszAddress, nAttempt, kAdbAttempts);
         SetWindowTextW(hwndStatus, szStatus);
-        std::string strOutput;
-        nOutcome = Connect(pszAddress, strOutput);
-    }
+        return Connect(pszAddress);
+    };
+    const ADB_EXIT_CODE nOutcome = RunAttempts(Attempt, IsWorthAnotherConnect);
 
     if (IsConnected(nOutcome)) {
         szStatus.Format(L"Connected to %s", pszAddress);
@@ -238,8 +217,7 @@ bool CInstallApkPage::ConnectToWatch(HWND hwndPage, HWND hwndStatus, PCWSTR pszA
         szStatus.Format(L"Unable to connect to %s", pszAddress);
     } else {
         szStatus = DescribeAdbExitCode(nOutcome).pszMessage;
-        ReportUnexpectedOutcome(
-            hwndPage, L"An unexpected error has occurred when connecting to the device:\n\n%s\n\n%s (%d)", nOutcome);
+        ReportUnexpectedOutcome(hwndPage, L"connecting to the device", nOutcome);
     }
     SetWindowTextW(hwndStatus, szStatus);
     return IsConnected(nOutcome);
@@ -264,13 +242,12 @@ bool CInstallApkPage::ReadPackage(HWND hwndPage, PACKAGE& package)
 bool CInstallApkPage::InstallPackage(HWND hwndPage, HWND hwndStatus, PCWSTR pszAddress, const PACKAGE& package)
 {
     CStringW szStatus;
-    ADB_EXIT_CODE nOutcome = INSTALL_FAILED;
-    for (int nAttempt = 1; nAttempt <= kInstallAttempts && IsWorthAnotherInstall(nOutcome); ++nAttempt) {
-        szStatus.Format(L"Installing %s (attempt %d of %d)", package.szName.GetString(), nAttempt, kInstallAttempts);
+    const auto Attempt = [&](int nAttempt) {
+        szStatus.Format(L"Installing %s (attempt %d of %d)", package.szName.GetString(), nAttempt, kAdbAttempts);
         SetWindowTextW(hwndStatus, szStatus);
-        std::string strOutput;
-        nOutcome = Install(pszAddress, package.szPath, strOutput);
-    }
+        return Install(pszAddress, package.szPath);
+    };
+    const ADB_EXIT_CODE nOutcome = RunAttempts(Attempt, IsWorthAnotherInstall);
 
     if (nOutcome == ADB_SUCCESS) {
         szStatus.Format(L"Installed %s", package.szName.GetString());
@@ -312,8 +289,7 @@ void CInstallApkPage::ReportInstallOutcome(HWND hwndPage, ADB_EXIT_CODE nOutcome
                           L"disconnect all other Android devices.");
         break;
     default:
-        ReportUnexpectedOutcome(hwndPage, L"An unexpected error has occurred when installing the APK:\n\n%s\n\n%s (%d)",
-                                nOutcome);
+        ReportUnexpectedOutcome(hwndPage, L"installing the APK", nOutcome);
         break;
     }
 }
@@ -321,12 +297,10 @@ void CInstallApkPage::ReportInstallOutcome(HWND hwndPage, ADB_EXIT_CODE nOutcome
 // False, after a box, unless a running server stopped: after an install there must have been one.
 bool CInstallApkPage::StopServer(HWND hwndPage, HWND hwndStatus)
 {
-    std::string strOutput;
-    if (KillServer(strOutput) == ADB_SUCCESS) {
+    if (KillServer() == ADB_SUCCESS) {
         return true;
     }
-    MessageBoxW(hwndPage, L"Unable to stop the adb service. Please report this error to KALVO\n",
-                L"CInstallApkPage::OnNotify_PSN_WIZNEXT", MB_OK);
+    ReportServerNotStopped(hwndPage, L"CInstallApkPage::OnNotify_PSN_WIZNEXT");
     SetWindowTextW(hwndStatus, L"Unable to stop adb service");
     return false;
 }

@@ -17,8 +17,8 @@ private:
         CStringW szName;
     };
 
-    static void OnInitDialog(HWND hwndPage, LPARAM lParam);
-    static void OnCommand(HWND hwndPage, WPARAM wParam);
+    static BOOL OnInitDialog(HWND hwndPage);
+    static void OnCommand(HWND hwndPage, UINT nControlId, WPARAM wParam, UINT nNotification);
     static void UpdateWizardButtons(HWND hwndPage);
     static void FindDefaultApkFile(HWND hwndPath);
     static HRESULT BrowseForApkFile(HWND hwndPage, CStringW& szPath);

@@ -1,6 +1,6 @@
 #include "wizard/IntegerEdit.h"
 
-#include "app/ErrorReport.h"
+#include "app/ground/ErrorReport.h"
 
 #include <cwctype>
 

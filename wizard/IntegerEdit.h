@@ -1,7 +1,7 @@
 // An edit control that takes decimal digits only, typed or pasted.
 #pragma once
 
-#include "app/Platform.h"
+#include "app/ground/Platform.h"
 
 #include <commctrl.h>
 

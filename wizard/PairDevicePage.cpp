@@ -1,20 +1,24 @@
 #include "wizard/PairDevicePage.h"
 
 #include "adb/AdbCommands.h"
-#include "app/ErrorReport.h"
+#include "app/ground/ErrorReport.h"
 #include "net/WinSockHelper.h"
 #include "res/resource.h"
+#include "wizard/AdbSteps.h"
 #include "wizard/IntegerEdit.h"
+#include "wizard/PingWatch.h"
 #include "wizard/Port.h"
-#include "wizard/WirelessDebuggingOnPage.h"
-
-#include <string>
 
 namespace {
 
 constexpr int kCodeDigits = 6;
-constexpr int kAttempts = 3;
 constexpr WCHAR kOnInitDialog[] = L"CPairDevicePage::OnInitDialog()";
+constexpr WCHAR kPair[] = L"CPairDevicePage::OnNotify_PSN_WIZNEXT_Pair";
+
+bool IsWorthAnotherPair(ADB_EXIT_CODE nOutcome)
+{
+    return nOutcome == PAIR_FAILED;
+}
 
 bool IsSkipped(HWND hwndPage)
 {
@@ -40,25 +44,17 @@ void ReportPairFailed(HWND hwndPage)
 
 INT_PTR CALLBACK CPairDevicePage::DialogProc(HWND hwndPage, UINT nMessage, WPARAM wParam, LPARAM lParam)
 {
-    switch (nMessage) {
-    case WM_INITDIALOG:
-        OnInitDialog(hwndPage, lParam);
-        return TRUE;
-    case WM_COMMAND:
-        OnCommand(hwndPage, wParam);
-        return AnswerMessage(hwndPage, 0);
-    case WM_NOTIFY:
-        return AnswerMessage(hwndPage, OnNotify(hwndPage, reinterpret_cast<const NMHDR*>(lParam)->code));
-    default:
-        return FALSE;
-    }
+    static constexpr PAGE_HANDLERS kHandlers = {.nBodyId = IDC_PAIR_DEVICE_BODY,
+                                                .nBodyStringId = IDS_PAIR_DEVICE_BODY,
+                                                .pfnInitDialog = OnInitDialog,
+                                                .pfnUpdateWizardButtons = UpdateWizardButtons,
+                                                .pfnCommand = OnCommand,
+                                                .pfnNext = OnNotify_PSN_WIZNEXT};
+    return PageProc(kHandlers, hwndPage, nMessage, wParam, lParam);
 }
 
-void CPairDevicePage::OnInitDialog(HWND hwndPage, LPARAM lParam)
+BOOL CPairDevicePage::OnInitDialog(HWND hwndPage)
 {
-    StoreWizardData(hwndPage, lParam);
-    LoadControlText(hwndPage, IDC_PAIR_DEVICE_BODY, IDS_PAIR_DEVICE_BODY);
-
     if (const HWND hwndAddress = GetDlgItem(hwndPage, IDC_PAIRING_ADDRESS)) {
         const SOCKADDR_STORAGE& saWatch = GetWizardData(hwndPage).m_saWatchAddress;
         if (saWatch.ss_family != AF_INET) {
@@ -73,13 +69,11 @@ void CPairDevicePage::OnInitDialog(HWND hwndPage, LPARAM lParam)
     if (const HWND hwndCode = GetDlgItem(hwndPage, IDC_PAIRING_CODE)) {
         CIntegerEdit::Attach(hwndCode, kCodeDigits, kOnInitDialog, L"CIntegerEdit::SetWindowSubclass(CODE, NULL)");
     }
-    UpdateWizardButtons(hwndPage);
+    return TRUE;
 }
 
-void CPairDevicePage::OnCommand(HWND hwndPage, WPARAM wParam)
+void CPairDevicePage::OnCommand(HWND hwndPage, UINT nControlId, WPARAM /*wParam*/, UINT nNotification)
 {
-    const int nControlId = LOWORD(wParam);
-    const int nNotification = HIWORD(wParam);
     if ((nControlId == IDC_PAIRING_PORT || nControlId == IDC_PAIRING_CODE) && nNotification == EN_CHANGE) {
         UpdateWizardButtons(hwndPage);
     } else if (nControlId == IDC_SKIP_PAIRING && nNotification == BN_CLICKED) {
@@ -103,18 +97,10 @@ void CPairDevicePage::UpdateWizardButtons(HWND hwndPage)
     ShowWizardButtons(hwndPage, bComplete ? kBackNextCancel : kBackCancel, kBackNextCancel);
 }
 
-LRESULT CPairDevicePage::OnNotify(HWND hwndPage, UINT nCode)
+LRESULT CPairDevicePage::OnNotify_PSN_WIZNEXT(HWND hwndPage)
 {
-    switch (nCode) {
-    case PSN_SETACTIVE:
-        UpdateWizardButtons(hwndPage);
-        return 0;
-    case PSN_WIZNEXT:
-        SetDlgItemTextW(hwndPage, IDC_PAIR_DEVICE_STATUS, L"Stopping ADB server");
-        return IsSkipped(hwndPage) ? 0 : OnNotify_PSN_WIZNEXT_Pair(hwndPage);
-    default:
-        return 0;
-    }
+    SetDlgItemTextW(hwndPage, IDC_PAIR_DEVICE_STATUS, L"Stopping ADB server");
+    return IsSkipped(hwndPage) ? 0 : OnNotify_PSN_WIZNEXT_Pair(hwndPage);
 }
 
 LRESULT CPairDevicePage::OnNotify_PSN_WIZNEXT_Pair(HWND hwndPage)
@@ -123,16 +109,14 @@ LRESULT CPairDevicePage::OnNotify_PSN_WIZNEXT_Pair(HWND hwndPage)
     if (!ReadPairing(hwndPage, pairing)) {
         return -1;
     }
-    // The pair command then starts a server that knows nothing of earlier attempts.
-    std::string strOutput;
-    const ADB_EXIT_CODE nKillServer = KillServer(strOutput);
+    // The pair command then starts a new server.
+    const ADB_EXIT_CODE nKillServer = KillServer();
     if (nKillServer != ADB_SUCCESS && nKillServer != KILL_SEVER_NOT_STARTED) {
-        MessageBoxW(hwndPage, L"Unable to stop the adb service. Please report this error to KALVO\n",
-                    L"CPairDevicePage::OnNotify_PSN_WIZNEXT_Pair", MB_OK);
+        ReportServerNotStopped(hwndPage, kPair);
         return -1;
     }
     const HWND hwndStatus = GetDlgItem(hwndPage, IDC_PAIR_DEVICE_STATUS);
-    const LRESULT nResult = CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_Ping(hwndPage, &pairing.address, hwndStatus);
+    const LRESULT nResult = PingWatch(hwndPage, &pairing.address, hwndStatus);
     return nResult != 0 ? nResult : PairWithWatch(hwndPage, pairing);
 }
 
@@ -146,7 +130,7 @@ bool CPairDevicePage::ReadPairing(HWND hwndPage, PAIRING& pairing)
                     L"Somehow you entered an invalid port number.\n\n"
                     L"Please enter a valid value (1024 through 65535) the port number and let us know how you managed "
                     L"to enter an invalid value.",
-                    L"CPairDevicePage::OnNotify_PSN_WIZNEXT_Pair", MB_OK);
+                    kPair, MB_OK);
         return false;
     }
     if (!IsUserPort(nPort)) {
@@ -175,13 +159,12 @@ LRESULT CPairDevicePage::PairWithWatch(HWND hwndPage, const PAIRING& pairing)
         return -1;
     }
     CStringW szStatus;
-    ADB_EXIT_CODE nOutcome = PAIR_FAILED;
-    for (int nAttempt = 1; nAttempt <= kAttempts && nOutcome == PAIR_FAILED; ++nAttempt) {
-        szStatus.Format(L"Pairing attempt %d of %d", nAttempt, kAttempts);
+    const auto Attempt = [&](int nAttempt) {
+        szStatus.Format(L"Pairing attempt %d of %d", nAttempt, kAdbAttempts);
         SetDlgItemTextW(hwndPage, IDC_PAIR_DEVICE_STATUS, szStatus);
-        std::string strOutput;
-        nOutcome = Pair(szAddress, pairing.szCode, strOutput);
-    }
+        return Pair(szAddress, pairing.szCode);
+    };
+    const ADB_EXIT_CODE nOutcome = RunAttempts(Attempt, IsWorthAnotherPair);
 
     const bool bPaired = nOutcome == ADB_SUCCESS || nOutcome == PAIR_ALREADY_PAIRED;
     if (bPaired) {

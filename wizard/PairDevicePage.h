@@ -16,10 +16,10 @@ private:
         WCHAR szCode[7];
     };
 
-    static void OnInitDialog(HWND hwndPage, LPARAM lParam);
-    static void OnCommand(HWND hwndPage, WPARAM wParam);
+    static BOOL OnInitDialog(HWND hwndPage);
+    static void OnCommand(HWND hwndPage, UINT nControlId, WPARAM wParam, UINT nNotification);
     static void UpdateWizardButtons(HWND hwndPage);
-    static LRESULT OnNotify(HWND hwndPage, UINT nCode);
+    static LRESULT OnNotify_PSN_WIZNEXT(HWND hwndPage);
     static LRESULT OnNotify_PSN_WIZNEXT_Pair(HWND hwndPage);
     static bool ReadPairing(HWND hwndPage, PAIRING& pairing);
     static LRESULT PairWithWatch(HWND hwndPage, const PAIRING& pairing);

@@ -1,7 +1,7 @@
 // The ports that a watch chooses for wireless debugging and for pairing, as the user types them.
 #pragma once
 
-#include "app/Platform.h"
+#include "app/ground/Platform.h"
 
 constexpr int kPortDigits = 5;
 constexpr int kFewestPortDigits = 4;

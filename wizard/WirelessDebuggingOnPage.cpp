@@ -1,8 +1,10 @@
 #include "wizard/WirelessDebuggingOnPage.h"
 
+#include "net/TcpProbe.h"
 #include "net/WinSockHelper.h"
 #include "res/resource.h"
 #include "wizard/IntegerEdit.h"
+#include "wizard/PingWatch.h"
 #include "wizard/Port.h"
 
 #include <shlwapi.h>
@@ -13,39 +15,73 @@ namespace {
 
 constexpr LRESULT kAddressFields = 4;
 
+void ReportWsaError(HWND hwndOwner, PCWSTR pszMethod)
+{
+    MessageBoxW(hwndOwner, pszMethod, L"WSA Error", MB_OK);
+}
+
+[[noreturn]] void ReportWsaErrorAndExit(HWND hwndOwner, PCWSTR pszMethod)
+{
+    const int nError = WSAGetLastError();
+    ReportWsaError(hwndOwner, pszMethod);
+    ExitProcess(static_cast<UINT>(nError));
+}
+
+void OpenNonBlocking(CSocket& socket, HWND hwndPage)
+{
+    if (!socket.Socket()) {
+        ReportWsaErrorAndExit(hwndPage,
+                              L"CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_TcpConnect() > socket.Socket()");
+    }
+    if (socket.Ioctlsocket(1) == SOCKET_ERROR) {
+        ReportWsaErrorAndExit(hwndPage,
+                              L"CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_TcpConnect() > socket.Ioctlsocket()");
+    }
+}
+
+// Starts the connection and waits until it stands, with each attempt in the status control.
+TCP_OUTCOME Connect(CSocket& socket, const SOCKADDR_IN* pAddress, HWND hwndStatus)
+{
+    if (socket.Connect(pAddress) == SOCKET_ERROR && WSAGetLastError() != WSAEWOULDBLOCK) {
+        return TCP_FAILED;
+    }
+    CStringW szAddress;
+    CWinSockHelper::AddressToString(reinterpret_cast<const SOCKADDR*>(pAddress), szAddress);
+    return WaitUntilConnected(socket, [&](int nAttempt, int nAttempts) {
+        CStringW szStatus;
+        szStatus.Format(L"Connecting to %s (%d of %d)", szAddress.GetString(), nAttempt, nAttempts);
+        SetWindowTextW(hwndStatus, szStatus);
+    });
+}
+
+void CloseConnection(CSocket& socket)
+{
+    if (socket.Shutdown() != 0) {
+        ReportWsaErrorAndExit(nullptr,
+                              L"CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_TcpConnect() > socket.Shutdown()");
+    }
+    if (socket.CloseSocket() == SOCKET_ERROR) {
+        ReportWsaErrorAndExit(nullptr,
+                              L"CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_TcpConnect() > socket.CloseSocket()");
+    }
+}
+
 } // namespace
 
 INT_PTR CALLBACK CWirelessDebuggingOnPage::DialogProc(HWND hwndPage, UINT nMessage, WPARAM wParam, LPARAM lParam)
 {
-    switch (nMessage) {
-    case WM_INITDIALOG:
-        return OnInitDialog(hwndPage, lParam);
-    case WM_COMMAND:
-        if (LOWORD(wParam) == IDC_WATCH_PORT && HIWORD(wParam) == EN_CHANGE) {
-            UpdateWizardButtons(hwndPage);
-        }
-        return AnswerMessage(hwndPage, 0);
-    case WM_NOTIFY:
-        switch (reinterpret_cast<const NMHDR*>(lParam)->code) {
-        case PSN_SETACTIVE:
-        case IPN_FIELDCHANGED:
-            UpdateWizardButtons(hwndPage);
-            return AnswerMessage(hwndPage, 0);
-        case PSN_WIZNEXT:
-            return AnswerMessage(hwndPage, OnNotify_PSN_WIZNEXT(hwndPage));
-        default:
-            return AnswerMessage(hwndPage, 0);
-        }
-    default:
-        return FALSE;
-    }
+    static constexpr PAGE_HANDLERS kHandlers = {.nBodyId = IDC_WIRELESS_DEBUGGING_ON_BODY,
+                                                .nBodyStringId = IDS_WIRELESS_DEBUGGING_ON_BODY,
+                                                .pfnInitDialog = OnInitDialog,
+                                                .pfnUpdateWizardButtons = UpdateWizardButtons,
+                                                .bHearsAddress = true,
+                                                .pfnCommand = OnCommand,
+                                                .pfnNext = OnNotify_PSN_WIZNEXT};
+    return PageProc(kHandlers, hwndPage, nMessage, wParam, lParam);
 }
 
-BOOL CWirelessDebuggingOnPage::OnInitDialog(HWND hwndPage, LPARAM lParam)
+BOOL CWirelessDebuggingOnPage::OnInitDialog(HWND hwndPage)
 {
-    StoreWizardData(hwndPage, lParam);
-    LoadControlText(hwndPage, IDC_WIRELESS_DEBUGGING_ON_BODY, IDS_WIRELESS_DEBUGGING_ON_BODY);
-
     const HWND hwndAddress = GetDlgItem(hwndPage, IDC_WATCH_ADDRESS);
     const bool bPrefilled = hwndAddress != nullptr && PrefillAddress(hwndAddress);
 
@@ -54,9 +90,14 @@ BOOL CWirelessDebuggingOnPage::OnInitDialog(HWND hwndPage, LPARAM lParam)
         CIntegerEdit::Attach(hwndPort, kPortDigits, L"CWirelessDebuggingOnPage::OnInitDialog()",
                              L"CIntegerEdit::SetWindowSubclass(hwndCtl, NULL)");
     }
-    UpdateWizardButtons(hwndPage);
-    // FALSE: the focus is placed already.
     return !bPrefilled;
+}
+
+void CWirelessDebuggingOnPage::OnCommand(HWND hwndPage, UINT nControlId, WPARAM /*wParam*/, UINT nNotification)
+{
+    if (nControlId == IDC_WATCH_PORT && nNotification == EN_CHANGE) {
+        UpdateWizardButtons(hwndPage);
+    }
 }
 
 // Fills in the first three octets of this computer's gateway, which the watch shares in a home
@@ -141,4 +182,26 @@ LRESULT CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT(HWND hwndPage)
                 L"3. Run the installer program again.\n",
                 L"Wireless Debugging Connection", MB_OK);
     return nResult;
+}
+
+LRESULT CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_Ping(HWND hwndPage, const SOCKADDR_IN* pAddress, HWND hwndStatus)
+{
+    return PingWatch(hwndPage, pAddress, hwndStatus);
+}
+
+LRESULT CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_TcpConnect(HWND hwndPage, const SOCKADDR_IN* pAddress,
+                                                                  HWND hwndStatus)
+{
+    CSocket socket;
+    OpenNonBlocking(socket, hwndPage);
+    const TCP_OUTCOME nOutcome = Connect(socket, pAddress, hwndStatus);
+    if (nOutcome == TCP_FAILED) {
+        ReportWsaError(hwndPage, L"CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_TcpConnect() > socket.Connect()");
+    }
+    if (nOutcome != TCP_CONNECTED) {
+        return -1;
+    }
+    SetWindowTextW(hwndStatus, L"");
+    CloseConnection(socket);
+    return 0;
 }

@@ -1,7 +1,7 @@
 // What the pages of the wizard share.
 #pragma once
 
-#include "app/Platform.h"
+#include "app/ground/Platform.h"
 
 // One block for the whole run of the wizard. Its address reaches every page as the lParam of its
 // page record.

@@ -1,7 +1,7 @@
 // What every page of the wizard does: keep the shared data, load its texts, answer the frame.
 #pragma once
 
-#include "app/Platform.h"
+#include "app/ground/Platform.h"
 #include "wizard/WizardData.h"
 
 #include <commctrl.h>
@@ -39,3 +39,23 @@ void ShowWizardButtons(HWND hwndPage, DWORD dwShown, DWORD dwAffected);
 
 // Answers a WM_COMMAND or WM_NOTIFY of the page; the return value is the dialog procedure's.
 INT_PTR AnswerMessage(HWND hwndPage, LRESULT nAnswer);
+
+// What a page does of its own. Where it does nothing, null.
+struct PAGE_HANDLERS
+{
+    int nBodyId;
+    UINT nBodyStringId;
+    // The rest of WM_INITDIALOG, and its answer: FALSE when the page has placed the keyboard focus itself.
+    BOOL (*pfnInitDialog)(HWND hwndPage) = nullptr;
+    // Shows the buttons that go with the controls. Called after WM_INITDIALOG, for PSN_SETACTIVE and, where
+    // bHearsAddress is set, for IPN_FIELDCHANGED. Never null.
+    void (*pfnUpdateWizardButtons)(HWND hwndPage) = nullptr;
+    bool bHearsAddress = false;
+    // WM_COMMAND. wParam is the message's own first parameter.
+    void (*pfnCommand)(HWND hwndPage, UINT nControlId, WPARAM wParam, UINT nNotification) = nullptr;
+    // PSN_WIZNEXT, and its answer: 0 to go on, anything else to stay.
+    LRESULT (*pfnNext)(HWND hwndPage) = nullptr;
+};
+
+// The dialog procedure of a page with these handlers.
+INT_PTR PageProc(const PAGE_HANDLERS& page, HWND hwndPage, UINT nMessage, WPARAM wParam, LPARAM lParam);

@@ -68,16 +68,16 @@ private:
     static ADB_EXIT_CODE Issue(const std::vector<std::wstring>& words, std::string& strOutput)
     {
         if (words.size() == 1 && words[0] == L"kill-server") {
-            return KillServer(strOutput);
+            return KillServer(&strOutput);
         }
         if (words.size() == 3 && words[0] == L"pair") {
-            return Pair(words[1].c_str(), words[2].c_str(), strOutput);
+            return Pair(words[1].c_str(), words[2].c_str(), &strOutput);
         }
         if (words.size() == 2 && words[0] == L"connect") {
-            return Connect(words[1].c_str(), strOutput);
+            return Connect(words[1].c_str(), &strOutput);
         }
         if (words.size() == 3 && words[0] == L"install") {
-            return Install(words[1].c_str(), words[2].c_str(), strOutput);
+            return Install(words[1].c_str(), words[2].c_str(), &strOutput);
         }
         throw std::invalid_argument("the requests are: kill-server, pair ADDRESS CODE, connect ADDRESS, install "
                                     "ADDRESS PATH");

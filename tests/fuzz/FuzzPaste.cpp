@@ -5,7 +5,7 @@
 #include "tests/fuzz/Demand.h"
 #include "tests/fuzz/Units.h"
 
-#include "app/ErrorReport.h"
+#include "app/ground/ErrorReport.h"
 #include "wizard/IntegerEdit.h"
 
 #include <cwctype>

@@ -3,7 +3,7 @@
 //
 //     AnsweringAdb adb;
 //     adb.Prints("connected to 192.168.1.100:43210\r\n");
-//     EXPECT_EQ(Connect(L"192.168.1.100:43210", strOutput), ADB_SUCCESS);
+//     EXPECT_EQ(Connect(L"192.168.1.100:43210", &strOutput), ADB_SUCCESS);
 //     EXPECT_EQ(adb.Commands(), std::vector<std::wstring>{L" connect 192.168.1.100:43210"});
 #pragma once
 

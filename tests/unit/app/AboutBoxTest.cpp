@@ -1,8 +1,8 @@
 // The About box of the first page.
 
-#include "app/AboutBox.h"
+#include "app/ground/AboutBox.h"
 
-#include "app/KalvoApkInstaller.h"
+#include "app/ground/KalvoApkInstaller.h"
 #include "tests/kit/Test.h"
 
 using namespace kit;

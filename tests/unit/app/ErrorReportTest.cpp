@@ -1,6 +1,6 @@
 // How failures of the system are told.
 
-#include "app/ErrorReport.h"
+#include "app/ground/ErrorReport.h"
 
 #include "tests/kit/Test.h"
 

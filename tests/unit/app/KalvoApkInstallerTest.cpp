@@ -1,6 +1,6 @@
 // The application's paths.
 
-#include "app/KalvoApkInstaller.h"
+#include "app/ground/KalvoApkInstaller.h"
 
 #include "tests/kit/Test.h"
 

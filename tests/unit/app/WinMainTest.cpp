@@ -2,7 +2,7 @@
 // and that exactly what was set up is given back. Files are real; adb, the wizard's frame and what
 // concerns the whole session are answered.
 
-#include "app/KalvoApkInstaller.h"
+#include "app/ground/KalvoApkInstaller.h"
 #include "tests/kit/AnsweringAdb.h"
 #include "tests/kit/TemporaryFolder.h"
 #include "tests/kit/Test.h"

@@ -23,8 +23,8 @@ TEST_F(AnsweringAdbTest, AnswersRunAfterRun)
     AnsweringAdb adb;
     const std::string strLong(5000, 'x');
     adb.Prints("").Prints(strLong);
-    EXPECT_EQ(KillServer(m_strOutput), ADB_SUCCESS);
-    EXPECT_EQ(Connect(L"a", m_strOutput), ADB_PARSE_ERROR);
+    EXPECT_EQ(KillServer(&m_strOutput), ADB_SUCCESS);
+    EXPECT_EQ(Connect(L"a", &m_strOutput), ADB_PARSE_ERROR);
     EXPECT_EQ(m_strOutput, strLong);
     EXPECT_EQ(adb.Commands(), (std::vector<std::wstring>{L" kill-server", L" connect a"}));
     EXPECT_EQ(JournalOf({"adb kill-server", "adb connect a"}), (Lines{"adb kill-server", "adb connect a"}));
@@ -34,9 +34,9 @@ TEST_F(AnsweringAdbTest, HidesTheExitCodeOfOneRun)
 {
     AnsweringAdb adb;
     adb.PrintsAndHidesItsExitCode("x").Prints("");
-    EXPECT_EQ(KillServer(m_strOutput), ADB_GETEXITCODE_FAILED);
+    EXPECT_EQ(KillServer(&m_strOutput), ADB_GETEXITCODE_FAILED);
     EXPECT_EQ(m_strOutput, "x");
-    EXPECT_EQ(KillServer(m_strOutput), ADB_SUCCESS);
+    EXPECT_EQ(KillServer(&m_strOutput), ADB_SUCCESS);
 }
 
 TEST_F(AnsweringAdbTest, TellsWhenARunBegins)
@@ -44,15 +44,15 @@ TEST_F(AnsweringAdbTest, TellsWhenARunBegins)
     AnsweringAdb adb;
     std::vector<size_t> runs;
     adb.Prints("").Prints("").WhenItRuns([&](size_t nRun) { runs.push_back(nRun); });
-    KillServer(m_strOutput);
-    KillServer(m_strOutput);
+    KillServer(&m_strOutput);
+    KillServer(&m_strOutput);
     EXPECT_EQ(runs, (std::vector<size_t>{0, 1}));
 }
 
 TEST_F(AnsweringAdbTest, FailsOverARunThatNobodyExpected)
 {
     AnsweringAdb adb;
-    EXPECT_NONFATAL_FAILURE(KillServer(m_strOutput), "nobody expected the run adb kill-server");
+    EXPECT_NONFATAL_FAILURE(KillServer(&m_strOutput), "nobody expected the run adb kill-server");
 }
 
 TEST_F(AnsweringAdbTest, FailsOverAnswersLeftOver)

@@ -1,7 +1,7 @@
 // Windows Sockets for the length of a scope, as start-up gives them to the product.
 #pragma once
 
-#include "app/Platform.h"
+#include "app/ground/Platform.h"
 
 #include <stdexcept>
 

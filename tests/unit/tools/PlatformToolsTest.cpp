@@ -323,7 +323,7 @@ TEST_F(RunningPlatformTools, AreRemovedThoughTheirServerHeldThemOpen)
 {
     ASSERT_TRUE(Tools().Install());
     std::string strOutput;
-    EXPECT_EQ(Connect(L"127.0.0.1:5999", strOutput), CONNECT_CANNOT_CONNECT) << strOutput;
+    EXPECT_EQ(Connect(L"127.0.0.1:5999", &strOutput), CONNECT_CANNOT_CONNECT) << strOutput;
     EXPECT_NE(strOutput.find("daemon started successfully"), std::string::npos) << strOutput;
     EXPECT_FALSE(DeleteFileW(Tools().m_szAdbExePath));
     EXPECT_TRUE(Tools().Uninstall());

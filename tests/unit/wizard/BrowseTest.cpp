@@ -2,7 +2,7 @@
 
 #include "wizard/InstallApkPage.h"
 
-#include "app/KalvoApkInstaller.h"
+#include "app/ground/KalvoApkInstaller.h"
 
 #include "tests/kit/TemporaryFolder.h"
 #include "tests/unit/wizard/PageWindow.h"

@@ -3,7 +3,7 @@
 #include "wizard/InstallApkPage.h"
 
 #include "adb/ConsoleProcess.h"
-#include "app/KalvoApkInstaller.h"
+#include "app/ground/KalvoApkInstaller.h"
 
 #include "tests/kit/AnsweringAdb.h"
 #include "tests/kit/TemporaryFolder.h"

@@ -1,7 +1,7 @@
 // Owners of what the system gives a caller to free. Each is empty or holds a thing that is there.
 #pragma once
 
-#include "app/Platform.h"
+#include "app/ground/Platform.h"
 
 #include <objbase.h>
 

@@ -6,7 +6,7 @@
 // failure inside these functions is not reported.
 #pragma once
 
-#include "app/Platform.h"
+#include "app/ground/Platform.h"
 
 // Shows "METHOD failed with error CODE: DESCRIPTION" for the thread's last error, captioned
 // "Error", without owner; the code in decimal, the description with the line break that the system

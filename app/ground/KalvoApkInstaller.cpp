@@ -1,7 +1,7 @@
-#include "app/KalvoApkInstaller.h"
+#include "app/ground/KalvoApkInstaller.h"
 
-#include "app/ErrorReport.h"
-#include "app/Owned.h"
+#include "app/ground/ErrorReport.h"
+#include "app/ground/Owned.h"
 
 #include <knownfolders.h>
 #include <pathcch.h>
@@ -44,7 +44,7 @@ void CKalvoApkInstaller::GetAppDataLocalFolderPath()
     PWSTR pszLocalAppData = nullptr;
     HRESULT hr = SHGetKnownFolderPath(FOLDERID_LocalAppData, 0, nullptr, &pszLocalAppData);
     // The platform asks for the path to be freed whether the call succeeded or not.
-    const std::unique_ptr<WCHAR, CO_TASK_MEM_FREE> pLocalAppData(pszLocalAppData);
+    const CTaskText pLocalAppData(pszLocalAppData);
     if (FAILED(hr)) {
         ReportComErrorAndExit(hr, L"CKalvoApkInstaller::GetAppDataLocalFolderPath() > SHGetKnownFolderPath()");
     }

@@ -1,6 +1,6 @@
-#include "app/ErrorReport.h"
+#include "app/ground/ErrorReport.h"
 
-#include "app/Owned.h"
+#include "app/ground/Owned.h"
 
 #include <cwchar>
 #include <cwctype>
@@ -27,19 +27,25 @@ CLocalText DescribeError(DWORD dwCode, DWORD* pcchLength = nullptr)
     return CLocalText(pszDescription);
 }
 
-// Shows a report of a method, a code and the code's description. The format takes them in this
-// order; the buffer is sized from the texts, so that no description is ever cut.
-void ShowReport(PCWSTR pszFormat, PCWSTR pszMethod, DWORD dwCode, HWND hwndOwner, PCWSTR pszCaption)
+// Shows a report of a method, a code and the code's description, decimal or as ReportWin32Error has it. The buffer
+// is sized from the texts, so that no description is ever cut.
+void ShowReport(PCWSTR pszMethod, DWORD dwCode, bool bWin32Error, HWND hwndOwner)
 {
     const CLocalText pDescription = DescribeError(dwCode);
     const PCWSTR pszDescription = pDescription ? pDescription.get() : L"";
     const SIZE_T cchNeeded = wcslen(pszMethod) + wcslen(pszDescription) + kReportOverhead;
     const CLocalText pText(static_cast<PWSTR>(LocalAlloc(LMEM_ZEROINIT, cchNeeded * sizeof(WCHAR))));
-    StringCchPrintfW(pText.get(), LocalSize(pText.get()) / sizeof(WCHAR), pszFormat, pszMethod, dwCode, pszDescription);
-    MessageBoxW(hwndOwner, pText.get(), pszCaption, MB_OK);
+    const SIZE_T cchText = LocalSize(pText.get()) / sizeof(WCHAR);
+    if (bWin32Error) {
+        StringCchPrintfW(pText.get(), cchText, L"%s failed with error 0x%08X: %s\r\n", pszMethod, dwCode,
+                         pszDescription);
+    } else {
+        StringCchPrintfW(pText.get(), cchText, L"%s failed with error %d: %s", pszMethod, dwCode, pszDescription);
+    }
+    MessageBoxW(hwndOwner, pText.get(), bWin32Error ? L"Win32 Error" : L"Error", MB_OK);
 }
 
-// Removes all white space at the end and then one full stop, as a box needs neither.
+// Removes all white space at the end and then one full stop.
 void TrimDescription(PWSTR pszDescription, DWORD cchLength)
 {
     while (cchLength > 0) {
@@ -73,7 +79,7 @@ void ShowComError(HRESULT hrCode, PCWSTR pszMethod)
 DWORD ReportLastError(PCWSTR pszMethod)
 {
     const DWORD dwCode = GetLastError();
-    ShowReport(L"%s failed with error %d: %s", pszMethod, dwCode, nullptr, L"Error");
+    ShowReport(pszMethod, dwCode, false, nullptr);
     return dwCode;
 }
 
@@ -98,8 +104,7 @@ void ReportComErrorAndExit(HRESULT hrCode, PCWSTR pszMethod)
 
 void ReportWin32Error(PCWSTR pszMethod, bool bEndProcess, HWND hwndOwner, DWORD dwCode)
 {
-    ShowReport(L"%s failed with error 0x%08X: %s\r\n", pszMethod != nullptr ? pszMethod : L"Unknown Method", dwCode,
-               hwndOwner, L"Win32 Error");
+    ShowReport(pszMethod != nullptr ? pszMethod : L"Unknown Method", dwCode, true, hwndOwner);
     if (bEndProcess) {
         ExitProcess(dwCode);
     }

@@ -5,7 +5,7 @@
 #include "tests/kit/Test.h"
 #include "tests/unit/net/Sockets.h"
 #include "tests/unit/net/SoiledStack.h"
-#include "tests/unit/net/StatusLine.h"
+#include "tests/unit/wizard/StatusLine.h"
 
 using namespace kit;
 

@@ -1,6 +1,6 @@
-#include "app/AboutBox.h"
+#include "app/ground/AboutBox.h"
 
-#include "app/KalvoApkInstaller.h"
+#include "app/ground/KalvoApkInstaller.h"
 #include "res/resource.h"
 
 #include <vector>

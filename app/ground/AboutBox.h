@@ -1,7 +1,7 @@
 // The About box of the wizard's first page.
 #pragma once
 
-#include "app/Platform.h"
+#include "app/ground/Platform.h"
 
 // Handles a WM_COMMAND of the Welcome page: the About button clicked shows, modal to hwndPage, the
 // application's title, what it does and the version of the running executable. Any other command

@@ -1,7 +1,7 @@
 // Where the running program lies and where it may put its files.
 #pragma once
 
-#include "app/Platform.h"
+#include "app/ground/Platform.h"
 
 // The application paths. There is one object, filled once by start-up and only read afterwards.
 class CKalvoApkInstaller
