@@ -142,6 +142,9 @@ std::string CInstallStream::NextPiece(std::size_t nMost)
         m_log.Line("install: replied {}", m_reply->Summary());
         m_reply.reset();
         m_bDone = true;
+    } else if (szPiece.empty() && !m_bStopTold) {
+        m_log.Line("install: stops after {} bytes of the reply", m_reply->SizeGiven());
+        m_bStopTold = true;
     }
     return szPiece;
 }

@@ -52,5 +52,6 @@ private:
     std::uint64_t m_nReceived = 0;
     std::unique_ptr<CPackageFile> m_pFile; // while receiving
     std::optional<CInstallReply> m_reply;  // while answering
+    bool m_bStopTold = false;
     bool m_bDone = false;
 };

@@ -6,7 +6,6 @@ The product waits two seconds before each command; here it only says so.
 
 import os
 import subprocess
-import time
 import unittest
 from collections.abc import Callable
 from concurrent.futures import ThreadPoolExecutor
@@ -16,14 +15,12 @@ import network
 import places
 from commander import ADB, Answer, Commander
 from program import windows_path
+from waiting import wait_for
 from watch import Watch
 
-# A watch has broken the connection that it offered after this time, and adb has noticed.
-BROKEN = 1.0
-
-# The watch has taken the package, and may never say more about it.
+# The watch has taken the package, and says nothing about it, or no more than adb has taken of it by now.
 SILENT = "install: stays silent"
-STORED = "install: stored "
+STOPPED = "install: stops after "
 
 NO_SERVER = (
     "cannot connect to daemon at tcp:5037: cannot connect to 127.0.0.1:5037: Connection refused. (10061)"
@@ -51,6 +48,16 @@ def pairing(watch: Watch) -> str:
 def stop_server() -> None:
     """Stops adb's server from outside, as another program that uses adb may."""
     subprocess.run(["wine", ADB, "kill-server"], check=True, timeout=30, stdin=QUIET, stdout=QUIET, stderr=QUIET)
+
+
+def wait_until_offline(watch: Watch) -> None:
+    """Until adb has noticed that the connection to the watch is broken."""
+
+    def is_offline() -> bool:
+        listed = subprocess.run(["wine", ADB, "devices"], check=True, timeout=30, stdin=QUIET, stdout=subprocess.PIPE)
+        return f"{debugging(watch)}\toffline" in listed.stdout.decode().splitlines()
+
+    wait_for("adb to call the watch offline", is_offline)
 
 
 class CommandTest(unittest.TestCase):
@@ -300,7 +307,7 @@ class Installing(InstallingTest):
 
     def test_on_a_watch_that_is_offline(self) -> None:
         watch = self.connected_watch("--offline")
-        time.sleep(BROKEN)
+        wait_until_offline(watch)
         again = self.commander.connect(debugging(watch))
         self.expect(again, 100, "CONNECT_ALREADY_CONNECTED", "already connected to 192.168.1.100:43210")
         package = write_package("solvane.apk")
@@ -309,7 +316,7 @@ class Installing(InstallingTest):
     def test_on_a_watch_that_was_switched_off(self) -> None:
         watch = self.connected_watch()
         watch.switch_off()
-        time.sleep(BROKEN)
+        wait_until_offline(watch)
         package = write_package("solvane.apk")
         self.expect(self.install(watch, package), 344, "INSTALL_DEVICE_OFFLINE", "adb.exe: device offline")
 
@@ -430,14 +437,10 @@ class Attacking(InstallingTest):
         self.expect_cut(answer, 300, "INSTALL_FAILED", "adb: failed to install C:\\solvane.apk: ", "x")
 
     def test_with_a_failure_that_stops_in_its_name(self) -> None:
-        reply = "Failure [INSTALL_FAILED_ABORTED: the watch says so]"
-        for taken, outcome, name in ((20, 300, "INSTALL_FAILED"), (34, 341, "INSTALL_FAILED_ABORTED")):
-            with self.subTest(taken):
-                self.commander.kill_server()
-                watch = self.connected_watch("--reply", reply, "--stop-after", str(taken))
-                answer = self.install_and(watch, STORED, lambda: self.switch_off_later(watch))
-                before = "adb: failed to install C:\\solvane.apk: "
-                self.expect(answer, outcome, name, PERFORMING, before + reply[:taken])
+        self.expect_stopped(20, 300, "INSTALL_FAILED")
+
+    def test_with_a_failure_that_stops_after_its_name(self) -> None:
+        self.expect_stopped(34, 341, "INSTALL_FAILED_ABORTED")
 
     def test_with_a_shell_that_says_ten_megabytes(self) -> None:
         # Of a shell adb hands everything on: its answer to the install, and that to the removal of the copy.
@@ -447,10 +450,13 @@ class Attacking(InstallingTest):
         self.expect_pushed(answer)
         self.assertEqual(answer.output.count("."), 2 * (self.LARGE - len("Success\n")) + self.dots_before(answer))
 
-    def switch_off_later(self, watch: Watch) -> None:
-        """When adb has had the time to take what comes."""
-        time.sleep(2 * BROKEN)
-        watch.switch_off()
+    def expect_stopped(self, taken: int, outcome: int, name: str) -> None:
+        """That outcome when the watch goes after so many bytes of its answer."""
+        reply = "Failure [INSTALL_FAILED_ABORTED: the watch says so]"
+        watch = self.connected_watch("--reply", reply, "--stop-after", str(taken))
+        answer = self.install_and(watch, STOPPED, watch.switch_off)
+        before = "adb: failed to install C:\\solvane.apk: "
+        self.expect(answer, outcome, name, PERFORMING, before + reply[:taken])
 
     def expect_pushed(self, answer: Answer) -> None:
         """The words of adb about a watch that takes no streamed install, which are unknown."""

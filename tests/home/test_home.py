@@ -91,19 +91,25 @@ class Home(unittest.TestCase):
             "import socket; s = socket.create_server(('192.168.1.100', 6000)); print('up', flush=True); "
             "c, _ = s.accept(); c.sendall(b'{mark}')"
         )
-        call = "import socket, time; time.sleep(1); print(socket.create_connection(('192.168.1.100', 6000)).recv(99).decode())"
+        call = "import socket; print(socket.create_connection(('192.168.1.100', 6000)).recv(99).decode())"
         homes = []
         for mark in ("first", "second"):
-            script = f"""exec 3< <($KALVO_WATCH_HOST python3 -c "{listen.format(mark=mark)}"); read -u 3 -r; python3 -c "{call}" """
+            listener = f"""exec 3< <($KALVO_WATCH_HOST python3 -c "{listen.format(mark=mark)}"); head -n 1 <&3"""
+            script = f"""{listener}; read -r; python3 -c "{call}" """
             command = [HOME, "--no-display", "bash", "-ec", script]
-            homes.append(subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True))
-        self.assertEqual([home.communicate(timeout=60)[0].strip() for home in homes], ["first", "second"])
+            home = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+            homes.append(self.enterContext(home))
+        # Nobody calls before both listen.
+        self.assertEqual([home.stdout.readline() for home in homes], ["up\n", "up\n"])
+        self.assertEqual([home.communicate("go\n", timeout=60)[0].strip() for home in homes], ["first", "second"])
 
     def test_what_it_started_ends_with_it(self) -> None:
         mark = f"mark-{uuid.uuid4()}"
         begin = time.monotonic()
         # The sleeper holds the pipe that this test reads to its end.
-        self.check(f"(exec -a {mark} sleep 300) & wine cmd /c ver", "--no-display")
+        runs_inside = f'until grep -qa "^{mark}" /proc/$!/cmdline; do sleep 0.01; done; echo sleeps'
+        said = self.check(f"(exec -a {mark} sleep 300) & {runs_inside}; wine cmd /c ver", "--no-display")
+        self.assertIn("sleeps", said)
         self.assertLess(time.monotonic() - begin, 30)
         self.assertFalse(runs(mark))
 

@@ -76,10 +76,9 @@ class Start:
                 continue
         return None
 
-    def wait_for_process(self) -> int:
-        found = wait_for("the installer's process", self.find_process, every=0.001)
-        assert found
-        return found
+    def wait_for_fault(self, function: str) -> None:
+        """Until a call of that function has failed, or hangs, as the faults want it."""
+        wait_for(f"the call of {function}", lambda: f"fault {function}" in self._lines(), END)
 
     def kill(self) -> None:
         """Ends it as a power failure does: at once, in the midst of whatever it does."""

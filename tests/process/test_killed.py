@@ -1,39 +1,26 @@
 """Killed at any point, the installer comes up at the next start, replaces what was left, and leaves nothing."""
 
-import os
-import signal
 import socket
-import time
 import unittest
 from collections.abc import Callable, Iterator
 from contextlib import ExitStack, contextmanager
+from pathlib import Path
 
-from processtest import ADB, CANCELLED, CREATE_PROCESS, FOLDER, MEMBERS, ZIP, ProcessTest, exit_process, last_error
+from processtest import ADB, CREATE_PROCESS, FOLDER, MEMBERS, TOOLS, ZIP, ProcessTest, exit_process, last_error
 from program import left_behind
 from start import Start, running, start_adb_server
 from steps import step
 from waiting import wait_for
 
-# A process can be caught in a short moment of its run only by trying.
-ATTEMPTS = 12
-
 
 class Killed(ProcessTest):
     def size(self, name: str) -> int:
-        """A file's, -1 while there is none."""
-        try:
-            return os.stat(f"{self.folder}/{name}").st_size
-        except OSError:
-            return -1
+        return (self.folder / name).stat().st_size
 
-    def kill_when(self, start: Start, happens: Callable[[], bool]) -> None:
-        """Looks as often as the machine can, for a moment that is over soon."""
-        process = start.wait_for_process()
-        end = time.monotonic() + 20
-        while not happens():
-            self.assertLess(time.monotonic(), end, "the moment to kill it did not come")
-        os.kill(process, signal.SIGKILL)
-        start.wait()
+    def kill_in(self, start: Start, function: str) -> None:
+        """Kills it where it hangs in a call of that function."""
+        start.wait_for_fault(function)
+        start.kill()
 
     def kill_at(self, offset: int, file: str) -> None:
         """Kills it in the midst of a write, when just so many bytes of that file are written."""
@@ -58,23 +45,10 @@ class Installing(Killed):
         return whole
 
     def test_between_members(self) -> None:
-        """The first is there, the last is not."""
-        for _ in range(ATTEMPTS):
-            self.clean_account()
-            whole = self.size_of_adb()
-            self.kill_when(self.start(), lambda: self.size(ADB) == whole)
-            if self.size(MEMBERS[2]) < 0:
-                break
-        else:
-            self.fail(f"not caught between two members in {ATTEMPTS} attempts")
+        """The first is there, the others are not."""
+        self.kill_in(self.start(f"_wfopen_s#{Path(MEMBERS[1]).name}=hang"), "_wfopen_s")
+        self.assertEqual(sorted(left_behind()), sorted((FOLDER, ZIP, ADB)))
         self.expect_good_run()
-
-    def size_of_adb(self) -> int:
-        if not hasattr(self, "whole"):
-            self.start_wizard().kill()
-            self.whole = self.size(ADB)
-            self.clean_account()
-        return self.whole
 
     def test_in_adb_itself(self) -> None:
         """Half an adb.exe cannot be started to stop its server, and each later start ends with saying so."""
@@ -114,8 +88,8 @@ class Running(Killed):
 
 
 class Removing(Killed):
-    def leave_wizard(self) -> Start:
-        start = self.start_wizard()
+    def leave_wizard(self, faults: str = "") -> Start:
+        start = self.start_wizard(faults)
         self.press_escape()
         return start
 
@@ -136,8 +110,8 @@ class Removing(Killed):
         self.expect_good_run()
 
     def test_before_adb_runs(self) -> None:
-        start = self.leave_wizard()
-        self.kill_when(start, lambda: start.journal == [CANCELLED[0]])
+        self.kill_in(self.leave_wizard("CreateProcessW=hang"), "CreateProcessW")
+        self.assertEqual(sorted(left_behind()), TOOLS)
         self.expect_good_run()
 
     def test_while_adb_runs(self) -> None:
@@ -147,13 +121,22 @@ class Removing(Killed):
             start.kill()
         self.expect_good_run_after_adb()
 
+    def test_before_the_folder_is_deleted(self) -> None:
+        self.kill_in(self.leave_wizard("SHFileOperationW=hang"), "SHFileOperationW")
+        self.assertEqual(sorted(left_behind()), TOOLS)
+        self.expect_good_run()
+
     def test_while_the_folder_is_deleted(self) -> None:
-        for _ in range(ATTEMPTS):
-            self.kill_when(self.leave_wizard(), lambda: any(self.size(name) < 0 for name in MEMBERS))
-            if self.size(ZIP) >= 0:
-                break
-        else:
-            self.fail(f"not caught between folder and archive in {ATTEMPTS} attempts")
+        """Each member may be the first to go."""
+        for name in MEMBERS:
+            with step(self, name):
+                self.kill_in(self.leave_wizard("SHFileOperationW=hang"), "SHFileOperationW")
+                (self.folder / name).unlink()
+                self.expect_good_run()
+
+    def test_between_folder_and_archive(self) -> None:
+        self.kill_in(self.leave_wizard("DeleteFileW=hang"), "DeleteFileW")
+        self.assertEqual(left_behind(), [ZIP])
         self.expect_good_run()
 
     def test_of_tools_left_over(self) -> None:

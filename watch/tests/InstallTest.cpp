@@ -326,9 +326,13 @@ TEST_F(InstallTest, ReplyThatStopsLeavesTheStreamOpen)
     const std::optional<STestMessage> piece = link.Receive();
     ASSERT_TRUE(piece);
     EXPECT_EQ(TextOfBytes(piece->payload), "Suc");
-    link.Send({Letters("OKAY"), 1, *nTheirId});
+    EXPECT_EQ(m_journal.Count("install: stops after 3 bytes of the reply"), 0U);
+    for (int n = 0; n < 2; ++n) {
+        link.Send({Letters("OKAY"), 1, *nTheirId});
+    }
     // Whatever it is asked next, the answer is the first thing that comes.
     EXPECT_FALSE(link.Open(2, "shell:"));
+    EXPECT_EQ(m_journal.Count("install: stops after 3 bytes of the reply"), 1U);
     link.Send({Letters("CLSE"), 1, *nTheirId});
     EXPECT_TRUE(m_journal.WaitFor("install: broken off after 3 bytes of the reply"));
 }

@@ -18,6 +18,7 @@
 #include <shlobj.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <type_traits>
 
 namespace {
@@ -163,6 +164,9 @@ struct FAILING_CALL<kName, kTells, kWritable, Result WINAPI(Args...)>
             return s_pfnReal(args...);
         }
         WriteJournal(L"fault " + std::wstring(pFault->szFunction.begin(), pFault->szFunction.end()));
+        while (pFault->kind == FAULT_KIND::Hang) {
+            Sleep(INFINITE);
+        }
         return Fail<Result>(*pFault, kTells);
     }
 
@@ -214,6 +218,7 @@ constexpr ROW kRows[] = {
     CALL(ReadFile, Zero),
     CALL(CloseHandle, Zero),
     CALL(WideCharToMultiByte, Zero),
+    CALL(_wfopen_s, Code),
     CALL(SHFileOperationW, Code),
     CALL(FindFirstFileW, MinusOne),
     CALL(DeleteFileW, Zero),

@@ -48,9 +48,13 @@ bool ParseCall(std::wstring_view szCall, FAULT& fault)
     return !szFunction.empty() && (!szNumber || ParseCallNumber(*szNumber, fault)) && (!szText || !szText->empty());
 }
 
-// "kind:number" or "ret:number:number"
+// "kind:number", "ret:number:number" or "hang"
 bool ParseFailure(std::wstring_view szFailure, FAULT& fault)
 {
+    if (szFailure == L"hang") {
+        fault.kind = FAULT_KIND::Hang;
+        return true;
+    }
     const auto [szKind, szNumbers] = SplitAt(szFailure, L':');
     const auto [szFirst, szSecond] = SplitAt(szNumbers.value_or(L""), L':');
     const auto nFirst = ParseNumber(szFirst);

@@ -6,11 +6,13 @@
 //                                       or by its usual result for failure and the last error
 //           | "null:" code              0, and the last error
 //           | "ret:" result [ ":" code ]  that result, and the last error if given
+//           | "hang"                    it never returns: the thread stands still there until the process ends
 //
 //   WriteFile@2=fail:112                the second call of WriteFile
 //   DeleteFileW@2+=fail:5               the second call and all after it
 //   CreateFileW#platform-tools=fail:32  only calls that name such a file; they alone are counted
 //   WSAStartup=ret:10091;SHFileOperationW=ret:2
+//   SHFileOperationW=hang               nothing is deleted, and the program can be killed just there
 //
 // A call's texts are those among its arguments, the path behind a handle of a file, and the number of
 // a resource. Upper and lower case are alike. Numbers are decimal or 0x..., and may be negative.
@@ -28,6 +30,7 @@ enum class FAULT_KIND
     Fail,
     Null,
     Return,
+    Hang,
 };
 
 struct FAULT

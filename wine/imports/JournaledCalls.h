@@ -12,7 +12,8 @@
 //   PropertySheetW result=1            when the wizard has ended
 //   ended code=13                      written by the launcher when the process is gone, with all 32 bits
 //                                      of its exit code
-//   fault WriteFile                    a call failed because the list of faults wanted it to
+//   fault WriteFile                    a call fails, or never returns, because the list of faults wants it so;
+//                                      written before
 #pragma once
 
 #include <windows.h>

@@ -85,6 +85,12 @@ TEST(FaultList, RetGivesTheResultAndTheErrorIfThereIsOne)
     EXPECT_EQ(list.Faults()[1].dwError, std::optional<DWORD>(87));
 }
 
+TEST(FaultList, HangHasNoNumber)
+{
+    EXPECT_EQ(Parsed(L"F@2=hang").Faults().front().kind, FAULT_KIND::Hang);
+    EXPECT_EQ(Pattern(L"F@2=hang"), ".x...");
+}
+
 class WrongFaultList : public testing::TestWithParam<const wchar_t*>
 {
 };
@@ -98,6 +104,6 @@ TEST_P(WrongFaultList, IsRefusedAndTheWrongPartNamed)
 
 INSTANTIATE_TEST_SUITE_P(All, WrongFaultList,
                          testing::Values(L"F", L"=fail:5", L"F=", L"F=fail", L"F=fail:", L"F=fail:x", L"F=fail:5:6",
-                                         L"F=null:1:2", L"F=break:5", L"F=ret:", L"F=ret:1:", L"F@=fail:5",
-                                         L"F@0=fail:5", L"F@-1=fail:5", L"F@x=fail:5", L"F@+=fail:5", L"F#=fail:5",
-                                         L"F =ret:5x"));
+                                         L"F=null:1:2", L"F=break:5", L"F=hang:", L"F=hang:5", L"F=ret:", L"F=ret:1:",
+                                         L"F@=fail:5", L"F@0=fail:5", L"F@-1=fail:5", L"F@x=fail:5", L"F@+=fail:5",
+                                         L"F#=fail:5", L"F =ret:5x"));

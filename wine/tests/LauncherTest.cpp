@@ -11,6 +11,7 @@
 
 #include <fstream>
 #include <sstream>
+#include <string_view>
 
 namespace {
 
@@ -55,8 +56,8 @@ protected:
         DeleteFileW(m_szFile.c_str());
     }
 
-    // Runs the launcher with these arguments; returns its exit code.
-    DWORD Launch(const std::wstring& szArguments)
+    // Starts the launcher with these arguments.
+    CHandle Start(const std::wstring& szArguments)
     {
         SECURITY_ATTRIBUTES inherited = {sizeof(inherited), nullptr, TRUE};
         // A program that is not waited for may still have the file of an earlier launch.
@@ -71,8 +72,14 @@ protected:
         EXPECT_TRUE(
             CreateProcessW(nullptr, szLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process))
             << GetLastError();
-        const CHandle hProcess(process.hProcess);
         const CHandle hThread(process.hThread);
+        return CHandle(process.hProcess);
+    }
+
+    // Runs the launcher with these arguments; returns its exit code.
+    DWORD Launch(const std::wstring& szArguments)
+    {
+        const CHandle hProcess = Start(szArguments);
         DWORD dwExitCode = 0;
         EXPECT_EQ(WaitForSingleObject(hProcess.get(), 30000), WAIT_OBJECT_0);
         GetExitCodeProcess(hProcess.get(), &dwExitCode);
@@ -88,6 +95,15 @@ protected:
     {
         SetEnvironmentVariableW(kFaultsVariable, pszFaults);
         return LaunchProbe(szArguments);
+    }
+
+    // What a file holds once it holds that; at last whatever it holds.
+    static std::string ReadOnceItHolds(const std::wstring& szFile, std::string_view expected)
+    {
+        for (int n = 0; n < 100 && ReadAll(szFile) != expected; ++n) {
+            Sleep(50);
+        }
+        return ReadAll(szFile);
     }
 
     std::string Output() const
@@ -135,10 +151,7 @@ TEST_F(Launcher, NeedNotWait)
         Launch(L"--no-wait -- \"" + TestFolder() + L"probe.exe\" write \"" + m_szFile + L"\" \"launcher has ended\""),
         0u);
     SetEvent(hEvent.get());
-    for (int n = 0; n < 100 && ReadAll(m_szFile) != "12"; ++n) {
-        Sleep(50);
-    }
-    EXPECT_EQ(ReadAll(m_szFile), "12") << "the program did not run";
+    EXPECT_EQ(ReadOnceItHolds(m_szFile, "12"), "12") << "the program did not run";
 }
 
 TEST_F(Launcher, SaysInOneLineThatAProgramCannotBeStarted)
@@ -189,6 +202,18 @@ TEST_F(Launcher, LetsCallsFail)
     EXPECT_EQ(LaunchProbe(L"CreateProcessW#second=fail:5", L"start second"), DWORD{ERROR_ACCESS_DENIED});
     EXPECT_EQ(LaunchProbe(L"CoInitializeEx=fail:0x80004005", L"start-com"), static_cast<DWORD>(E_FAIL));
     EXPECT_EQ(LaunchProbe(L"GetBestRoute2=ret:1168", L"route"), DWORD{ERROR_NOT_FOUND});
+}
+
+TEST_F(Launcher, LetsACallHangUntilTheProgramIsEnded)
+{
+    SetEnvironmentVariableW(kFaultsVariable, L"WriteFile@2#-file.txt=hang");
+    SetEnvironmentVariableW(kJournalVariable, m_szJournal.c_str());
+    const CHandle hLauncher = Start(L"\"" + TestFolder() + L"probe.exe\" write \"" + m_szFile + L"\"");
+    EXPECT_EQ(ReadOnceItHolds(m_szJournal, "fault WriteFile\n"), "fault WriteFile\n");
+    EXPECT_EQ(WaitForSingleObject(hLauncher.get(), 500), DWORD{WAIT_TIMEOUT});
+    TerminateProcess(hLauncher.get(), 0);
+    // The program, which ends with the launcher, shares the file with nobody while it runs.
+    EXPECT_EQ(ReadOnceItHolds(m_szFile, "1"), "1");
 }
 
 TEST_F(Launcher, KeepsAJournalOfTheEnd)
