@@ -413,6 +413,7 @@ TEST_F(InstallApkPage, HasNoNameForAPackageWhosePathCannotBeSplit)
     m_adb.Prints(kConnected).Prints(kInstalled).Prints(kStopped);
     m_page.SetText(kPath, strPath.c_str());
     EXPECT_EQ(Next(), 0);
+    ASSERT_EQ(m_adb.Commands().size(), 3u);
     EXPECT_EQ(m_adb.Commands()[1], L" -s 192.168.1.100:43210 install \"" + strPath + L'"');
     const std::vector<std::wstring> statuses = m_page.TextsOf(kStatus);
     EXPECT_EQ(statuses[statuses.size() - 2], L"Installing  (attempt 1 of 3)");
