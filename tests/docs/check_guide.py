@@ -65,7 +65,7 @@ def literals(source: str) -> tuple[list[str], list[tuple[str, str]]]:
         if joins:
             rest += f"§{len(found)}§"
             found.append(match[2])
-    pairs = [(plain(found[int(text)]), plain(found[int(caption)])) for text, caption in _IN_A_BOX.findall(rest)]
+    pairs = [(plain(found[int(text)]), plain(found[int(caption)])) for text, caption in _IN_A_BOX.findall(rest + source[end:])]
     return [plain(literal) for literal in found if literal], pairs
 
 
@@ -82,18 +82,18 @@ def known_quotes() -> set[str]:
 
 def faults_of_sources() -> list[str]:
     known = known_quotes()
-    faults, seen = [], 0
+    faults, seen = [], [0, 0]
     for source in sorted(file for folder in FOLDERS for file in (places.CHECKOUT / folder).rglob("*.[ch]*")):
         name = source.relative_to(places.CHECKOUT)
         texts, pairs = literals(source.read_text(encoding="utf-8"))
-        seen += len(texts)
+        seen = [seen[0] + len(texts), seen[1] + len(pairs)]
         for shown in texts:
             if shown not in UNSEEN and not any(begins(shown, quote) for quote in known):
                 faults.append(f"{name}: nothing explains '{shown}'")
         for shown, caption in pairs:
             if not any(caption in captions and any(begins(shown, quote) for quote in quotes) for quotes, captions in guide.boxes()):
                 faults.append(f"{name}: no row has '{shown}' with the caption '{caption}'")
-    return faults + ["no literals were found in the sources"] * (seen == 0)
+    return faults + ["no texts, or no boxes with their captions, were found in the sources"] * (not all(seen))
 
 
 def faults_of_outcomes() -> list[str]:
