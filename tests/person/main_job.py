@@ -14,7 +14,7 @@ from eyes import Eyes
 from journey import go_on, go_to_page
 from package import write_package
 from person import Person
-from program import Program, left_behind
+from program import Program, left_behind, own_folder
 from watch import Watch
 from wizard import Sight
 
@@ -56,7 +56,7 @@ class Report:
 
 
 def install(folder: Path) -> int:
-    with Watch() as watch, Eyes() as eyes, Program() as program:
+    with Watch() as watch, Eyes() as eyes, Program(own_folder()) as program:
         package = write_package(program.folder)
         report = Report(folder)
         person = Person(eyes, report.status)

@@ -1,15 +1,20 @@
-"""What the status lines and boxes say about an outcome of adb, read from the product's own table."""
+"""What the program calls the outcomes of adb, read from the product's own table."""
 
 import re
 
 import places
 
-_ROW = re.compile(r'ROW\((\d+), \w+,\s*((?:"(?:[^"\\]|\\.)*"\s*)+)\)')
+_ROW = re.compile(r'ROW\((\d+), (\w+),\s*((?:"(?:[^"\\]|\\.)*"\s*)+)\)')
+
+
+def table() -> list[tuple[int, str, str]]:
+    """Number, name and message of every outcome, by number."""
+    source = (places.CHECKOUT / "adb" / "AdbExitCode.h").read_text().replace("\\\n", "\n")
+    found = sorted((int(number), name, "".join(re.findall(r'"(.*?)"', text))) for number, name, text in _ROW.findall(source))
+    assert len(found) == 59, f"{len(found)} outcomes in the table"
+    return found
 
 
 def messages() -> dict[int, str]:
-    """The message of each outcome, by its number."""
-    table = (places.CHECKOUT / "adb" / "AdbExitCode.h").read_text().replace("\\\n", "\n")
-    found = {int(number): "".join(re.findall(r'"(.*?)"', text)) for number, text in _ROW.findall(table)}
-    assert len(found) == 59, f"{len(found)} outcomes in the table"
-    return found
+    """The message of each outcome, by its number: what status lines and boxes say."""
+    return {number: message for number, _, message in table()}

@@ -17,6 +17,13 @@ def downloads() -> Path:
     return folder
 
 
+def own_folder() -> Path:
+    """A folder right on drive C, for pictures that show a path and nobody's name in it."""
+    folder = places.prefix() / "drive_c" / "Solvane"
+    folder.mkdir(exist_ok=True)
+    return folder
+
+
 def windows_path(path: Path) -> str:
     """How a program of the home's Windows names a file on its drive C."""
     return "C:\\" + "\\".join(path.relative_to(places.prefix() / "drive_c").parts)

@@ -1,0 +1,55 @@
+#!/usr/bin/env python3
+"""Checks what the Markdown pages point at: files, pictures and headings, and the hashes that README repeats.
+
+    check_links.py CHECKOUT
+"""
+
+import re
+import sys
+from pathlib import Path
+
+FOLDERS = (".", "docs", "watch", "tests/kit")
+PINS = "scripts/lib/recipe.sh"
+
+_LINK = re.compile(r"\]\(([^()\s]+)\)")
+_CODE = re.compile(r"^```.*?^```|`[^`\n]*`", re.MULTILINE | re.DOTALL)
+
+
+def anchors(page: str) -> set[str]:
+    headings = re.findall(r"^#+ (.+)$", _CODE.sub(lambda code: code[0].strip("`"), page), re.MULTILINE)
+    return {re.sub(r"[^\w\- ]", "", heading.lower()).replace(" ", "-") for heading in headings}
+
+
+def faults_of_links(page: Path) -> list[str]:
+    faults = []
+    for link in _LINK.findall(_CODE.sub("", page.read_text(encoding="utf-8"))):
+        if "://" in link:
+            continue
+        name, _, anchor = link.partition("#")
+        target = page.parent / name if name else page
+        if not target.exists():
+            faults.append(f"{page.name}: there is no {link}")
+        elif anchor and anchor not in anchors(target.read_text(encoding="utf-8")):
+            faults.append(f"{page.name}: {link} has no such heading")
+    return faults
+
+
+def faults_of_pins(checkout: Path) -> list[str]:
+    """Who builds without scripts/setup compares with README."""
+    pinned = re.findall(r'"([\w.]+) ([0-9a-f]{64})"', (checkout / PINS).read_text(encoding="utf-8"))
+    rows = re.findall(r"^ *\| `([\w.]+)` \| `([0-9a-f]{64})` \|$", (checkout / "README.md").read_text(encoding="utf-8"), re.MULTILINE)
+    return [] if pinned and sorted(pinned) == sorted(rows) else [f"README.md: its hashes are not those of {PINS}: {pinned}"]
+
+
+def main() -> int:
+    checkout = Path(sys.argv[1])
+    pages = [page for folder in FOLDERS for page in sorted((checkout / folder).glob("*.md"))]
+    faults = [fault for page in pages for fault in faults_of_links(page)] + faults_of_pins(checkout)
+    for fault in faults:
+        print(fault, file=sys.stderr)
+    print(f"{len(pages)} pages")
+    return 1 if faults or not pages else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
