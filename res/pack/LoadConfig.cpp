@@ -3,7 +3,8 @@
 //   set-load-config PROGRAM.exe
 //
 // The program (64-bit) has the configuration in a section named .ldcfg; its linker knows nothing of
-// it. The section's address goes into the program's data directory. Exit status 0; 1 after a
+// it. The section's address goes into the program's data directory, and the header's checksum is made
+// right again: whoever takes a signature off the program gets the very bytes back. Exit status 0; 1 after a
 // failure, with a line on standard error, and then the program is as it was.
 #include <cstdint>
 #include <cstdio>
@@ -22,6 +23,7 @@ constexpr std::size_t kPeOffsetAt = 0x3C;
 constexpr std::size_t kSectionCountAt = 6; // from the signature
 constexpr std::size_t kOptionalHeaderSizeAt = 20;
 constexpr std::size_t kOptionalHeaderAt = 24;
+constexpr std::size_t kChecksumAt = 64;       // from the optional header
 constexpr std::size_t kDataDirectoryAt = 112; // from the optional header
 constexpr std::size_t kLoadConfigEntry = 10;
 constexpr std::size_t kDataDirectoryEntrySize = 8;
@@ -67,6 +69,7 @@ struct DirectoryEntry
 struct Patch
 {
     std::size_t offset;
+    std::size_t checksumOffset;
     DirectoryEntry entry;
 };
 
@@ -92,8 +95,24 @@ Patch FindPatch(const Image& image)
         throw std::runtime_error("is not a 64-bit program");
     }
     const std::size_t sections = pe + kOptionalHeaderAt + image.Read<std::uint16_t>(pe + kOptionalHeaderSizeAt);
-    return {pe + kOptionalHeaderAt + kDataDirectoryAt + kLoadConfigEntry * kDataDirectoryEntrySize,
+    const std::size_t entry = pe + kOptionalHeaderAt + kDataDirectoryAt + kLoadConfigEntry * kDataDirectoryEntrySize;
+    static_cast<void>(image.At(entry, kDataDirectoryEntrySize)); // it, and the checksum before it, are inside
+    return {entry, pe + kOptionalHeaderAt + kChecksumAt,
             FindLoadConfig(image, sections, image.Read<std::uint16_t>(pe + kSectionCountAt))};
+}
+
+// The sum of the file's 16-bit words, the carry added in, and its size; the checksum's own place counts as zero.
+std::uint32_t Checksum(const std::vector<char>& bytes, std::size_t checksumOffset)
+{
+    std::uint32_t sum = 0;
+    for (std::size_t n = 0; n < bytes.size(); ++n) {
+        if (n < checksumOffset || n >= checksumOffset + sizeof(std::uint32_t)) {
+            const std::uint32_t byte = static_cast<unsigned char>(bytes[n]);
+            sum += n % 2 == 0 ? byte : byte << 8U;
+            sum = (sum & 0xFFFFU) + (sum >> 16U);
+        }
+    }
+    return sum + static_cast<std::uint32_t>(bytes.size());
 }
 
 void SetLoadConfig(const char* path)
@@ -102,10 +121,14 @@ void SetLoadConfig(const char* path)
     if (!file) {
         throw std::runtime_error("cannot be opened");
     }
-    const Patch patch = FindPatch(Image({std::istreambuf_iterator<char>(file), {}}));
+    std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
+    const Patch patch = FindPatch(Image(bytes));
+    std::memcpy(bytes.data() + patch.offset, &patch.entry, sizeof(patch.entry));
+    const std::uint32_t checksum = Checksum(bytes, patch.checksumOffset);
+    std::memcpy(bytes.data() + patch.checksumOffset, &checksum, sizeof(checksum));
     file.clear();
-    file.seekp(static_cast<std::streamoff>(patch.offset));
-    file.write(reinterpret_cast<const char*>(&patch.entry), sizeof(patch.entry));
+    file.seekp(0);
+    file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     if (!file.flush()) {
         throw std::runtime_error("cannot be written");
     }
