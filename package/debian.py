@@ -30,13 +30,16 @@ def installed(name: str) -> DebianPackage:
     return DebianPackage(name, version)
 
 
-def owner(file: Path) -> str:
-    """The name of the package that brought the file."""
-    # "package: path" or "package:architecture: path".
-    answer = subprocess.run(
-        ["dpkg-query", "--search", str(file.resolve())], check=True, capture_output=True, text=True
-    ).stdout
-    return answer.partition(":")[0]
+def owners(files: list[Path]) -> dict[Path, str]:
+    """The name of the package that brought each file. Asked for together: every question reads all lists anew."""
+    paths = {str(file.resolve()): file for file in files}
+    answer = subprocess.run(["dpkg-query", "--search", *paths], check=True, capture_output=True, text=True).stdout
+    found = {}
+    for line in answer.splitlines():
+        # "package: path" or "package:architecture: path".
+        packages, _, path = line.partition(": ")
+        found[paths[path]] = packages.partition(":")[0]
+    return found
 
 
 def files(name: str) -> list[Path]:

@@ -142,8 +142,7 @@ _LINKED_PACKAGES = {
 
 def _linked_by_the_compiler(build: Path) -> list[Part]:
     taken: dict[Callable[[tuple[Path, ...]], Part], list[Path]] = {}
-    for file in link.system_files(build):
-        package = debian.owner(file)
+    for file, package in sorted(debian.owners(link.system_files(build)).items()):
         if package not in _LINKED_PACKAGES:
             raise LookupError(f"{file} is linked, and nothing is known of the license of {package}")
         taken.setdefault(_LINKED_PACKAGES[package], []).append(file)
@@ -151,7 +150,7 @@ def _linked_by_the_compiler(build: Path) -> list[Part]:
 
 
 def _tool(key: str, name: str, license: str, home: str, file: Path) -> Part:
-    package = debian.installed(debian.owner(file))
+    package = debian.installed(debian.owners([file])[file])
     return Part(
         key=key,
         name=name,
