@@ -3,9 +3,10 @@
 
     make_package.py CHECKOUT BUILD OUTPUT [--program SIGNED]
 
-OUTPUT is emptied first. BUILD is the folder of a finished build; its program is packed unless
-it was signed since. The hashes then also name that of the program without its signature. The same program gives the same bytes, whatever the folder,
-the hour, the time zone and the umask. Runs inside the toolchain root, whose license texts it takes.
+OUTPUT is emptied first. BUILD is the folder of a finished build; its program is packed unless it
+was signed since. The hashes then also name that of the program without its signature. The same
+program gives the same bytes, whatever the folder, the hour, the time zone and the umask. Runs
+inside the toolchain root, whose license texts it takes.
 """
 
 import argparse

@@ -67,7 +67,8 @@ def _miniz() -> Part:
         version="3.0.2",
         license="MIT",
         home="https://github.com/richgel999/miniz",
-        origin="Taken from third-party/miniz in Debian's source package woof-doom, which carries the release's two files.",
+        origin="Taken from third-party/miniz in Debian's source package woof-doom, which carries the release's "
+        "two files.",
         purls=("pkg:github/richgel999/miniz@3.0.2", "pkg:deb/debian/woof-doom?arch=source"),
         files=(source, source.with_suffix(".h")),
         relation=LINKED,
@@ -175,7 +176,7 @@ def _build_tools(build: Path) -> list[Part]:
     zopfli = next(file for file in debian.files("libzopfli1") if file.name.startswith("libzopfli.so"))
     windres = Path("/usr/bin/x86_64-w64-mingw32-windres")
     return [
-        _tool("zopfli", "zopfli, the encoder of the tools' archive", "Apache-2.0", "https://github.com/google/zopfli", zopfli),
+        _tool("zopfli", "zopfli, the archive's encoder", "Apache-2.0", "https://github.com/google/zopfli", zopfli),
         _tool("gcc", "GCC, the compiler", "GPL-3.0-or-later", "https://gcc.gnu.org", link.compiler(build)),
         _tool("binutils", "GNU Binutils", "GPL-3.0-or-later", "https://www.gnu.org/software/binutils", windres),
         *_linker(build),

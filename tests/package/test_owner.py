@@ -26,7 +26,8 @@ Fill in:
 
 class Owner(unittest.TestCase):
     def test_open_points_come_whole_and_done_ones_not(self) -> None:
-        self.assertEqual(["- [ ] the address of support,\n  in README.txt too", "- [ ] the license"], open_points(README))
+        points = ["- [ ] the address of support,\n  in README.txt too", "- [ ] the license"]
+        self.assertEqual(points, open_points(README))
 
     def test_a_text_without_the_section_has_none(self) -> None:
         self.assertEqual([], open_points("# The product\n\n- [ ] not the owner's\n"))

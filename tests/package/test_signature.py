@@ -23,13 +23,22 @@ def make_certificate(folder: Path) -> Path:
     """A certificate for signing programs, issued by an authority of our own, with both in the file."""
     (folder / "extensions").write_text("extendedKeyUsage=codeSigning\n", encoding="ascii")
     new = ("-newkey", "rsa:2048", "-noenc")
-    openssl(folder, "req", "-x509", *new, "-keyout", "ca.key", "-out", "ca.pem", "-subj", "/CN=An authority", "-days", "2")
-    openssl(folder, "req", *new, "-keyout", "key", "-out", "request", "-subj", "/CN=A maker of programs")
+    authority, maker = ("-subj", "/CN=An authority"), ("-subj", "/CN=A maker of programs")
+    openssl(folder, "req", "-x509", *new, "-keyout", "ca.key", "-out", "ca.pem", *authority, "-days", "2")
+    openssl(folder, "req", *new, "-keyout", "key", "-out", "request", *maker)
     issuer = ("-CA", "ca.pem", "-CAkey", "ca.key", "-CAcreateserial")
     openssl(folder, "x509", "-req", "-in", "request", *issuer, "-out", "pem", "-days", "2", "-extfile", "extensions")
     both = ("-in", "pem", "-inkey", "key", "-certfile", "ca.pem")
     openssl(folder, "pkcs12", "-export", *both, "-out", "maker.p12", "-passout", f"pass:{PASSWORD}")
     return folder / "maker.p12"
+
+
+def make_time_stamper(folder: Path) -> tuple[Path, Path]:
+    """The certificate and the key of somebody who stamps times, his own authority."""
+    usage = ("-addext", "extendedKeyUsage=critical,timeStamping", "-addext", "keyUsage=digitalSignature")
+    words = ("-newkey", "rsa:2048", "-noenc", "-keyout", "clock.key", "-out", "clock.pem", "-days", "2")
+    openssl(folder, "req", "-x509", *words, "-subj", "/CN=A clock", *usage)
+    return folder / "clock.pem", folder / "clock.key"
 
 
 class Signature(PackageTest):
@@ -102,6 +111,15 @@ class Signature(PackageTest):
         lines = (self.output / "SHA256SUMS").read_text(encoding="ascii").splitlines()
         hashes = {name: value for value, name in (line.split() for line in lines)}
         self.assertEqual(hashes[PROGRAM.name], sha256(bare.read_bytes()))
+
+    def test_a_time_stamp_added_later_is_packed_as_well(self) -> None:
+        certificate, key = make_time_stamper(self.folder)
+        stamped = self.folder / "stamped.exe"
+        stamp = ["osslsigncode", "add", "-TSA-certs", certificate, "-TSA-key", key, "-in", self.signed, "-out", stamped]
+        subprocess.run(stamp, check=True, capture_output=True)
+        self.assertNotEqual(sha256(self.signed.read_bytes()), sha256(stamped.read_bytes()))
+        answer = self.check(stamped)
+        self.assertEqual(0, answer.returncode, answer.stderr)
 
     def test_the_signed_package_differs_in_the_program_alone(self) -> None:
         output = self.folder / "package of the signed"
