@@ -19,7 +19,7 @@ def joined(*texts: bytes) -> bytes:
 def statements_in(source: Path) -> bytes:
     """Every comment of a C source that states terms, once each, as it stands there."""
     comments = re.findall(rb"/\*.*?\*/", source.read_bytes(), re.DOTALL)
-    terms = [c for c in comments if re.search(rb"Permission is hereby granted|unencumbered|public domain", c)]
+    terms = [c for c in comments if re.search(rb"Permission is hereby granted|public domain", c)]
     if not terms:
         raise LookupError(f"{source} states no terms")
     return b"\n\n".join(dict.fromkeys(terms)) + b"\n"

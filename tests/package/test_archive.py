@@ -83,8 +83,9 @@ class Archive(PackageTest):
         checkout.mkdir()
         shutil.copytree(CHECKOUT / "package", checkout / "package")
         (checkout / "CHANGELOG.md").write_text("# Changes\n\n## 1.3.9 - 2026-01-01\n", encoding="ascii")
-        with self.assertRaises(subprocess.CalledProcessError):
-            make_package(self.folder / "none", checkout=checkout, stderr=subprocess.DEVNULL)
+        with self.assertRaises(subprocess.CalledProcessError) as failed:
+            make_package(self.folder / "none", checkout=checkout, stderr=subprocess.PIPE, text=True)
+        self.assertIn("CHANGELOG.md does not begin with", failed.exception.stderr)
         self.assertFalse((self.folder / "none").exists())
 
 

@@ -19,8 +19,8 @@ def openssl(folder: Path, *words: str) -> None:
     subprocess.run(["openssl", *words], cwd=folder, check=True, capture_output=True)
 
 
-def make_certificate(folder: Path) -> Path:
-    """A certificate for signing programs, issued by an authority of our own, with both in the file."""
+def make_certificates(folder: Path) -> tuple[Path, Path]:
+    """A certificate for signing programs, issued by an authority of our own: in a file with both, and alone."""
     (folder / "extensions").write_text("extendedKeyUsage=codeSigning\n", encoding="ascii")
     new = ("-newkey", "rsa:2048", "-noenc")
     authority, maker = ("-subj", "/CN=An authority"), ("-subj", "/CN=A maker of programs")
@@ -28,9 +28,10 @@ def make_certificate(folder: Path) -> Path:
     openssl(folder, "req", *new, "-keyout", "key", "-out", "request", *maker)
     issuer = ("-CA", "ca.pem", "-CAkey", "ca.key", "-CAcreateserial")
     openssl(folder, "x509", "-req", "-in", "request", *issuer, "-out", "pem", "-days", "2", "-extfile", "extensions")
-    both = ("-in", "pem", "-inkey", "key", "-certfile", "ca.pem")
-    openssl(folder, "pkcs12", "-export", *both, "-out", "maker.p12", "-passout", f"pass:{PASSWORD}")
-    return folder / "maker.p12"
+    export = ("pkcs12", "-export", "-in", "pem", "-inkey", "key", "-passout", f"pass:{PASSWORD}")
+    openssl(folder, *export, "-certfile", "ca.pem", "-out", "maker.p12")
+    openssl(folder, *export, "-out", "alone.p12")
+    return folder / "maker.p12", folder / "alone.p12"
 
 
 def make_time_stamper(folder: Path) -> tuple[Path, Path]:
@@ -43,12 +44,14 @@ def make_time_stamper(folder: Path) -> tuple[Path, Path]:
 
 class Signature(PackageTest):
     certificate: Path
+    certificate_alone: Path
+    password: Path
     signed: Path
 
     @classmethod
     def setUpClass(cls) -> None:
         super().setUpClass()
-        cls.certificate = make_certificate(cls.folder)
+        cls.certificate, cls.certificate_alone = make_certificates(cls.folder)
         cls.password = cls.folder / "password"
         cls.password.write_text(PASSWORD + "\n", encoding="ascii")
         cls.signed = cls.folder / "signed.exe"
@@ -56,8 +59,10 @@ class Signature(PackageTest):
         assert done.returncode == 0, done.stderr
 
     @classmethod
-    def sign(cls, signed: Path, password: Path | None = None, **surroundings) -> subprocess.CompletedProcess:
-        secret = ("--certificate", cls.certificate, "--password", password or cls.password)
+    def sign(
+        cls, signed: Path, password: Path | None = None, certificate: Path | None = None, **surroundings
+    ) -> subprocess.CompletedProcess:
+        secret = ("--certificate", certificate or cls.certificate, "--password", password or cls.password)
         words = [sys.executable, "-B", SIGN, "sign", PROGRAM, signed, *secret]
         return subprocess.run(words, capture_output=True, text=True, **surroundings)
 
@@ -142,6 +147,13 @@ class Signature(PackageTest):
         wrong.write_text("guessed\n", encoding="ascii")
         signed = self.folder / "not signed.exe"
         self.assertNotEqual(0, self.sign(signed, wrong).returncode)
+        self.assertFalse(signed.exists())
+
+    def test_a_certificate_without_its_issuers_leaves_nothing(self) -> None:
+        signed = self.folder / "not signed.exe"
+        answer = self.sign(signed, certificate=self.certificate_alone)
+        self.assertIn("unable to get local issuer certificate", answer.stderr)
+        self.assertNotEqual(0, answer.returncode)
         self.assertFalse(signed.exists())
 
     def test_the_password_may_come_through_a_pipe_and_is_no_argument(self) -> None:
