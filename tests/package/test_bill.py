@@ -23,14 +23,28 @@ RELATIONSHIP = {"spdxElementId", "relationshipType", "relatedSpdxElement"}
 REFERENCE = {"referenceCategory", "referenceType", "referenceLocator"}
 EXTRACTED = {"licenseId", "extractedText"}
 
+# What else it knows of them.
+DOCUMENT_MORE = {"packages", "files", "relationships", "hasExtractedLicensingInfos"}
+PACKAGE_MORE = {
+    "builtDate", "checksums", "comment", "copyrightText", "description", "externalRefs", "filesAnalyzed", "homepage",
+    "licenseComments", "licenseConcluded", "licenseDeclared", "licenseInfoFromFiles", "originator", "packageFileName",
+    "primaryPackagePurpose", "releaseDate", "sourceInfo", "summary", "supplier", "validUntilDate", "versionInfo",
+}
+FILE_MORE = {"comment", "copyrightText", "fileTypes", "licenseConcluded", "licenseInfoInFiles", "noticeText"}
+
 RELATIONS = {"DESCRIBES", "CONTAINS", "STATIC_LINK", "BUILD_TOOL_OF"}
 NO_VALUE = {"NOASSERTION", "NONE"}
 # Those of SPDX's list of licenses and exceptions that are used here.
 LICENSES = {"Apache-2.0", "GPL-3.0-or-later", "MIT"}
 EXCEPTIONS = {"LLVM-exception", "GCC-exception-3.1"}
 
-INSIDE = {"adb": "CONTAINS", "miniz": "STATIC_LINK", "ctre": "STATIC_LINK",
-          "gcc-runtime": "STATIC_LINK", "mingw-w64-runtime": "STATIC_LINK"}
+INSIDE = {
+    "adb": "CONTAINS",
+    "miniz": "STATIC_LINK",
+    "ctre": "STATIC_LINK",
+    "gcc-runtime": "STATIC_LINK",
+    "mingw-w64-runtime": "STATIC_LINK",
+}
 BUILD_TOOLS = {"miniz", "zopfli", "gcc", "binutils"}  # the linker is one more where it is not of binutils
 PROGRAM_ID = "SPDXRef-File-KalvoApkInstaller.exe"
 PART = "SPDXRef-Part-"
@@ -87,6 +101,15 @@ class Bill(PackageTest):
             self.require(RELATIONSHIP, relation)
         for extracted in self.bill["hasExtractedLicensingInfos"]:
             self.require(EXTRACTED, extracted)
+
+    def test_has_nothing_that_spdx_does_not_know(self) -> None:
+        self.assertEqual(set(), self.bill.keys() - DOCUMENT - DOCUMENT_MORE)
+        for package in self.bill["packages"]:
+            self.assertEqual(set(), package.keys() - ANALYZED_PACKAGE - PACKAGE_MORE)
+        for file in self.bill["files"]:
+            self.assertEqual(set(), file.keys() - FILE - FILE_MORE)
+        for relation in self.bill["relationships"]:
+            self.assertEqual(RELATIONSHIP, relation.keys())
 
     def test_values_have_the_forms_that_spdx_wants(self) -> None:
         self.assertEqual("SPDX-2.3", self.bill["spdxVersion"])
