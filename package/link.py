@@ -21,13 +21,13 @@ def _link_command(build: Path) -> list[str]:
 
 
 def _linker_command(build: Path) -> list[str]:
-    """The command by which the compiler would start the linker."""
+    """The command by which the compiler would start the linker, or its own collect2, which starts it."""
     answer = subprocess.run([*_link_command(build), "-###"], cwd=build, check=True, capture_output=True, text=True)
-    for line in answer.stderr.splitlines():
-        words = shlex.split(line)
-        if words and Path(words[0]).name.startswith("collect2"):
-            return words
-    raise LookupError("the compiler does not say how it starts the linker")
+    # Commands are indented by a blank; linking is the last.
+    commands = [line for line in answer.stderr.splitlines() if line.startswith(" ")]
+    if not commands:
+        raise LookupError("the compiler does not say how it starts the linker")
+    return shlex.split(commands[-1])
 
 
 def _named(word: str, folders: list[Path]) -> Path:
@@ -60,9 +60,12 @@ def compiler(build: Path) -> Path:
 
 
 def linker(build: Path) -> Path:
+    started = Path(_linker_command(build)[0])
+    if not started.name.startswith("collect2"):
+        return started.resolve()
+    # Asked for the linker's version, collect2 also prints the command by which it asks.
     words = _link_command(build)
-    choosing = [word for word in words if word.startswith(("-fuse-ld", "-B", "--ld-path"))]
-    # Asked for the linker's version, the compiler also prints the command by which it asks.
+    choosing = [word for word in words if word.startswith(("-fuse-ld", "-B"))]
     answer = subprocess.run([words[0], *choosing, "-Wl,--version"], cwd=build, capture_output=True, text=True)
     for line in answer.stderr.splitlines():
         if line.startswith("/") and "--version" in line:
