@@ -32,7 +32,8 @@ def open_points(readme: str) -> list[str]:
 
 
 def main() -> None:
-    print(*open_points(Path(sys.argv[1]).read_text(encoding="utf-8")), sep="\n", end="")
+    for point in open_points(Path(sys.argv[1]).read_text(encoding="utf-8")):
+        print(point)
 
 
 if __name__ == "__main__":
