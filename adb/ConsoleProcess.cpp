@@ -5,7 +5,7 @@
 
 namespace {
 
-// Gives a server that the last command stopped or started the time to settle. In milliseconds.
+// Before every run, on purpose. In milliseconds.
 constexpr DWORD kPauseBeforeAdb = 2000;
 
 } // namespace
@@ -37,7 +37,8 @@ void CConsoleProcess::CreateProcess(PCWSTR pszApplicationName, PWSTR pszCommandL
                           nullptr, &m_si, &m_pi)) {
         ReportLastErrorAndExit(L"CreateProcess(lpApplicationName, lpCommandLine, ...)");
     }
-    // The child holds its own copy now. The input is null, and closing it fails without harm.
+    // The child holds its own copy now. The input is null: closing it does nothing but fail. Under a debugger the
+    // system raises an exception for such a handle.
     CloseHandle(m_hStandardOutputWrite);
     CloseHandle(m_hStandardInput);
 }
@@ -78,7 +79,7 @@ ADB_EXIT_CODE RunAdbCommand(std::string& strOutput, PWSTR pszCommandLine)
 
     DWORD dwExitCode = 0;
     if (!process.GetExitCode(dwExitCode)) {
-        // The handles of the process stay open: the run is given up, and ending this process closes them.
+        // The handles of the process stay open on purpose, until this process ends.
         return ADB_GETEXITCODE_FAILED;
     }
     return process.Close() ? ADB_SUCCESS : ADB_CLOSE_FAILED;

@@ -15,7 +15,8 @@ public:
     CConsoleProcess& operator=(const CConsoleProcess&) = delete;
 
     // Starts the program with the argument text, which the system may write into. Ends the process,
-    // after a report, when the pipe cannot be made or the program not be started.
+    // after a report, when the pipe cannot be made or the program not be started. The platform's macro
+    // of this name makes it CreateProcessW, here and for every caller.
     void CreateProcess(PCWSTR pszApplicationName, PWSTR pszCommandLine);
 
     // Reads until every holder of the pipe's other end has closed it; there is no time-out, and a read
@@ -33,8 +34,7 @@ public:
 private:
     // The handles are closed one by one as the run goes on; this object closes none that is left.
     HANDLE m_hStandardInput = nullptr; // never opened: adb gets no input
-    // Left to the system to close when this process ends: one handle for each run of adb, and a wizard
-    // runs it some dozens of times at most.
+    // Left open on purpose until this process ends: one handle for each run of adb.
     HANDLE m_hStandardOutputRead = nullptr;
     HANDLE m_hStandardOutputWrite = nullptr;
     DWORD m_dwCreationFlags = CREATE_NO_WINDOW;

@@ -41,8 +41,8 @@ PCWSTR RunInstaller(HINSTANCE hInstance)
         return L"Unable to initalize Platform Tools";
     }
     if (PathFileExistsW(tools.m_szAdbExePath)) {
-        // Left by a run that did not end well. A folder that cannot be deleted ends the process here;
-        // whatever else stays, Install writes over it.
+        // Left by an earlier run. A folder that cannot be deleted ends the process here; what else fails is not looked
+        // at, on purpose.
         tools.Uninstall();
     }
     if (!tools.Install()) {

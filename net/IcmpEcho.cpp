@@ -19,6 +19,7 @@ CIcmpEcho::CIcmpEcho() : hIcmp(IcmpCreateFile()), pReply(std::make_unique<BYTE[]
 
 CIcmpEcho::~CIcmpEcho()
 {
+    // The order is fixed. Left to itself the buffer would go after this body, and so after the handle.
     pReply.reset();
     if (hIcmp != INVALID_HANDLE_VALUE) {
         IcmpCloseHandle(hIcmp);

@@ -18,6 +18,7 @@ public:
     CIcmpEcho();
     CIcmpEcho(const CIcmpEcho&) = delete;
     CIcmpEcho& operator=(const CIcmpEcho&) = delete;
+    // Frees the reply, then closes the handle.
     ~CIcmpEcho();
 
     // Sends one request to an address in network order and waits up to a second. Returns the number

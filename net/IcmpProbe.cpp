@@ -14,10 +14,10 @@ bool IsUnreachable(DWORD dwError)
 
 } // namespace
 
-ICMP_PROBE_RESULT RunIcmpProbe(CIcmpEcho& icmp, IPAddr destination, const PROGRESS& OnAttempt)
+ICMP_PROBE_RESULT RunIcmpProbe(CIcmpEcho& icmp, IPAddr destination, CProgress& progress)
 {
     for (int nAttempt = 1; nAttempt <= kAttempts; ++nAttempt) {
-        OnAttempt(nAttempt, kAttempts);
+        progress.OnAttempt(nAttempt, kAttempts);
         if (icmp.SendEchoRequest(destination) != 0) {
             // A router on the way answers too, when it cannot deliver.
             const ICMP_ECHO_REPLY& reply = icmp.GetReply();

@@ -20,4 +20,4 @@ struct ICMP_PROBE_RESULT
 
 // Sends up to six requests to an address in network order, about a second each when nothing answers, one at once after
 // the other. Only a good reply from the address itself is an answer; a failure other than the silence ends the probe.
-ICMP_PROBE_RESULT RunIcmpProbe(CIcmpEcho& icmp, IPAddr destination, const PROGRESS& OnAttempt);
+ICMP_PROBE_RESULT RunIcmpProbe(CIcmpEcho& icmp, IPAddr destination, CProgress& progress);

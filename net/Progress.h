@@ -1,7 +1,12 @@
 // How a probe tells its caller of its attempts.
 #pragma once
 
-#include <functional>
+class CProgress
+{
+public:
+    // An attempt begins: its number, from 1, and how many there are at most.
+    virtual void OnAttempt(int nAttempt, int nAttempts) = 0;
 
-// Called when an attempt begins, with its number, from 1, and the number of attempts there are at most.
-using PROGRESS = std::function<void(int nAttempt, int nAttempts)>;
+protected:
+    ~CProgress() = default;
+};

@@ -1,5 +1,5 @@
-// Owner of one TCP socket. Each operation is the Winsock call of its name on that socket and
-// reports as that call does; the reason of a failure is in WSAGetLastError.
+// Owner of one TCP socket. Each operation is the Winsock call of its name on that socket. All but Socket
+// return what that call returns; the reason of a failure is in WSAGetLastError.
 #pragma once
 
 #include "app/ground/Platform.h"
@@ -11,7 +11,8 @@ public:
     CSocket(const CSocket&) = delete;
     CSocket& operator=(const CSocket&) = delete;
 
-    // Closes a socket that is still open. Ends the process, after a report, when that fails.
+    // Closes a socket that is still open. When that fails, ends the process with the reason as exit code,
+    // after a box without owner.
     virtual ~CSocket();
 
     // Opens an IPv4 stream socket. False on failure.

@@ -8,10 +8,10 @@ constexpr INT kPollTimeout = 2000;
 
 } // namespace
 
-TCP_OUTCOME WaitUntilConnected(const CSocket& socket, const PROGRESS& OnAttempt)
+TCP_OUTCOME WaitUntilConnected(const CSocket& socket, CProgress& progress)
 {
     for (int nAttempt = 1; nAttempt <= kAttempts; ++nAttempt) {
-        OnAttempt(nAttempt, kAttempts);
+        progress.OnAttempt(nAttempt, kAttempts);
         Sleep(kPauseBeforePoll);
 
         WSAPOLLFD poll = {};

@@ -13,4 +13,4 @@ enum TCP_OUTCOME
 
 // Polls the connection of a non-blocking socket until it stands, up to seven times: 200 milliseconds of pause, then up
 // to 2 seconds. One that failed is polled again.
-TCP_OUTCOME WaitUntilConnected(const CSocket& socket, const PROGRESS& OnAttempt);
+TCP_OUTCOME WaitUntilConnected(const CSocket& socket, CProgress& progress);

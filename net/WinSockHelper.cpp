@@ -24,8 +24,7 @@ struct FATAL_RESULT
     PCWSTR pszDetail;
 };
 
-// The two calls share most of their codes, not all: each has texts only for those that it
-// documents.
+// The two calls share most of their texts, not all; kept so on purpose.
 constexpr FATAL_RESULT kBestInterfaceResults[] = {
     {ERROR_NOT_SUPPORTED, L"IPv4 is not available on the local computer"},
     {ERROR_INVALID_PARAMETER, L"Invalid parameter passed"},
@@ -38,8 +37,8 @@ constexpr FATAL_RESULT kBestRouteResults[] = {
     {ERROR_INVALID_PARAMETER, L"Invalid parameter passed"},
 };
 
-// Ends the process for every result but success. What the call does not document is reported with the
-// thread's last error instead of the result: that is how support knows the box.
+// Ends the process for every result but success. One that is not in the table is reported with the
+// thread's last error instead of the result; kept so on purpose.
 template<size_t N>
 void ExitUnlessSuccess(DWORD dwResult, const FATAL_RESULT (&results)[N])
 {

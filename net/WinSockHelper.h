@@ -19,14 +19,16 @@ public:
     // address is refused: FALSE, and what pAddress points at is of no use.
     static BOOL StringToAddress(PCWSTR pszAddress, SOCKADDR* pAddress, INT& nLength);
 
-    // The dotted text of an address in network order. FALSE when the system cannot make it.
+    // The dotted text of an address in network order. FALSE, and an empty text, when the system cannot
+    // make it.
     static BOOL Ipv4ToString(const IN_ADDR* pAddress, CStringW& szAddress);
 
     // The text of an IPv4 or IPv6 socket address with its port ("192.168.1.100:43210"; without
-    // colon and port when the port is 0). FALSE, and szAddress left alone, for other families.
+    // colon and port when the port is 0). TRUE also when the system cannot make it: the text is empty
+    // then. FALSE, and szAddress left alone, for other families.
     static BOOL AddressToString(const SOCKADDR* pAddress, CStringW& szAddress);
 
-    // The text of an IPv4 or IPv6 socket address without its port. FALSE, and szAddress left alone, for
-    // other families.
+    // The text of an IPv4 or IPv6 socket address without its port. FALSE, and an empty text, when the
+    // system cannot make it. FALSE, and szAddress left alone, for other families.
     static BOOL AddressToIpString(const SOCKADDR* pAddress, CStringW& szAddress);
 };

@@ -1,5 +1,4 @@
-// The ids of everything in the executable's resources. They are part of what other builds and
-// translations rely on and are never renumbered.
+// The ids of everything in the executable's resources. They are fixed and never renumbered.
 #pragma once
 
 // Icon of the wizard's frame and of the executable.

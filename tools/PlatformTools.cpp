@@ -83,8 +83,7 @@ bool CPlatformTools::WriteZipFileResource(const ZIP_RESOURCE& zip)
     }
     DWORD cbWritten = 0;
     if (!WriteFile(hFile, zip.pData, zip.cbData, &cbWritten, nullptr)) {
-        // The handle stays open on purpose: a half-written archive is out of everybody's reach
-        // until the process, which now ends, is gone.
+        // The handle stays open on purpose, until the process ends.
         return false;
     }
     return CloseHandle(hFile) != FALSE;
@@ -129,8 +128,7 @@ bool CPlatformTools::DeleteFolder()
     operation.fFlags = FOF_SILENT | FOF_NOCONFIRMATION | FOF_NOERRORUI;
     const int nResult = SHFileOperationW(&operation);
     if (nResult != ERROR_SUCCESS && nResult != ERROR_FILE_NOT_FOUND) {
-        // The shell's own codes for this operation overlap with the system's and would be
-        // described wrongly, so a fixed one stands for all of them.
+        // One fixed code stands for all of the shell's, on purpose.
         ReportWin32Error(L"CPlatformTools::DeleteFolder() > SHFileOperation()", true, nullptr, ERROR_INVALID_DATA);
     }
     return nResult == ERROR_SUCCESS;

@@ -3,14 +3,20 @@
 
 #include "adb/AdbExitCode.h"
 
-#include <functional>
-
 constexpr int kAdbAttempts = 3;
 
 // Calls Attempt with its number, from 1, until its outcome is one for which pfnIsWorthAnother says no, or until there
 // were three. Returns the last outcome.
-ADB_EXIT_CODE RunAttempts(const std::function<ADB_EXIT_CODE(int nAttempt)>& Attempt,
-                          bool (*pfnIsWorthAnother)(ADB_EXIT_CODE nOutcome));
+template<typename ATTEMPT>
+ADB_EXIT_CODE RunAttempts(const ATTEMPT& Attempt, bool (*pfnIsWorthAnother)(ADB_EXIT_CODE nOutcome))
+{
+    for (int nAttempt = 1;; ++nAttempt) {
+        const ADB_EXIT_CODE nOutcome = Attempt(nAttempt);
+        if (nAttempt == kAdbAttempts || !pfnIsWorthAnother(nOutcome)) {
+            return nOutcome;
+        }
+    }
+}
 
 // Tells the user that adb's server was not stopped, in a box owned by the page and captioned with the method that
 // tried.

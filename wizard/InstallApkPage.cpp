@@ -131,7 +131,7 @@ void CInstallApkPage::UpdateWizardButtons(HWND hwndPage)
 }
 
 // Puts the path of the package that lies beside the program into the edit, if there is one: the first
-// in the order of the file system.
+// that the search gives.
 void CInstallApkPage::FindDefaultApkFile(HWND hwndPath)
 {
     const PCWSTR pszFolder = CKalvoApkInstaller::GetInstance().m_szFolderPath;
@@ -188,7 +188,7 @@ LRESULT CInstallApkPage::OnNotify_PSN_WIZNEXT(HWND hwndPage)
         return nResult;
     }
     if (!ConnectToWatch(hwndPage, hwndStatus, szAddress)) {
-        // The server keeps running: the next try finds it ready, and removing the tools stops it.
+        // The server is left running on purpose, until a later step stops it.
         ReportNotConnected(hwndPage);
         return -1;
     }
@@ -294,7 +294,8 @@ void CInstallApkPage::ReportInstallOutcome(HWND hwndPage, ADB_EXIT_CODE nOutcome
     }
 }
 
-// False, after a box, unless a running server stopped: after an install there must have been one.
+// False, after a box, unless a running server stopped. That none ran counts as a failure here, and not on the pairing
+// page; kept so on purpose.
 bool CInstallApkPage::StopServer(HWND hwndPage, HWND hwndStatus)
 {
     if (KillServer() == ADB_SUCCESS) {

@@ -72,7 +72,7 @@ using CDisconnectWiFiPage = CInstructionPage<INSTRUCTION_PAGE{.nBodyId = IDC_DIS
                                                               .nCheckStringId = IDS_DISCONNECT_WIFI_CHECK}>;
 
 // Its check box, an offer to go round again for another watch, is created hidden and nothing shows
-// it: the page always offers Back and Finish, and there is nothing left to cancel.
+// it: the page always offers Back and Finish and hides Cancel.
 using CFinishedPage = CInstructionPage<INSTRUCTION_PAGE{.nBodyId = IDC_FINISHED_BODY,
                                                         .nBodyStringId = IDS_FINISHED_BODY,
                                                         .nCheckId = IDC_FINISHED_CHECK,

@@ -3,6 +3,7 @@
 #include "app/ground/ErrorReport.h"
 #include "net/IcmpProbe.h"
 #include "net/WinSockHelper.h"
+#include "wizard/ProbeStatus.h"
 
 namespace {
 
@@ -32,13 +33,8 @@ LRESULT PingWatch(HWND hwndPage, const SOCKADDR_IN* pAddress, HWND hwndStatus)
     CIcmpEcho icmp;
     CStringW szAddress;
     CWinSockHelper::AddressToIpString(reinterpret_cast<const SOCKADDR*>(pAddress), szAddress);
-    const auto ShowAttempt = [&](int nAttempt, int nAttempts) {
-        CStringW szStatus;
-        szStatus.Format(L"Pinging %s (%d of %d)", szAddress.GetString(), nAttempt, nAttempts);
-        SetWindowTextW(hwndStatus, szStatus);
-    };
-
-    const ICMP_PROBE_RESULT result = RunIcmpProbe(icmp, pAddress->sin_addr.s_addr, ShowAttempt);
+    CProbeStatus status(hwndStatus, L"Pinging", szAddress);
+    const ICMP_PROBE_RESULT result = RunIcmpProbe(icmp, pAddress->sin_addr.s_addr, status);
     switch (result.nOutcome) {
     case ICMP_ANSWERED:
         return 0;

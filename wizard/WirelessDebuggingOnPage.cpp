@@ -6,6 +6,7 @@
 #include "wizard/IntegerEdit.h"
 #include "wizard/PingWatch.h"
 #include "wizard/Port.h"
+#include "wizard/ProbeStatus.h"
 
 #include <shlwapi.h>
 
@@ -47,11 +48,8 @@ TCP_OUTCOME Connect(CSocket& socket, const SOCKADDR_IN* pAddress, HWND hwndStatu
     }
     CStringW szAddress;
     CWinSockHelper::AddressToString(reinterpret_cast<const SOCKADDR*>(pAddress), szAddress);
-    return WaitUntilConnected(socket, [&](int nAttempt, int nAttempts) {
-        CStringW szStatus;
-        szStatus.Format(L"Connecting to %s (%d of %d)", szAddress.GetString(), nAttempt, nAttempts);
-        SetWindowTextW(hwndStatus, szStatus);
-    });
+    CProbeStatus status(hwndStatus, L"Connecting to", szAddress);
+    return WaitUntilConnected(socket, status);
 }
 
 void CloseConnection(CSocket& socket)
@@ -100,8 +98,8 @@ void CWirelessDebuggingOnPage::OnCommand(HWND hwndPage, UINT nControlId, WPARAM 
     }
 }
 
-// Fills in the first three octets of this computer's gateway, which the watch shares in a home
-// network of the usual size, and puts the caret into the last field.
+// Fills in the first three octets of this computer's gateway, however long the network's prefix is, and
+// puts the caret into the last field. False without a gateway.
 bool CWirelessDebuggingOnPage::PrefillAddress(HWND hwndAddress)
 {
     WCHAR szGateway[CWinSockHelper::kIpv4TextLength];

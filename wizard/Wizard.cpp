@@ -18,8 +18,7 @@ struct PAGE
     UINT nHeaderTitleId;
 };
 
-// The order in which the user walks them. The undo pages go back in the order in which it is safe:
-// wireless debugging before the options it lives in, Wi-Fi last.
+// The order in which the user walks them; it is fixed.
 constexpr PAGE kPages[] = {
     {IDD_WELCOME, CWelcomePage::DialogProc, IDS_WELCOME_TITLE},
     {IDD_CONNECT_WIFI, CConnectWiFiPage::DialogProc, IDS_CONNECT_WIFI_TITLE},
@@ -30,7 +29,7 @@ constexpr PAGE kPages[] = {
     {IDD_INSTALL_APK, CInstallApkPage::DialogProc, IDS_INSTALL_APK_TITLE},
     {IDD_APK_INSTALLED, CApkInstalledPage::DialogProc, IDS_APK_INSTALLED_TITLE},
     {IDD_STAY_AWAKE_OFF, CStayAwakeOffPage::DialogProc, IDS_STAY_AWAKE_OFF_TITLE},
-    // Its title reads "Turn on Wireless debugging" although the page turns it off; guides quote it so.
+    // Its title reads "Turn on Wireless debugging" although the page turns it off; kept so on purpose.
     {IDD_WIRELESS_DEBUGGING_OFF, CWirelessDebuggingOffPage::DialogProc, IDS_WIRELESS_DEBUGGING_OFF_TITLE},
     {IDD_REVOKE_AUTHORIZATIONS, CRevokeAuthorizationsPage::DialogProc, IDS_REVOKE_AUTHORIZATIONS_TITLE},
     {IDD_DEVELOPER_OPTIONS_OFF, CDeveloperOptionsOffPage::DialogProc, IDS_DEVELOPER_OPTIONS_OFF_TITLE},
