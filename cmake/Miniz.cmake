@@ -13,7 +13,7 @@ add_library(miniz STATIC EXCLUDE_FROM_ALL ${KALVO_MINIZ_FOLDER}/miniz.c)
 target_include_directories(miniz SYSTEM PUBLIC ${KALVO_MINIZ_FOLDER} ${CMAKE_BINARY_DIR}/miniz)
 target_compile_definitions(miniz PUBLIC MINIZ_NO_ZLIB_COMPATIBLE_NAMES)
 if(WIN32)
-    # The program only reads, and the linker cannot drop what it does not use: every function's
+    # The program only reads, and GNU ld cannot drop what it does not use: every function's
     # unwind record holds on to its function.
     target_compile_definitions(miniz PUBLIC MINIZ_NO_DEFLATE_APIS)
 endif()
