@@ -1,6 +1,5 @@
 """What the person's tests have in common: a watch, an installer with a package beside it, and somebody in front of it."""
 
-import shutil
 import unittest
 from pathlib import Path
 
@@ -28,7 +27,7 @@ class InstallationTest(unittest.TestCase):
 
     def setUp(self) -> None:
         faults = self._faults()
-        self.addCleanup(shutil.rmtree, programs.working_folder(), ignore_errors=True)
+        self.addCleanup(programs.remove_folder, programs.working_folder())
         self.watch = self.enterContext(Watch(*self.watch_switches))
         self.program = self.enterContext(Program())
         self.package = write_package(self.program.folder)

@@ -21,6 +21,12 @@ def windows_path(path: Path) -> str:
     return "C:\\" + "\\".join(path.relative_to(places.prefix() / "drive_c").parts)
 
 
+def remove_folder(folder: Path) -> None:
+    """Removes it with all that is in it, if it is there."""
+    if folder.exists():
+        shutil.rmtree(folder)
+
+
 class Program:
     """The installer, copied into a folder and started there. A context manager: it does not outlive the test."""
 

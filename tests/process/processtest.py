@@ -1,6 +1,5 @@
 """What the tests of the program as it ships have in common: a screen, a clean account, starts and their ends."""
 
-import shutil
 import unittest
 import zipfile
 from collections.abc import Collection
@@ -100,7 +99,7 @@ class ProcessTest(unittest.TestCase):
 
     def clean_account(self) -> None:
         """As if the installer had never run."""
-        shutil.rmtree(self.folder, ignore_errors=True)
+        program.remove_folder(self.folder)
 
     def run(self, result: unittest.TestResult | None = None) -> unittest.TestResult | None:
         self._result = result
