@@ -99,7 +99,7 @@ class Installer:
         self.folder = folder
 
     def install(self) -> float:
-        shutil.rmtree(self.folder, ignore_errors=True)
+        programs.remove_folder(self.folder)
         return self._answering.measure("")[0]
 
 
@@ -111,7 +111,7 @@ def unpacking(rounds: int) -> list[Figure]:
     copy = shutil.copy(archive(), drive_c("bench.zip"))
 
     def unzip() -> float:
-        shutil.rmtree(other, ignore_errors=True)
+        programs.remove_folder(other)
         return milliseconds(lambda: subprocess.run(["unzip", "-q", copy, "-d", other], check=True, timeout=60))
 
     with BenchProgram("install", windows_path(folder)) as answering:
@@ -136,13 +136,13 @@ def starting(rounds: int) -> list[Figure]:
         installer = Installer(answering, folder)
 
         def measure() -> tuple[float, float, float]:
-            shutil.rmtree(tools, ignore_errors=True)
+            programs.remove_folder(tools)
             page = driver.measure("start", installing)[0]
             return page, installer.install(), driver.measure("dialog", empty)[0]
 
         measure()
         rows = [measure() for _ in range(rounds)]
-    shutil.rmtree(tools, ignore_errors=True)
+    programs.remove_folder(tools)
     page, install, dialog = (median(column) for column in zip(*rows))
     ratio = median(a / (b + c) for a, b, c in rows)
     details = f"{page:.0f} ms to {install:.0f} + {dialog:.0f} ms"

@@ -1,6 +1,5 @@
 """What the person's tests have in common: a watch, an installer with a package beside it, and somebody in front of it."""
 
-import shutil
 from pathlib import Path
 
 import program as programs
@@ -22,7 +21,7 @@ class InstallationTest(ObservedTest):
     watch_switches: tuple[str, ...] = ()
 
     def setUp(self) -> None:
-        self.addCleanup(shutil.rmtree, programs.working_folder(), ignore_errors=True)
+        self.addCleanup(programs.remove_folder, programs.working_folder())
         self.watch = self.enterContext(Watch(*self.watch_switches))
         self.program = self.enterContext(Program())
         self.package = write_package(self.program.folder)

@@ -34,6 +34,12 @@ def home_path(path: Path) -> str:
     return "Z:" + str(path).replace("/", "\\")
 
 
+def remove_folder(folder: Path) -> None:
+    """Removes it with all that is in it, if it is there."""
+    if folder.exists():
+        shutil.rmtree(folder)
+
+
 class Program:
     """The installer, copied into a folder and started there. A context manager: it does not outlive the test."""
 

@@ -6,7 +6,6 @@ Calls of the program are made to fail, one for each box. What else comes of such
 """
 
 import os
-import shutil
 import unittest
 import unittest.mock
 from collections.abc import Callable
@@ -21,7 +20,7 @@ from evidence import ObservedTest
 from eyes import Eyes
 from journey import fill_in, go_to_page
 from person import Person
-from program import Program, working_folder
+from program import Program, remove_folder, working_folder
 from steps import step
 from waiting import wait_for
 from watch import Watch
@@ -136,7 +135,7 @@ class Boxes(ObservedTest):
                     self.move_wizard_aside(person)
                 self.see(person, picture, words)
                 self.leave(person, program)
-            shutil.rmtree(working_folder(), ignore_errors=True)
+            remove_folder(working_folder())
 
     def move_wizard_aside(self, person: Person) -> None:
         sight = person.rest()

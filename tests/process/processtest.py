@@ -1,6 +1,5 @@
 """What the tests of the program as it ships have in common: a screen, a clean account, starts and their ends."""
 
-import shutil
 import zipfile
 from collections.abc import Collection
 
@@ -99,7 +98,7 @@ class ProcessTest(ObservedTest):
 
     def clean_account(self) -> None:
         """As if the installer had never run."""
-        shutil.rmtree(self.folder, ignore_errors=True)
+        program.remove_folder(self.folder)
 
     def start(self, faults: str = "", **how) -> Start:
         """Starts the installer. It is ended with the test."""
