@@ -109,7 +109,7 @@ PWSTR CStringW::GetBuffer(int nMinBufferLength)
     const int nLength = GetLength();
     if (IsShared() || nMinBufferLength > Header()->nAllocLength) {
         // Half as much again, so that a text made of many small pieces is not moved for each.
-        const int nAllocLength = std::max(nMinBufferLength, std::min(nLength + nLength / 2, kMaxLength));
+        const int nAllocLength = std::max(nMinBufferLength, std::min(nLength + (nLength / 2), kMaxLength));
         const size_t cb = sizeof(CHeader) + ((static_cast<size_t>(nAllocLength) + 1) * sizeof(WCHAR));
         void* const pMemory = nAllocLength > kMaxLength ? nullptr : HeapAlloc(GetProcessHeap(), 0, cb);
         if (pMemory == nullptr) {
