@@ -70,7 +70,7 @@ class CommandTest(unittest.TestCase):
         cls.commander = cls.enterClassContext(Commander())
 
     def setUp(self) -> None:
-        self.commander.kill_server()
+        self.assertIn(self.commander.kill_server().name, ("ADB_SUCCESS", "KILL_SEVER_NOT_STARTED"))
 
     def watch(self, *switches: str) -> Watch:
         return self.enterContext(Watch(*switches))
@@ -82,8 +82,11 @@ class CommandTest(unittest.TestCase):
 
     def expect(self, answer: Answer, outcome: int, name: str, *lines: str) -> None:
         """That outcome without a box, after two seconds, from these lines of adb."""
-        self.assertEqual((answer.outcome, answer.name), (outcome, name), answer)
+        self.expect_outcome(answer, outcome, name)
         self.assertEqual(answer.lines, list(lines))
+
+    def expect_outcome(self, answer: Answer, outcome: int, name: str) -> None:
+        self.assertEqual((answer.outcome, answer.name), (outcome, name), answer)
         self.assertEqual(answer.boxes, ())
         self.assertEqual(answer.sleeps, (2000,))
 
@@ -198,7 +201,7 @@ class Connecting(CommandTest):
 
     def expect_unreachable(self, answer: Answer, start: str, code: str) -> None:
         # In between are the system's words, which are another's on another Windows.
-        self.expect(answer, 101, "CONNECT_CANNOT_CONNECT", *answer.lines)
+        self.expect_outcome(answer, 101, "CONNECT_CANNOT_CONNECT")
         self.assertRegex(" ".join(answer.lines), f"^{start}.*{code}")
 
     def test_with_a_watch_that_asks_for_consent(self) -> None:
@@ -365,13 +368,13 @@ class Refusing(CommandTest):
         watch = self.connected_watch(*(word for reply in replies for word in ("--reply", reply)))
         path = windows_path(write_package("solvane.apk", 10_000))
         answers = [self.commander.install(debugging(watch), path) for _ in replies]
-        for answer, reply in zip(answers, replies):
+        for answer, reply in zip(answers, replies, strict=True):
             self.assertEqual(answer.lines, [PERFORMING, f"adb: failed to install C:\\solvane.apk: {reply}"])
         return answers
 
     def test_with_a_name_that_is_known(self) -> None:
         replies = [f"Failure [{name}: Scanning Failed.: reason [1]]" for name in NAMES.values()]
-        for (value, name), answer in zip(NAMES.items(), self.install_for(*replies)):
+        for (value, name), answer in zip(NAMES.items(), self.install_for(*replies), strict=True):
             self.assertEqual((answer.outcome, answer.name, answer.boxes), (value, name, ()))
 
     def test_with_a_name_that_is_unknown(self) -> None:

@@ -32,6 +32,7 @@ class Section:
     title: str
     promised: int
     rows: list[Row]
+    tables: int = 0
 
 
 def sections_of(page: str) -> list[Section]:
@@ -46,15 +47,21 @@ def sections_of(page: str) -> list[Section]:
                 sections.append(current)
         elif current and line.startswith("|"):
             cells = [cell.strip() for cell in line.strip("|").split("|")]
-            if cells[-1] != HELD_BY and not set(line) <= set("|- "):
+            if cells[-1] == HELD_BY:
+                current.tables += 1
+            elif not set(line) <= set("|- "):
                 current.rows.append(Row(number, cells))
     return sections
 
 
-def faults_of(sections: list[Section], known: set[str]) -> list[str]:
+def faults_of(page: str, sections: list[Section], known: set[str]) -> list[str]:
     faults = []
     if not sections:
         faults.append("no heading tells how many cases follow")
+    tables = [line for line in page.splitlines() if line.startswith("|") and line.endswith(f"| {HELD_BY} |")]
+    counted = sum(section.tables for section in sections)
+    if counted != len(tables):
+        faults.append(f"{len(tables) - counted} tables stand below no heading that tells how many cases follow")
     for section in sections:
         if len(section.rows) != section.promised:
             faults.append(f"'{section.title}' promises {section.promised} rows and has {len(section.rows)}")
@@ -71,8 +78,9 @@ def faults_of(sections: list[Section], known: set[str]) -> list[str]:
 def main() -> int:
     checkout, build, host_build = map(Path, sys.argv[1:])
     known = running(checkout, build, host_build).names
-    sections = sections_of((checkout / PAGE).read_text(encoding="utf-8"))
-    faults = faults_of(sections, known)
+    page = (checkout / PAGE).read_text(encoding="utf-8")
+    sections = sections_of(page)
+    faults = faults_of(page, sections, known)
     for fault in faults:
         print(f"{PAGE}: {fault}", file=sys.stderr)
     rows = [row for section in sections for row in section.rows]

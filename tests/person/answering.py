@@ -32,12 +32,13 @@ class Answering:
         assert self._process.stdin and self._process.stdout
         self._process.stdin.close()
         self._process.stdout.close()
+        self._complaints.close()
         try:
             self._process.wait(20)
         except subprocess.TimeoutExpired:
             self._process.kill()
             self._process.wait()
-        self._complaints.close()
+            raise AssertionError(f"{self._command[1]} did not end with its input") from None
 
     @property
     def answers(self) -> bool:

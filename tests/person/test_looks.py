@@ -64,8 +64,10 @@ STATUS_LINES = {
         *OUTCOMES.values(),
     ],
 }
-# Reasons of the watch for which the line has no room at every resolution. A box, which has, tells them as well.
-WORDY = [OUTCOMES[number] for number in (308, 309, 312, 314, 316, 327, 339, 340)]
+# Reasons of the watch for which the line of page 7 has no room at any resolution, and one for which it has at some. A
+# box, which has, tells them as well.
+WORDY = [OUTCOMES[number] for number in (308, 309, 312, 314, 316, 339, 340)]
+WORDY_AT_SOME = OUTCOMES[327]
 
 
 class Looks(InstallationTest):
@@ -130,7 +132,8 @@ class Looks(InstallationTest):
             return
         status = sight.control(sight.page.status)
         cut = [line for line in STATUS_LINES[sight.number] if looks.cut_text(self.person.eyes, status, "page", line)]
-        self.assertEqual([line for line in cut if line not in WORDY], [])
+        wordy = WORDY if sight.number == 7 else []
+        self.assertEqual([line for line in cut if line != WORDY_AT_SOME], wordy)
 
     def look_at_skipped_pairing(self) -> None:
         """Both fields are grey and out of the way of the keyboard."""

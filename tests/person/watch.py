@@ -38,13 +38,17 @@ class Watch:
         self.switch_off()
 
     def switch_off(self) -> None:
-        """Ends wireless debugging and everything that goes on with it."""
+        """Ends wireless debugging and everything that goes on with it. One that is off already stays so."""
+        if self._process.returncode is not None:
+            return
+        assert self._process.poll() is None, f"the watch ended with {self._process.returncode}: {self.events}"
         self._process.terminate()
         try:
             self._process.wait(10)
         except subprocess.TimeoutExpired:
             self._process.kill()
             self._process.wait()
+            raise AssertionError(f"the watch could not be switched off: {self.events}") from None
 
     @property
     def events(self) -> list[str]:
