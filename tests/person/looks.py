@@ -69,7 +69,7 @@ def _measure(eyes: Eyes, window: Window, font: str, text: str = "") -> Measure:
 
 
 def _cut_texts(eyes: Eyes, windows: Iterable[Window], font: str) -> list[str]:
-    """All that have no room for what they say, or may come to say; and every one that seems to have room without end."""
+    """All that have no room for what they say, or may come to say; and all that seem to have room without end."""
     findings = []
     for window, text in [pair for window in windows for pair in _texts(window)]:
         findings += cut_text(eyes, window, font, text)

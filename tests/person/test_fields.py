@@ -12,7 +12,7 @@ from steps import step
 
 class FieldsTest(InstallationTest):
     def expect_all(self, control: int, text: str) -> None:
-        """The field holds that when all input so far has arrived, which the next key shows. It takes the last character."""
+        """The field holds that when all input so far has arrived. The next key shows it, and takes the last character."""
         self.person.expect(control, text)
         self.person.press("BackSpace")
         self.person.expect(control, text[:-1])

@@ -1,4 +1,4 @@
-"""Many starts, one after the other and all at once: one wizard, nothing left, one handle lost to each command of adb."""
+"""Many starts, one after the other and all at once: one wizard, nothing left, one handle lost to each adb command."""
 
 import unittest
 from collections import Counter
@@ -51,7 +51,7 @@ class AtOnce(ProcessTest):
 
 
 class Handles(ProcessTest):
-    """Each adb command keeps the end of a pipe open. Of all kinds together there is now and then one more for a moment."""
+    """Each adb command keeps the end of a pipe open. Of all handles together there is now and then one more."""
 
     def test_without_a_command_there_is_no_pipe(self) -> None:
         start = self.start_wizard()
