@@ -636,6 +636,7 @@ protected:
             image.m_nId = reader.Take<WORD>();
             images.push_back(image);
         }
+        EXPECT_FALSE(images.empty());
         return images;
     }
 };
@@ -894,6 +895,7 @@ protected:
             EXPECT_TRUE(mz_zip_reader_file_stat(&m_zip, i, &member));
             members.push_back(member);
         }
+        EXPECT_FALSE(members.empty());
         return members;
     }
 
