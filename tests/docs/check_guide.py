@@ -28,6 +28,13 @@ UNSEEN = {
     "…", "……", "… …", "….….…", "… failed with error …: …", "… failed with error 0x…: …", "Unknown Method",
 }  # fmt: skip
 
+# Texts of which one part is a literal of its own, and what it may be.
+ASSEMBLED = {
+    "An unexpected error has occurred when …: … … (…)": ("connecting to the device", "installing the APK"),
+    "… … (… of …)": ("Pinging", "Connecting to"),
+}
+PARTS = {part for parts in ASSEMBLED.values() for part in parts}
+
 # So much of a text that it cannot be another's by chance.
 SHORTEST_BEGINNING = 10
 
@@ -73,6 +80,13 @@ def begins(text: str, quote: str) -> bool:
     return text == quote or (len(quote) >= SHORTEST_BEGINNING and text.startswith(quote))
 
 
+def whole(shown: str) -> list[str]:
+    """What users see of a literal; nothing of one that is a part of others."""
+    if shown in ASSEMBLED:
+        return [shown.replace(guide.VARIES, part, 1) for part in ASSEMBLED[shown]]
+    return [] if shown in PARTS else [shown]
+
+
 def known_quotes() -> set[str]:
     """All that the tables of boxes and status lines quote, whole and in the parts between what varies."""
     quotes = {quote for row in guide.boxes() for cell in row for quote in cell}
@@ -82,17 +96,19 @@ def known_quotes() -> set[str]:
 
 def faults_of_sources() -> list[str]:
     known = known_quotes()
-    faults, seen = [], [0, 0]
+    faults, seen, literal = [], [0, 0], set()
     for source in sorted(file for folder in FOLDERS for file in (places.CHECKOUT / folder).rglob("*.[ch]*")):
         name = source.relative_to(places.CHECKOUT)
         texts, pairs = literals(source.read_text(encoding="utf-8"))
         seen = [seen[0] + len(texts), seen[1] + len(pairs)]
-        for shown in texts:
+        literal.update(texts)
+        for shown in (text for text_or_part in texts for text in whole(text_or_part)):
             if shown not in UNSEEN and not any(begins(shown, quote) for quote in known):
                 faults.append(f"{name}: nothing explains '{shown}'")
         for shown, caption in pairs:
             if not any(caption in captions and any(begins(shown, quote) for quote in quotes) for quotes, captions in guide.boxes()):
                 faults.append(f"{name}: no row has '{shown}' with the caption '{caption}'")
+    faults += [f"no source has '{part}'" for part in sorted({*ASSEMBLED, *PARTS} - literal)]
     return faults + ["no texts, or no boxes with their captions, were found in the sources"] * (not all(seen))
 
 

@@ -6,6 +6,7 @@ from collections.abc import Callable, Iterable, Iterator
 from contextlib import contextmanager
 from typing import Protocol
 
+import hands
 import pictures
 from eyes import Eyes, View, Window
 
@@ -21,6 +22,7 @@ def describe_front(view: View) -> str:
         (
             f"in front: {_name(by_handle.get(view.foreground), view.foreground)}",
             f"with the keyboard: {_name(by_handle.get(view.focus), view.focus)}",
+            f"where the screen sends keys: {hands.keys_go_to()}",
             *(f"on the screen: {_name(window, 0)}" for window in view.windows),
         )
     )

@@ -36,6 +36,13 @@ def click(x: int, y: int, times: int = 1) -> None:
     _last_click = (x, y, time.monotonic())
 
 
+def keys_go_to() -> str:
+    """The window of the screen that gets the keys, whatever Windows has in front: its number and its name."""
+    asked = subprocess.run(["xdotool", "getwindowfocus", "-f", "getwindowname", "%@"], capture_output=True, text=True, timeout=30)
+    number = subprocess.run(["xdotool", "getwindowfocus", "-f"], capture_output=True, text=True, timeout=30)
+    return f"{number.stdout.strip() or number.stderr.strip()} {asked.stdout.strip()}"
+
+
 def drag(x: int, y: int, to_x: int, to_y: int) -> None:
     """Takes hold of what is there and lets it go elsewhere."""
     _act("mousemove", str(x), str(y), "mousedown", "1", "mousemove", str(to_x), str(to_y), "mouseup", "1")

@@ -4,7 +4,7 @@ import subprocess
 
 from eyes import View, Window
 from person import Person
-from waiting import wait_for
+from waiting import wait_for_value
 
 CLASS = "Notepad"
 
@@ -19,10 +19,10 @@ def copy_to_clipboard(person: Person, text: str) -> None:
     sheet = _sheet(person.rest().view)
     assert sheet, "Notepad went away"
     person.type(text)
-    wait_for("the text in Notepad", lambda: person.eyes.read(sheet) == text)
+    wait_for_value("the text in Notepad", lambda: person.eyes.read(sheet), text)
     person.press("ctrl+a", "ctrl+c", "BackSpace")
     # Emptied, it closes without a question.
-    wait_for("Notepad to be empty", lambda: person.eyes.read(sheet) == "")
+    wait_for_value("the text in Notepad", lambda: person.eyes.read(sheet), "")
     person.press("alt+F4")
     notepad.wait(20)
     person.wait_until("the window before in front again", lambda sight: sight.view.foreground == before)

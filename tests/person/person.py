@@ -8,7 +8,7 @@ import hands
 import pages
 import pictures
 from eyes import Eyes, Window
-from waiting import wait_for
+from waiting import wait_for, wait_for_value
 from wizard import MessageBox, Sight, recognise
 
 # The slowest step of the wizard: an address that stays silent, three times adb, each with its pauses.
@@ -107,7 +107,7 @@ class Person:
 
     def expect(self, control_id: int, content: str | bool) -> None:
         """Until a control of the page holds that."""
-        wait_for(f"{content!r} in control {control_id}", lambda: self.holds(control_id) == content)
+        wait_for_value(f"control {control_id}", lambda: self.holds(control_id), content)
 
     def picture(self, file: Path, window: Window | None = None) -> None:
         """Keeps a picture of a window, by default the wizard's."""

@@ -24,3 +24,18 @@ def wait_for(what: str, look: Callable[[], T], seconds: float = 10.0, every: flo
         if late:
             raise WaitedTooLong(f"waited {seconds:g} s for {what}")
         time.sleep(every)
+
+
+def wait_for_value(what: str, ask: Callable[[], T], wanted: T, seconds: float = 10.0) -> None:
+    """Asks until the answer is the wanted one. The last answer is told when it does not come."""
+    last = None
+
+    def comes() -> bool:
+        nonlocal last
+        last = ask()
+        return last == wanted
+
+    try:
+        wait_for(f"{what} to be {wanted!r}", comes, seconds)
+    except WaitedTooLong as error:
+        raise WaitedTooLong(f"{error}; it was {last!r}") from None
