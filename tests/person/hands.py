@@ -16,6 +16,11 @@ def _act(*arguments: str) -> None:
     subprocess.run(["xdotool", *arguments], check=True, timeout=30, stdout=subprocess.DEVNULL)
 
 
+def send_keys_to(screen_window: int) -> None:
+    """From now on the screen sends keys to that window of its own."""
+    _act("windowfocus", str(screen_window))
+
+
 def press(*keys: str) -> None:
     """Presses keys one after the other: "Return", "space", "shift+Tab"."""
     _act("key", "--delay", str(KEY_DELAY_MS), *keys)

@@ -120,10 +120,20 @@ class Person:
     # Acting
 
     def press(self, *keys: str) -> None:
+        self._face_what_is_in_front()
         hands.press(*keys)
 
     def type(self, text: str) -> None:
+        self._face_what_is_in_front()
         hands.type_text(text)
+
+    def _face_what_is_in_front(self) -> None:
+        """Each program of Windows moves the screen's own focus to its window by itself. When two do so at a time, the
+        last need not be the one that Windows has in front, and keys that reach the other's window are lost."""
+        view = self.eyes.look()
+        for window in view.windows:
+            if window.handle == view.foreground and window.screen_window:
+                hands.send_keys_to(window.screen_window)
 
     def click(self, window: Window, times: int = 1) -> None:
         hands.click(*window.middle, times)

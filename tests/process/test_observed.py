@@ -2,12 +2,16 @@
 
 import contextlib
 import io
+import subprocess
 import unittest
 from dataclasses import dataclass
 
 import bystander
+import hands
+from notepad import notepad
 from processtest import ProcessTest
 from start import Start
+from waiting import wait_for_value
 
 CRASH_OF_ADB = "wine: Unhandled page fault on read access to 0000001F at address 7A19499C (thread 0190), starting debugger..."
 
@@ -47,6 +51,18 @@ class Observed(ProcessTest):
         self.assertRegex(told, 'with the keyboard: Button "&Next"')
         for words in ("a word", "> adb kill-server", "listening"):
             self.assertIn(words, told)
+
+    def test_keys_go_to_what_windows_has_in_front_wherever_the_screen_sends_them(self) -> None:
+        start = self.start_wizard()
+        of_wizard = hands.keys_go_to().split()[0]
+        with notepad(self.person) as sheet:
+            subprocess.run(["xdotool", "windowfocus", of_wizard], check=True, timeout=10)
+            wait_for_value("where keys go", lambda: hands.keys_go_to().split()[0], of_wizard)
+            self.person.type("a")
+            wait_for_value("the text in Notepad", lambda: self.eyes.read(sheet), "a")
+            self.person.press("BackSpace")
+            wait_for_value("the text in Notepad", lambda: self.eyes.read(sheet), "")
+        self.cancel(start)
 
     def test_what_adb_is_asked_and_says_is_kept(self) -> None:
         start = self.start_wizard()
