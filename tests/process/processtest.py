@@ -120,11 +120,12 @@ class ProcessTest(ObservedTest):
         self.person.wait_for_page(1)
 
     def press_escape(self) -> None:
-        """In the wizard, which must have the keyboard."""
+        """In the wizard, which must have the keyboard and goes."""
         sight = self.person.rest()
         assert sight.frame, "there is no wizard"
         self.assertEqual(sight.view.foreground, sight.frame.handle)
         self.person.press("Escape")
+        self.person.wait_until("the wizard to go", lambda now: now.frame is None)
 
     def cancel(self, start: Start) -> None:
         """Leaves the wizard with the Escape key, which must go as it should."""
