@@ -3,12 +3,11 @@
 // console that is not there.
 
 #include <cstdlib>
+#include <exception>
 
 #ifdef __GNUC__
 
 namespace __gnu_cxx { // NOLINT(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
-
-void __verbose_terminate_handler(); // NOLINT(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 
 void __verbose_terminate_handler() // NOLINT(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 {

@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr int kAttempts = 6;
+constexpr int kPings = 6;
 
 bool IsUnreachable(DWORD dwError)
 {
@@ -16,8 +16,8 @@ bool IsUnreachable(DWORD dwError)
 
 ICMP_PROBE_RESULT RunIcmpProbe(CIcmpEcho& icmp, IPAddr destination, CProgress& progress)
 {
-    for (int nAttempt = 1; nAttempt <= kAttempts; ++nAttempt) {
-        progress.OnAttempt(nAttempt, kAttempts);
+    for (int nAttempt = 1; nAttempt <= kPings; ++nAttempt) {
+        progress.OnAttempt(nAttempt, kPings);
         if (icmp.SendEchoRequest(destination) != 0) {
             // A router on the way answers too, when it cannot deliver.
             const ICMP_ECHO_REPLY& reply = icmp.GetReply();

@@ -2,7 +2,7 @@
 
 namespace {
 
-constexpr int kAttempts = 7;
+constexpr int kConnects = 7;
 constexpr DWORD kPauseBeforePoll = 200;
 constexpr INT kPollTimeout = 2000;
 
@@ -10,8 +10,8 @@ constexpr INT kPollTimeout = 2000;
 
 TCP_OUTCOME WaitUntilConnected(const CSocket& socket, CProgress& progress)
 {
-    for (int nAttempt = 1; nAttempt <= kAttempts; ++nAttempt) {
-        progress.OnAttempt(nAttempt, kAttempts);
+    for (int nAttempt = 1; nAttempt <= kConnects; ++nAttempt) {
+        progress.OnAttempt(nAttempt, kConnects);
         Sleep(kPauseBeforePoll);
 
         WSAPOLLFD poll = {};

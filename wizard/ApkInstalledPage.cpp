@@ -2,15 +2,6 @@
 
 #include "res/resource.h"
 
-namespace {
-
-void UpdateWizardButtons(HWND hwndPage)
-{
-    ShowWizardButtons(hwndPage, kBackNextCancel, kBackNextCancel);
-}
-
-} // namespace
-
 INT_PTR CALLBACK CApkInstalledPage::DialogProc(HWND hwndPage, UINT nMessage, WPARAM wParam, LPARAM lParam)
 {
     static constexpr PAGE_HANDLERS kHandlers = {.nBodyId = IDC_APK_INSTALLED_BODY,
@@ -18,4 +9,9 @@ INT_PTR CALLBACK CApkInstalledPage::DialogProc(HWND hwndPage, UINT nMessage, WPA
                                                 .pfnUpdateWizardButtons = UpdateWizardButtons,
                                                 .bHearsAddress = true};
     return PageProc(kHandlers, hwndPage, nMessage, wParam, lParam);
+}
+
+void CApkInstalledPage::UpdateWizardButtons(HWND hwndPage)
+{
+    ShowWizardButtons(hwndPage, kBackNextCancel, kBackNextCancel);
 }

@@ -7,4 +7,7 @@ class CApkInstalledPage
 {
 public:
     static INT_PTR CALLBACK DialogProc(HWND hwndPage, UINT nMessage, WPARAM wParam, LPARAM lParam);
+
+private:
+    static void UpdateWizardButtons(HWND hwndPage);
 };

@@ -7,4 +7,8 @@ class CWelcomePage
 {
 public:
     static INT_PTR CALLBACK DialogProc(HWND hwndPage, UINT nMessage, WPARAM wParam, LPARAM lParam);
+
+private:
+    static BOOL OnInitDialog(HWND hwndPage);
+    static void UpdateWizardButtons(HWND hwndPage);
 };
