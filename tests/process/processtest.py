@@ -3,6 +3,8 @@
 import zipfile
 from collections.abc import Collection
 
+import guide
+import looks
 import pages
 import places
 import program
@@ -133,10 +135,12 @@ class ProcessTest(ObservedTest):
         self.expect_end(start, 0, *CANCELLED)
 
     def dismiss_box(self, start: Start, caption: str, text: str) -> None:
-        """Waits for a box, which has these words and no owner, and presses Enter."""
+        """Waits for a box, which has these words, all to be read, and no owner, and presses Enter."""
         box = self.wait_for_box(start)
         self.assertEqual((box.caption, box.message, box.buttons), (caption, text, ("OK",)))
         self.assertEqual(box.window.owner, 0)
+        self.assertTrue(guide.explains(box), f"the guide does not explain {box}")
+        self.assertEqual(looks.look_at_box(self.eyes, box), [])
         self.person.dismiss(box)
 
     def wait_for_box(self, start: Start) -> MessageBox:

@@ -59,20 +59,12 @@ def running(checkout: Path, build: Path, host_build: Path) -> Running:
 
 
 def calls_of(test: dict) -> Iterator[Call]:
-    """The scripts of tests in a command; a comma ends the arguments of one, as tests/process/side_by_side.py has it."""
+    """The script of tests in a command, with what follows it."""
+    words = test.get("command", [])
     environment = tuple(property_of(test, "ENVIRONMENT", []))
-    folder = Path()
-    words = list(test.get("command", []))
-    while words:
-        word = words.pop(0)
-        if not word.endswith(".py"):
-            continue
-        path = folder / word
-        folder = path.parent
-        if path.name.startswith("test_"):
-            arguments = words[: words.index(",")] if "," in words else words
-            yield Call(path.resolve(), tuple(arguments), environment)
-            words = words[len(arguments) :]
+    for number, word in enumerate(words):
+        if Path(word).name.startswith("test_") and word.endswith(".py"):
+            yield Call(Path(word).resolve(), tuple(words[number + 1 :]), environment)
 
 
 def ask(call: Call) -> dict:
