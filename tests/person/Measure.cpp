@@ -2,6 +2,7 @@
 
 #include "frame/FrameFonts.h"
 #include "frame/Owned.h"
+#include "person/Reading.h"
 
 #include <commctrl.h>
 
@@ -23,13 +24,6 @@ struct DRAWING
     RECT room; // in coordinates of the control's client area
     UINT nFormat;
 };
-
-bool IsClass(HWND hwnd, PCWSTR szClass)
-{
-    wchar_t szOwn[64];
-    const int nLength = GetClassNameW(hwnd, szOwn, ARRAYSIZE(szOwn));
-    return CompareStringOrdinal(szOwn, nLength, szClass, -1, TRUE) == CSTR_EQUAL;
-}
 
 CFontHandle TemplateFont()
 {

@@ -10,7 +10,9 @@
 //                  when nothing is cut; with TEXT, as if the control said that. See person/Measure.h.
 // The end of the input ends it.
 #include "kit/Request.h"
+#include "person/Json.h"
 #include "person/Measure.h"
+#include "person/Reading.h"
 
 #include <windows.h>
 
@@ -25,37 +27,6 @@
 #include <utility>
 
 namespace {
-
-// Longer than any text of a window that is looked at; what is longer is cut.
-constexpr int nTextCapacity = 8192;
-
-// A program that does not answer for so long is busy. Short, because the person waits meanwhile.
-constexpr UINT nPatienceMs = 500;
-
-std::string ToUtf8(std::wstring_view text)
-{
-    const int nLength = static_cast<int>(text.size());
-    std::string utf8(static_cast<size_t>(nLength) * 3, '\0');
-    utf8.resize(static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, text.data(), nLength, utf8.data(),
-                                                        static_cast<int>(utf8.size()), nullptr, nullptr)));
-    return utf8;
-}
-
-std::string Quoted(std::wstring_view text)
-{
-    std::string quoted = "\"";
-    for (const char c : ToUtf8(text)) {
-        if (c == '"' || c == '\\') {
-            quoted += '\\';
-            quoted += c;
-        } else if (static_cast<unsigned char>(c) < 0x20) {
-            quoted += std::format("\\u{:04x}", static_cast<unsigned>(c));
-        } else {
-            quoted += c;
-        }
-    }
-    return quoted + '"';
-}
 
 // The window of the display server that shows it; zero for a control, which has none.
 unsigned long ScreenWindow(HWND hwnd)
@@ -72,21 +43,6 @@ unsigned long Number(HWND hwnd)
 const char* Truth(bool b)
 {
     return b ? "true" : "false";
-}
-
-std::wstring ClassOf(HWND hwnd)
-{
-    wchar_t szClass[256];
-    const int nLength = GetClassNameW(hwnd, szClass, ARRAYSIZE(szClass));
-    return {szClass, static_cast<size_t>(nLength)};
-}
-
-// The text that the system keeps for the window. GetWindowText would send a message instead.
-std::wstring TitleOf(HWND hwnd)
-{
-    std::wstring title(nTextCapacity, L'\0');
-    title.resize(static_cast<size_t>(InternalGetWindowText(hwnd, title.data(), nTextCapacity)));
-    return title;
 }
 
 std::string Describe(HWND hwnd)
@@ -138,39 +94,18 @@ std::string Look()
                        Number(thread.hwndFocus), Number(thread.hwndCaret), windows);
 }
 
-bool Ask(HWND hwnd, UINT nMessage, WPARAM wParam, LPARAM lParam, DWORD_PTR* pnAnswer)
-{
-    return SendMessageTimeoutW(hwnd, nMessage, wParam, lParam, SMTO_ABORTIFHUNG | SMTO_BLOCK, nPatienceMs, pnAnswer) !=
-           0;
-}
-
-std::string ReadText(HWND hwnd)
-{
-    std::wstring text(nTextCapacity, L'\0');
-    DWORD_PTR nLength = 0;
-    if (!Ask(hwnd, WM_GETTEXT, nTextCapacity, reinterpret_cast<LPARAM>(text.data()), &nLength)) {
-        return "null";
-    }
-    text.resize(nLength);
-    return Quoted(text);
-}
-
-bool IsClass(HWND hwnd, PCWSTR szClass)
-{
-    return CompareStringOrdinal(ClassOf(hwnd).c_str(), -1, szClass, -1, TRUE) == CSTR_EQUAL;
-}
-
 std::string ReadState(HWND hwnd)
 {
-    DWORD_PTR nState = 0;
-    return Ask(hwnd, BM_GETCHECK, 0, 0, &nState) ? Truth(nState == BST_CHECKED) : "null";
+    const std::optional<DWORD_PTR> nState = Ask(hwnd, BM_GETCHECK, 0, 0);
+    return nState ? Truth(*nState == BST_CHECKED) : "null";
 }
 
 // Only of these controls Look does not tell all.
 std::string Read(HWND hwnd)
 {
     if (IsClass(hwnd, WC_EDITW) || IsClass(hwnd, WC_COMBOBOXW)) {
-        return std::format(R"({{"holds":{}}})", ReadText(hwnd));
+        const std::optional<std::wstring> text = ReadText(hwnd);
+        return std::format(R"({{"holds":{}}})", text ? Quoted(*text) : "null");
     }
     if (IsClass(hwnd, WC_BUTTONW)) {
         return std::format(R"({{"holds":{}}})", ReadState(hwnd));

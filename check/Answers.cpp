@@ -1,0 +1,83 @@
+#include "check/Answers.h"
+
+#include "check/Picture.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+RESULT& CAnswers::Row(const std::wstring& szId)
+{
+    if (std::ranges::find(AllClaims(), szId, &CLAIM::szId) == AllClaims().end()) {
+        MessageBoxW(nullptr, szId.c_str(), L"There is no such claim", MB_OK);
+        std::abort();
+    }
+    return m_results[szId];
+}
+
+void CAnswers::Tell(const std::wstring& szId, bool bHolds, const std::wstring& szExpected, const std::wstring& szSeen,
+                    HWND hwndPictured)
+{
+    RESULT& row = Row(szId);
+    if (m_excluded.contains(szId) || row.nAnswer == ANSWER::kDoesNotHold) {
+        return;
+    }
+    row = {bHolds ? ANSWER::kHolds : ANSWER::kDoesNotHold, szExpected, szSeen, {}, {}};
+    if (!bHolds && hwndPictured != nullptr) {
+        row.szPicture = szId;
+        AddPicture(szId, hwndPictured);
+    }
+}
+
+void CAnswers::Expect(const std::wstring& szId, const std::wstring& szExpected, const std::wstring& szSeen,
+                      HWND hwndPictured)
+{
+    Tell(szId, szExpected == szSeen, szExpected, szSeen, hwndPictured);
+}
+
+void CAnswers::NotTried(const std::wstring& szId, const std::wstring& szWhy)
+{
+    RESULT& row = Row(szId);
+    if (row.nAnswer == ANSWER::kNone) {
+        row.nAnswer = ANSWER::kNotTried;
+        row.szWhy = szWhy;
+    }
+}
+
+void CAnswers::GroupNotTried(const std::wstring& szGroup, const std::wstring& szWhy)
+{
+    for (const CLAIM& claim : AllClaims()) {
+        if (GroupOf(claim.szId) == szGroup) {
+            NotTried(claim.szId, szWhy);
+        }
+    }
+}
+
+bool CAnswers::Exclude(const std::wstring& szId, const std::wstring& szWhy)
+{
+    if (std::ranges::find(AllClaims(), szId, &CLAIM::szId) == AllClaims().end()) {
+        return false;
+    }
+    m_excluded[szId] = szWhy;
+    NotTried(szId, szWhy);
+    return true;
+}
+
+void CAnswers::AddPicture(const std::wstring& szName, HWND hwnd)
+{
+    if (std::string png = TakePicture(hwnd); !png.empty()) {
+        m_pictures.push_back({szName, std::move(png)});
+    }
+}
+
+const RESULT& CAnswers::Of(const std::wstring& szId) const
+{
+    static const RESULT s_none;
+    const auto found = m_results.find(szId);
+    return found == m_results.end() ? s_none : found->second;
+}
+
+size_t CAnswers::Count(ANSWER nAnswer) const
+{
+    return static_cast<size_t>(
+        std::ranges::count_if(AllClaims(), [&](const CLAIM& claim) { return Of(claim.szId).nAnswer == nAnswer; }));
+}

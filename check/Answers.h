@@ -1,0 +1,82 @@
+// What came of each claim.
+#pragma once
+
+#include "check/Claims.h"
+
+#include <windows.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+enum class ANSWER
+{
+    kNone,
+    kHolds,
+    kDoesNotHold,
+    kNotTried
+};
+
+struct RESULT
+{
+    ANSWER nAnswer = ANSWER::kNone;
+    std::wstring szExpected;
+    std::wstring szSeen;
+    std::wstring szWhy;     // not tried: the reason
+    std::wstring szPicture; // the name of one, empty for none
+};
+
+// A case of a program of unit tests.
+struct UNIT_CASE
+{
+    std::wstring szProgram;
+    std::wstring szName;
+    bool bPassed;
+};
+
+struct PICTURE
+{
+    std::wstring szName;
+    std::string png; // base 64
+};
+
+class CAnswers
+{
+public:
+    // A claim may be looked at several times: it holds when it holds each time, and the first time that it does not is
+    // told. An id that is not in the table ends the process: it is a slip in this program.
+    void Tell(const std::wstring& szId, bool bHolds, const std::wstring& szExpected, const std::wstring& szSeen,
+              HWND hwndPictured = nullptr);
+
+    // Holds when both are the same.
+    void Expect(const std::wstring& szId, const std::wstring& szExpected, const std::wstring& szSeen,
+                HWND hwndPictured = nullptr);
+
+    // Keeps an answer that is there already.
+    void NotTried(const std::wstring& szId, const std::wstring& szWhy);
+
+    // The same for all claims of a group that have no answer yet.
+    void GroupNotTried(const std::wstring& szGroup, const std::wstring& szWhy);
+
+    // Whatever is seen: the claim stays not tried, for that reason. False for an id that is not in the table.
+    bool Exclude(const std::wstring& szId, const std::wstring& szWhy);
+
+    void AddPicture(const std::wstring& szName, HWND hwnd);
+
+    const RESULT& Of(const std::wstring& szId) const;
+    size_t Count(ANSWER nAnswer) const;
+    const std::vector<PICTURE>& Pictures() const
+    {
+        return m_pictures;
+    }
+
+    std::vector<UNIT_CASE> m_cases;
+    std::vector<std::wstring> m_notes; // what else may help to understand the report, a paragraph each
+
+private:
+    RESULT& Row(const std::wstring& szId);
+
+    std::map<std::wstring, RESULT> m_results;
+    std::map<std::wstring, std::wstring> m_excluded;
+    std::vector<PICTURE> m_pictures;
+};

@@ -1,0 +1,123 @@
+#include "check/Busy.h"
+
+#include "check/Picture.h"
+#include "check/Stopping.h"
+#include "person/Reading.h"
+
+#include <algorithm>
+#include <set>
+
+namespace {
+
+// What the system shows in the place of a window that does not answer.
+constexpr PCWSTR kGhostClass = L"Ghost";
+
+// Nothing is painted at the very moment that it is said.
+constexpr DWORD kUntilPainted = 60;
+
+bool IsGhosted()
+{
+    const HWND hwnd = FindWindowW(kGhostClass, nullptr);
+    return hwnd != nullptr && IsWindowVisible(hwnd) && TitleOf(hwnd).starts_with(kTitle);
+}
+
+// The status line is all that may still change when the wizard listens again.
+bool Listens(const SIGHT& sight)
+{
+    return sight.frame.window.hwnd != nullptr && Ask(sight.frame.window.hwnd, WM_NULL, 0, 0).has_value();
+}
+
+void NoteLine(WORK& work, const CWalk& walk, const SIGHT& sight, ULONGLONG nStart)
+{
+    const std::wstring szStatus = sight.Status();
+    if (szStatus.empty() || (!work.lines.empty() && work.lines.back().szText == szStatus)) {
+        return;
+    }
+    const ULONGLONG nSaid = GetTickCount64() - nStart;
+    Pause(kUntilPainted);
+    const PART* const pStatus = sight.Control(sight.pPage->nStatusId);
+    const SIGHT now = walk.Look();
+    // One that has changed meanwhile was not seen long enough to say anything about its letters.
+    const bool bStill = now.Status() == szStatus && now.boxes.empty();
+    work.lines.push_back({szStatus, nSaid, bStill ? ScreenPixels(pStatus->rect) : std::string()});
+}
+
+} // namespace
+
+std::wstring WORK::Counts() const
+{
+    std::wstring szCounts;
+    for (const STATUS_LINE& line : lines) {
+        const size_t nOf = line.szText.find(L" of ");
+        if (nOf != std::wstring::npos && nOf > 0 && nOf + 4 < line.szText.size()) {
+            szCounts += (szCounts.empty() ? L"" : L", ") + line.szText.substr(nOf - 1, 6);
+        }
+    }
+    return szCounts;
+}
+
+std::wstring WORK::Texts() const
+{
+    std::wstring szTexts;
+    for (const STATUS_LINE& line : lines) {
+        szTexts += (szTexts.empty() ? L"" : L" | ") + line.szText;
+    }
+    return szTexts;
+}
+
+bool WORK::WerePainted() const
+{
+    std::set<std::string> different;
+    std::set<std::wstring> texts;
+    for (const STATUS_LINE& line : lines) {
+        if (!line.pixels.empty()) {
+            different.insert(line.pixels);
+            texts.insert(line.szText);
+        }
+    }
+    return texts.size() > 1 && different.size() == texts.size();
+}
+
+bool WORK::SaysSomewhere(const std::wstring& szText) const
+{
+    return std::ranges::any_of(lines, [&](const STATUS_LINE& line) { return line.szText == szText; });
+}
+
+WORK PressNextAndWatch(const CWalk& walk, DWORD dwMilliseconds)
+{
+    WORK work = {};
+    const int nPage = walk.Look().Number();
+    if ((walk.Look().Buttons() & kNext) == 0) {
+        throw CLost{L"page " + std::to_wstring(nPage) + L" has no Next"};
+    }
+    const std::wstring szBefore = walk.Look().Status();
+    const ULONGLONG nStart = GetTickCount64();
+    walk.ClickControl(kNextId);
+    const bool bOver = WaitFor(dwMilliseconds, [&] {
+        const SIGHT sight = walk.Look();
+        work.bGhost = work.bGhost || IsGhosted();
+        if (!sight.boxes.empty()) {
+            const TREE box = walk.WaitForBox();
+            work.boxes.push_back(box.window.szText + L": " + MessageOf(box));
+            walk.Check().answers.AddPicture(box.window.szText, box.window.hwnd);
+            walk.Dismiss(box);
+            return false;
+        }
+        if (sight.Number() == 0 || sight.Number() != nPage) {
+            return sight.Number() != 0;
+        }
+        NoteLine(work, walk, sight, nStart);
+        return GetTickCount64() - nStart > 1000 && Listens(sight) && walk.Look().boxes.empty() &&
+               (!work.boxes.empty() || sight.Status() != szBefore);
+    });
+    if (!bOver) {
+        throw CLost{L"page " + std::to_wstring(nPage) + L" works without an end"};
+    }
+    work.nMilliseconds = GetTickCount64() - nStart;
+    const SIGHT sight = walk.Rest();
+    work.nPage = sight.Number();
+    if (work.nPage == nPage) {
+        NoteLine(work, walk, sight, nStart);
+    }
+    return work;
+}

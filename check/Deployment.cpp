@@ -1,0 +1,104 @@
+// The tools on the disk: written, removed, found in the way.
+#include "check/Installer.h"
+#include "check/Stopping.h"
+#include "check/Walk.h"
+#include "person/Reading.h"
+
+#include <commctrl.h>
+
+#include <format>
+#include <functional>
+
+namespace {
+
+constexpr PCWSTR kTools =
+    L"platform-tools, platform-tools/AdbWinApi.dll, platform-tools/AdbWinUsbApi.dll, platform-tools/adb.exe, "
+    L"platform-tools_kalvo.zip";
+constexpr WORD kArchiveId = 223;
+
+// In the program's resources.
+std::string EmbeddedArchive(const CPath& program)
+{
+    const HMODULE hProgram = LoadLibraryExW(program.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+    const HRSRC hResource = FindResourceW(hProgram, MAKEINTRESOURCEW(kArchiveId), RT_RCDATA);
+    const HGLOBAL hData = hResource != nullptr ? LoadResource(hProgram, hResource) : nullptr;
+    std::string bytes;
+    if (hData != nullptr) {
+        bytes.assign(static_cast<const char*>(LockResource(hData)), SizeofResource(hProgram, hResource));
+    }
+    FreeLibrary(hProgram);
+    return bytes;
+}
+
+void LookAtTools(CAnswers& answers, const CPath& program)
+{
+    answers.Expect(L"deploy.files", kTools, ListOf(ToolsFolder()));
+    const std::string archive = EmbeddedArchive(program);
+    const bool bSame = !archive.empty() && ReadBytes(ToolsFolder() / L"platform-tools_kalvo.zip") == archive;
+    answers.Tell(L"deploy.archive", bSame, std::format(L"the {} bytes in the program", archive.size()),
+                 bSame ? L"just those" : L"others");
+    std::wstring szSizes;
+    for (const PCWSTR pszName : {L"adb.exe", L"AdbWinApi.dll", L"AdbWinUsbApi.dll"}) {
+        szSizes += std::format(L"{} ", ReadBytes(ToolsFolder() / L"platform-tools" / pszName).size());
+    }
+    answers.Expect(L"deploy.sizes", L"5905920 97792 62976 ", szSizes);
+}
+
+void ExpectEnd(CWalk& walk, PCWSTR pszClaim)
+{
+    CAnswers& answers = walk.Check().answers;
+    const std::optional<DWORD> dwCode = walk.Program().WaitForEnd();
+    answers.Tell(pszClaim, dwCode == DWORD{0} && NamesIn(ToolsFolder()).empty(), L"nothing left and exit code 0",
+                 std::format(L"{} left, {}", ListOf(ToolsFolder()),
+                             dwCode ? std::format(L"exit code {}", static_cast<int>(*dwCode)) : L"it goes on running"));
+    answers.Expect(L"end.cancel", L"0", dwCode ? std::to_wstring(*dwCode) : L"it goes on running");
+}
+
+// The user, or another program, has called the log-off off.
+void CallLogOffOff(CWalk& walk)
+{
+    const HWND hwnd = walk.Look().frame.window.hwnd;
+    const bool bAgrees = Ask(hwnd, WM_QUERYENDSESSION, 0, static_cast<LPARAM>(ENDSESSION_LOGOFF)).value_or(0) != 0;
+    Ask(hwnd, WM_ENDSESSION, FALSE, static_cast<LPARAM>(ENDSESSION_LOGOFF));
+    Pause(300);
+    walk.Check().answers.Tell(L"deploy.log-off", walk.Look().Number() == 1 && ListOf(ToolsFolder()) == kTools,
+                              L"page 1 and all tools",
+                              std::format(L"page {}, {}; it {} to the log-off", walk.Look().Number(),
+                                          ListOf(ToolsFolder()), bAgrees ? L"agreed" : L"did not agree"));
+}
+
+// What a run leaves that was killed, and what another build of it left.
+void LeaveBehind(CHECK& check)
+{
+    CWalk walk(check);
+    walk.Program().Kill();
+    check.answers.Expect(L"deploy.killed", kTools, ListOf(ToolsFolder()));
+    WriteBytes(ToolsFolder() / L"platform-tools_other.zip", "left over");
+    WriteBytes(ToolsFolder() / L"platform-tools" / L"more.txt", "left over");
+    WriteBytes(AdbPath().parent_path() / L"AdbWinApi.dll", "left over");
+}
+
+} // namespace
+
+void CheckDeployment(CHECK& check)
+{
+    {
+        CWalk walk(check);
+        LookAtTools(check.answers, check.program);
+        CallLogOffOff(walk);
+        walk.Press(VK_ESCAPE);
+        ExpectEnd(walk, L"deploy.gone-escape");
+    }
+    LeaveBehind(check);
+    {
+        CWalk walk(check);
+        const bool bNew = ReadBytes(AdbPath().parent_path() / L"AdbWinApi.dll").size() == 97792;
+        check.answers.Tell(L"deploy.left-over", bNew && ListOf(ToolsFolder()) == kTools, kTools,
+                           ListOf(ToolsFolder()) + (bNew ? L"" : L", one of them the old one"));
+        walk.ClickControl(IDCANCEL);
+        ExpectEnd(walk, L"deploy.gone-cancel");
+    }
+    CWalk walk(check);
+    walk.Press(VK_F4, VK_MENU);
+    ExpectEnd(walk, L"deploy.gone-close");
+}

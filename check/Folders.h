@@ -1,0 +1,48 @@
+// The folders that the check and the installer work in.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+using CPath = std::filesystem::path;
+
+// Where this program lies.
+CPath OwnFolder();
+// Beside it: the installer, the unit tests and what they need.
+CPath PartsFolder();
+// Where the installer keeps its tools while it runs.
+CPath ToolsFolder();
+CPath AdbPath();
+
+// A folder for copies, which has nobody's name in its path, as pictures show it. It is made empty and goes with the
+// scope, like the folder of the installer's tools where that was not there before. Meanwhile adb keeps its key and its
+// log there too.
+class CWorkFolder
+{
+public:
+    CWorkFolder(); // throws CLost
+    ~CWorkFolder();
+    CWorkFolder(const CWorkFolder&) = delete;
+    CWorkFolder& operator=(const CWorkFolder&) = delete;
+
+    const CPath& Path() const
+    {
+        return m_path;
+    }
+    // Removes it with all in it, and says whether that worked.
+    bool Remove();
+
+private:
+    CPath m_path;
+    bool m_bToolsFolderWasThere;
+};
+
+// Empty when it cannot be read.
+std::string ReadBytes(const CPath& file);
+bool WriteBytes(const CPath& file, const std::string& bytes);
+
+// The names of all in a folder and its folders, sorted; nothing for a folder that is not there.
+std::vector<std::wstring> NamesIn(const CPath& folder);
+// The same in one line.
+std::wstring ListOf(const CPath& folder);

@@ -1,0 +1,229 @@
+// Libraries that somebody has put beside the program. Each of them leaves a file when it is loaded.
+#include "check/Hands.h"
+#include "check/Listener.h"
+#include "check/Redirect.h"
+#include "check/Stopping.h"
+#include "check/Walk.h"
+#include "launcher/RemoteLibrary.h"
+
+#include <algorithm>
+#include <format>
+#include <set>
+
+namespace {
+
+// What the compiler would link if it were not told otherwise, and what parts of the system are known to load by name.
+constexpr PCWSTR kOthers[] = {
+    L"libgcc_s_seh-1.dll",
+    L"libstdc++-6.dll",
+    L"libwinpthread-1.dll",
+    L"apphelp.dll",
+    L"bcrypt.dll",
+    L"cfgmgr32.dll",
+    L"clbcatq.dll",
+    L"coremessaging.dll",
+    L"cryptbase.dll",
+    L"cryptsp.dll",
+    L"d2d1.dll",
+    L"dataexchange.dll",
+    L"dcomp.dll",
+    L"dui70.dll",
+    L"duser.dll",
+    L"dwmapi.dll",
+    L"dwrite.dll",
+    L"edputil.dll",
+    L"explorerframe.dll",
+    L"gdiplus.dll",
+    L"iertutil.dll",
+    L"imm32.dll",
+    L"kernel.appcore.dll",
+    L"linkinfo.dll",
+    L"mpr.dll",
+    L"msctf.dll",
+    L"msimg32.dll",
+    L"mswsock.dll",
+    L"netapi32.dll",
+    L"netutils.dll",
+    L"ntmarta.dll",
+    L"ntshrui.dll",
+    L"oleacc.dll",
+    L"policymanager.dll",
+    L"powrprof.dll",
+    L"profapi.dll",
+    L"propsys.dll",
+    L"rsaenh.dll",
+    L"secur32.dll",
+    L"shcore.dll",
+    L"srvcli.dll",
+    L"sspicli.dll",
+    L"structuredquery.dll",
+    L"textinputframework.dll",
+    L"textshaping.dll",
+    L"thumbcache.dll",
+    L"twinapi.appcore.dll",
+    L"urlmon.dll",
+    L"userenv.dll",
+    L"usp10.dll",
+    L"uxtheme.dll",
+    L"version.dll",
+    L"windows.storage.dll",
+    L"windowscodecs.dll",
+    L"winmm.dll",
+    L"winnsi.dll",
+    L"wintypes.dll",
+    L"wldp.dll",
+    L"wtsapi32.dll",
+};
+
+// No part of the system has a library of this name.
+constexpr PCWSTR kAskedFor = L"asked-for.dll";
+
+// Those of them that were seen to be loaded by their names, not linked by libraries that a program needs to start.
+constexpr PCWSTR kLoadedByName[] = {L"cryptbase.dll", L"profapi.dll",       L"propsys.dll", L"textshaping.dll",
+                                    L"wldp.dll",      L"windowscodecs.dll", L"winmm.dll"};
+
+// A folder with a copy of the program, a package and planted libraries.
+class CPlanted
+{
+public:
+    CPlanted(CHECK& check, PCWSTR pszFolder) : m_folder(check.work.Path() / pszFolder)
+    {
+        create_directories(m_folder);
+        copy_file(check.program, Program(), std::filesystem::copy_options::overwrite_existing);
+        WriteBytes(m_folder / L"Check.apk", "no package");
+        Plant(kAskedFor);
+    }
+
+    CPath Program() const
+    {
+        return m_folder / L"KalvoApkInstaller.exe";
+    }
+
+    void Plant(const CPath& name) const
+    {
+        static const std::string s_bytes = ReadBytes(PartsFolder() / L"planted.dll");
+        if (s_bytes.empty() || !WriteBytes(m_folder / name, s_bytes)) {
+            throw CLost{L"no library can be planted"};
+        }
+    }
+
+    // Those that were loaded, in one line; their traces go with this look.
+    std::wstring Loaded() const
+    {
+        std::wstring szLoaded;
+        for (const std::wstring& szName : NamesIn(m_folder)) {
+            if (szName.ends_with(L".loaded")) {
+                szLoaded += (szLoaded.empty() ? L"" : L" ") + szName.substr(0, szName.size() - 7);
+                remove(m_folder / szName);
+            }
+        }
+        return szLoaded.empty() ? L"none" : szLoaded;
+    }
+
+private:
+    CPath m_folder;
+};
+
+// On page 7: opens the dialog that asks for a package, and leaves it.
+void OpenFileDialog(const CWalk& walk)
+{
+    walk.ClickControl(IDC_BROWSE);
+    const auto HasDialog = [](const SIGHT& sight) {
+        return std::ranges::any_of(sight.others, [](const TREE& tree) { return tree.window.IsKind(L"#32770"); });
+    };
+    walk.WaitUntil(L"the file dialog", HasDialog, 20000);
+    Pause(1500); // it goes on loading
+    walk.Press(VK_ESCAPE);
+    if (!WaitFor(5000, [&] { return !HasDialog(walk.Look()); })) {
+        throw CLost{L"the file dialog does not go"};
+    }
+}
+
+// Asks the running program for a library by its name.
+bool IsLoadedByName(const CInstaller& program)
+{
+    const CHandle hProcess(OpenProcess(PROCESS_CREATE_THREAD | PROCESS_QUERY_INFORMATION | PROCESS_VM_OPERATION |
+                                           PROCESS_VM_WRITE | PROCESS_VM_READ | SYNCHRONIZE,
+                                       FALSE, program.Process()));
+    if (!hProcess) {
+        throw CLost{L"the running program cannot be asked for a library"};
+    }
+    return LoadRemoteLibrary(hProcess.get(), kAskedFor) == ERROR_SUCCESS;
+}
+
+void Defended(CHECK& check)
+{
+    CAnswers& answers = check.answers;
+    const CPlanted planted(check, L"planted");
+    for (const std::wstring& szName : LinkedLibraries(check.program)) {
+        planted.Plant(szName);
+    }
+    for (const PCWSTR pszName : kOthers) {
+        planted.Plant(pszName);
+    }
+    CWalk walk(check, planted.Program());
+    answers.Expect(L"loader.start", L"none", planted.Loaded());
+    const CListener watch(CListener::kStaysOpen);
+    walk.GoTo(7, watch.Port());
+    answers.Expect(L"loader.pages", L"none", planted.Loaded());
+    OpenFileDialog(walk);
+    answers.Expect(L"loader.dialog", L"none", planted.Loaded());
+    for (int nPage = 8; nPage <= 14; ++nPage) {
+        walk.JumpTo(nPage);
+    }
+    answers.Expect(L"loader.last-pages", L"none", planted.Loaded());
+    const bool bByName = IsLoadedByName(walk.Program());
+    answers.Tell(L"loader.by-name", !bByName, L"not loaded", bByName ? L"loaded" : L"not loaded");
+}
+
+// The defences taken out: the load configuration's flags, and the first call of the program.
+void TakeDefencesOut(const CPath& program)
+{
+    const CPath copy = program.parent_path() / L"Copy.exe";
+    CopyRedirected(program, copy, "SetDefaultDllDirectories", "SetLastError");
+    rename(copy, program);
+    ClearDependentLoadFlags(program);
+}
+
+void UndefendedByName(CHECK& check)
+{
+    const CPlanted planted(check, L"undefended");
+    TakeDefencesOut(planted.Program());
+    CWalk walk(check, planted.Program());
+    const bool bByName = IsLoadedByName(walk.Program());
+    check.answers.Tell(L"loader.undefended-by-name", bByName, L"loaded", bByName ? L"loaded" : L"not loaded");
+}
+
+// A program into which such libraries are loaded need not get far: they can do nothing that is asked of them.
+void UndefendedBySystem(CHECK& check)
+{
+    const CPlanted planted(check, L"undefended-too");
+    TakeDefencesOut(planted.Program());
+    // A program that cannot start with them shall not say so in a box of the system's; it inherits this.
+    const UINT nMode = SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
+    for (const PCWSTR pszName : kLoadedByName) {
+        planted.Plant(pszName);
+    }
+    std::wstring szWhy;
+    try {
+        CWalk walk(check, planted.Program());
+        const CListener watch(CListener::kStaysOpen);
+        walk.GoTo(7, watch.Port());
+        OpenFileDialog(walk);
+    } catch (const CLost& lost) {
+        szWhy = L"; it did not get far: " + lost.szWhy;
+    }
+    SetErrorMode(nMode);
+    const std::wstring szLoaded = planted.Loaded();
+    check.answers.Tell(L"loader.undefended-some", szLoaded != L"none", L"some of them", szLoaded + szWhy);
+}
+
+} // namespace
+
+void CheckLoader(CHECK& check)
+{
+    check.answers.Expect(L"loader.flags", L"0x800", std::format(L"0x{:x}", DependentLoadFlags(check.program)));
+    Defended(check);
+    UndefendedByName(check);
+    UndefendedBySystem(check);
+}

@@ -1,0 +1,69 @@
+#include "check/Private.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cwctype>
+#include <regex>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using REPLACEMENT = std::pair<std::wstring, std::wstring>;
+
+std::wstring Variable(PCWSTR pszName)
+{
+    WCHAR szValue[MAX_PATH] = {};
+    const DWORD cch = GetEnvironmentVariableW(pszName, szValue, MAX_PATH);
+    return cch < MAX_PATH ? szValue : L"";
+}
+
+// The longest first, for the profile's folder is the beginning of others.
+std::vector<REPLACEMENT> Replacements()
+{
+    std::vector<REPLACEMENT> all;
+    for (const PCWSTR pszName : {L"LOCALAPPDATA", L"APPDATA", L"USERPROFILE", L"PUBLIC", L"ProgramData", L"USERNAME",
+                                 L"COMPUTERNAME", L"USERDOMAIN", L"LOGONSERVER"}) {
+        if (std::wstring szValue = Variable(pszName); szValue.size() > 1) {
+            all.emplace_back(std::move(szValue), L"%" + std::wstring(pszName) + L"%");
+        }
+    }
+    std::ranges::stable_sort(all, std::ranges::greater(), [](const REPLACEMENT& item) { return item.first.size(); });
+    return all;
+}
+
+bool IsPartOfWord(wchar_t c)
+{
+    return std::iswalnum(static_cast<wint_t>(c)) != 0 || c == L'_' || c == L'%';
+}
+
+void ReplaceWords(std::wstring& szText, const REPLACEMENT& replacement)
+{
+    const auto& [szOld, szNew] = replacement;
+    for (size_t n = 0; n + szOld.size() <= szText.size(); ++n) {
+        const size_t nEnd = n + szOld.size();
+        if (CompareStringOrdinal(szText.data() + n, static_cast<int>(szOld.size()), szOld.data(),
+                                 static_cast<int>(szOld.size()), TRUE) == CSTR_EQUAL &&
+            (n == 0 || !IsPartOfWord(szText[n - 1])) && (nEnd == szText.size() || !IsPartOfWord(szText[nEnd]))) {
+            szText.replace(n, szOld.size(), szNew);
+            n += szNew.size() - 1;
+        }
+    }
+}
+
+} // namespace
+
+std::wstring WithoutNames(std::wstring_view szText)
+{
+    static const std::vector<REPLACEMENT> s_replacements = Replacements();
+    // Also the beginning of one, as the wizard proposes it.
+    static const std::wregex s_address(LR"(\b(?!127\.0\.0\.(?:1\b)?)\d{1,3}\.\d{1,3}\.\d{1,3}(?:\.\d{0,3})?)");
+    static const std::wregex s_address6(LR"(\b[0-9a-fA-F]{1,4}(?::[0-9a-fA-F]{0,4}){4,7}\b)");
+    std::wstring szClean(szText);
+    for (const REPLACEMENT& replacement : s_replacements) {
+        ReplaceWords(szClean, replacement);
+    }
+    szClean = std::regex_replace(szClean, s_address, L"(an address)");
+    return std::regex_replace(szClean, s_address6, L"(an address)");
+}

@@ -1,0 +1,21 @@
+// What the user sends back.
+#pragma once
+
+#include "check/Answers.h"
+#include "check/Folders.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+struct RUN
+{
+    std::wstring szProgram; // the installer's version
+    std::vector<std::pair<std::wstring, std::wstring>> machine;
+    std::vector<std::wstring> told; // see Surroundings.h
+    bool bCancelled = false;
+    ULONGLONG nSeconds = 0;
+};
+
+// Writes report.json and report.html. False when the folder does not take them.
+bool WriteReport(const CPath& folder, const CAnswers& answers, const RUN& run);

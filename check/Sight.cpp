@@ -1,0 +1,295 @@
+#include "check/Sight.h"
+
+#include "person/Reading.h"
+
+#include <commctrl.h>
+#include <oleacc.h>
+
+#include <algorithm>
+#include <format>
+
+namespace {
+
+constexpr PCWSTR kDialogClass = L"#32770";
+
+PART PartOf(HWND hwnd)
+{
+    const LONG nStyle = GetWindowLongW(hwnd, GWL_STYLE);
+    PART part = {hwnd,
+                 ClassOf(hwnd),
+                 TitleOf(hwnd),
+                 nStyle & WS_CHILD ? GetDlgCtrlID(hwnd) : 0,
+                 {},
+                 nStyle,
+                 IsWindowVisible(hwnd) != FALSE,
+                 IsWindowEnabled(hwnd) != FALSE};
+    GetWindowRect(hwnd, &part.rect);
+    return part;
+}
+
+BOOL CALLBACK AddPart(HWND hwnd, LPARAM lParam)
+{
+    reinterpret_cast<std::vector<PART>*>(lParam)->push_back(PartOf(hwnd));
+    return TRUE;
+}
+
+// A message box holds nothing but words, a picture and buttons.
+bool IsMessageBox(const TREE& tree)
+{
+    return tree.window.IsKind(kDialogClass) && !tree.parts.empty() &&
+           std::ranges::all_of(tree.parts,
+                               [](const PART& part) { return part.IsKind(WC_STATICW) || part.IsKind(WC_BUTTONW); });
+}
+
+const PAGE* PageIn(const TREE& tree)
+{
+    for (const PART& part : tree.parts) {
+        const auto* const pFound = std::ranges::find(kPages, part.nId, &PAGE::nBodyId);
+        if (part.bVisible && part.IsKind(WC_STATICW) && pFound != kPages.end()) {
+            return &*pFound;
+        }
+    }
+    return nullptr;
+}
+
+void Recognise(SIGHT& sight, TREE tree)
+{
+    const PAGE* const pPage = PageIn(tree);
+    if (pPage != nullptr && tree.window.szText == kTitle) {
+        sight.pPage = pPage;
+        const auto body = std::ranges::find(tree.parts, pPage->nBodyId, &PART::nId);
+        sight.hwndPage = GetParent(body->hwnd);
+        sight.frame = std::move(tree);
+    } else if (IsMessageBox(tree)) {
+        sight.boxes.push_back(std::move(tree));
+    } else {
+        sight.others.push_back(std::move(tree));
+    }
+}
+
+struct SEARCH
+{
+    DWORD dwProcess;
+    SIGHT sight;
+};
+
+BOOL CALLBACK AddWindow(HWND hwnd, LPARAM lParam)
+{
+    auto& search = *reinterpret_cast<SEARCH*>(lParam);
+    DWORD dwProcess = 0;
+    GetWindowThreadProcessId(hwnd, &dwProcess);
+    if (dwProcess == search.dwProcess && IsWindowVisible(hwnd)) {
+        Recognise(search.sight, TreeOf(hwnd));
+    }
+    return TRUE;
+}
+
+// Deep enough for any frame; a guard against programs whose tree has no end.
+constexpr int kDeepest = 12;
+
+bool SaysAccessibly(IAccessible* pElement, const std::wstring& szName, int nDepth)
+{
+    long nChildren = 0;
+    if (pElement == nullptr || nDepth > kDeepest || FAILED(pElement->get_accChildCount(&nChildren)) || nChildren <= 0) {
+        return false;
+    }
+    std::vector<VARIANT> children(static_cast<size_t>(nChildren));
+    long nObtained = 0;
+    AccessibleChildren(pElement, 0, nChildren, children.data(), &nObtained);
+    bool bFound = false;
+    for (VARIANT& child : children) {
+        VARIANT self = {};
+        self.vt = VT_I4;
+        IAccessible* pChild = nullptr;
+        if (child.vt == VT_DISPATCH && child.pdispVal != nullptr) {
+            child.pdispVal->QueryInterface(IID_IAccessible, reinterpret_cast<void**>(&pChild));
+        } else if (child.vt == VT_I4) {
+            self.lVal = child.lVal;
+        }
+        BSTR bstrName = nullptr;
+        IAccessible* const pAsked = pChild != nullptr ? pChild : pElement;
+        bFound = bFound ||
+                 (pAsked->get_accName(self, &bstrName) == S_OK && bstrName != nullptr && szName == bstrName) ||
+                 (pChild != nullptr && SaysAccessibly(pChild, szName, nDepth + 1));
+        SysFreeString(bstrName);
+        if (pChild != nullptr) {
+            pChild->Release();
+        }
+        VariantClear(&child);
+    }
+    return bFound;
+}
+
+} // namespace
+
+bool PART::IsKind(PCWSTR pszClass) const
+{
+    return CompareStringOrdinal(szClass.c_str(), -1, pszClass, -1, TRUE) == CSTR_EQUAL;
+}
+
+bool PART::IsPushButton() const
+{
+    const LONG nKind = nStyle & BS_TYPEMASK;
+    return IsKind(WC_BUTTONW) && (nKind == BS_PUSHBUTTON || nKind == BS_DEFPUSHBUTTON);
+}
+
+bool PART::IsDefaultButton() const
+{
+    return IsKind(WC_BUTTONW) && (nStyle & BS_TYPEMASK) == BS_DEFPUSHBUTTON;
+}
+
+const PART* SIGHT::Control(int nId) const
+{
+    const auto found = std::ranges::find_if(
+        frame.parts, [&](const PART& part) { return part.nId == nId && IsChild(hwndPage, part.hwnd); });
+    return found == frame.parts.end() ? nullptr : &*found;
+}
+
+const PART* SIGHT::FrameButton(int nId) const
+{
+    const auto found = std::ranges::find_if(frame.parts, [&](const PART& part) {
+        return part.nId == nId && part.bVisible && part.IsKind(WC_BUTTONW) && !IsChild(hwndPage, part.hwnd);
+    });
+    return found == frame.parts.end() ? nullptr : &*found;
+}
+
+UINT SIGHT::Buttons() const
+{
+    return (FrameButton(kBackId) ? kBack : 0u) | (FrameButton(kNextId) ? kNext : 0u) |
+           (FrameButton(kFinishId) ? kFinish : 0u) | (FrameButton(IDCANCEL) ? kCancel : 0u);
+}
+
+std::wstring SIGHT::Status() const
+{
+    const PART* const pStatus = pPage != nullptr && pPage->nStatusId != 0 ? Control(pPage->nStatusId) : nullptr;
+    return pStatus != nullptr ? pStatus->szText : std::wstring();
+}
+
+int SIGHT::FocusId() const
+{
+    for (const PART& part : frame.parts) {
+        if (part.nId != 0 &&
+            (part.hwnd == hwndFocus || (part.IsKind(WC_IPADDRESSW) && IsChild(part.hwnd, hwndFocus)))) {
+            return part.nId;
+        }
+    }
+    return 0;
+}
+
+std::vector<int> SIGHT::DefaultButtons() const
+{
+    std::vector<int> ids;
+    for (const PART& part : frame.parts) {
+        if (part.bVisible && part.IsDefaultButton()) {
+            ids.push_back(part.nId);
+        }
+    }
+    return ids;
+}
+
+std::vector<const PART*> SIGHT::PageParts() const
+{
+    std::vector<const PART*> parts;
+    for (const PART& part : frame.parts) {
+        if (part.bVisible && GetParent(part.hwnd) == hwndPage) {
+            parts.push_back(&part);
+        }
+    }
+    return parts;
+}
+
+std::vector<const PART*> SIGHT::FrameParts() const
+{
+    std::vector<const PART*> parts;
+    for (const PART& part : frame.parts) {
+        if (part.bVisible && part.hwnd != hwndPage && !IsChild(hwndPage, part.hwnd) &&
+            (part.IsKind(WC_STATICW) || part.IsKind(WC_BUTTONW))) {
+            parts.push_back(&part);
+        }
+    }
+    return parts;
+}
+
+TREE TreeOf(HWND hwnd)
+{
+    TREE tree = {PartOf(hwnd), {}};
+    EnumChildWindows(hwnd, AddPart, reinterpret_cast<LPARAM>(&tree.parts));
+    return tree;
+}
+
+SIGHT LookAt(DWORD dwProcess)
+{
+    SEARCH search = {dwProcess, {}};
+    EnumWindows(AddWindow, reinterpret_cast<LPARAM>(&search));
+    // The thread that has the keyboard; zero names it.
+    GUITHREADINFO thread = {};
+    thread.cbSize = sizeof thread;
+    GetGUIThreadInfo(0, &thread);
+    search.sight.hwndFocus = thread.hwndFocus;
+    search.sight.hwndCaret = thread.hwndCaret;
+    search.sight.hwndForeground = GetForegroundWindow();
+    return std::move(search.sight);
+}
+
+std::wstring MessageOf(const TREE& box)
+{
+    std::wstring szMessage;
+    for (const PART& part : box.parts) {
+        if (part.bVisible && part.IsKind(WC_STATICW) && !part.szText.empty()) {
+            szMessage += (szMessage.empty() ? L"" : L"\n") + part.szText;
+        }
+    }
+    return szMessage;
+}
+
+std::wstring HoldsText(const PART& control)
+{
+    if (!control.IsKind(WC_IPADDRESSW)) {
+        return ReadText(control.hwnd).value_or(L"(busy)");
+    }
+    TREE address = TreeOf(control.hwnd);
+    std::ranges::sort(address.parts, {}, [](const PART& field) { return field.rect.left; });
+    std::wstring szText;
+    for (const PART& field : address.parts) {
+        szText +=
+            (szText.empty() && &field == address.parts.data() ? L"" : L".") + ReadText(field.hwnd).value_or(L"(busy)");
+    }
+    return szText;
+}
+
+bool IsTicked(const PART& control)
+{
+    return Ask(control.hwnd, BM_GETCHECK, 0, 0) == DWORD_PTR{BST_CHECKED};
+}
+
+bool SaysOfItself(HWND hwnd, const std::wstring& szName)
+{
+    const TREE tree = TreeOf(hwnd);
+    if (std::ranges::any_of(tree.parts, [&](const PART& part) { return part.bVisible && part.szText == szName; })) {
+        return true;
+    }
+    IAccessible* pWindow = nullptr;
+    if (FAILED(AccessibleObjectFromWindow(hwnd, static_cast<DWORD>(OBJID_CLIENT), IID_IAccessible,
+                                          reinterpret_cast<void**>(&pWindow)))) {
+        return false;
+    }
+    const bool bSays = SaysAccessibly(pWindow, szName, 0);
+    pWindow->Release();
+    return bSays;
+}
+
+std::wstring Describe(const TREE& tree)
+{
+    const auto Line = [](const PART& part) {
+        return std::format(L"{} id {} \"{}\" {}x{} at {},{} style {:08x}{}{}\n", part.szClass, part.nId,
+                           part.szText.substr(0, 60), part.rect.right - part.rect.left,
+                           part.rect.bottom - part.rect.top, part.rect.left, part.rect.top,
+                           static_cast<unsigned long>(part.nStyle), part.bVisible ? L"" : L" hidden",
+                           part.bEnabled ? L"" : L" disabled");
+    };
+    std::wstring szLines = Line(tree.window);
+    for (const PART& part : tree.parts) {
+        szLines += L"  " + Line(part);
+    }
+    return szLines;
+}

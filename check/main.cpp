@@ -1,0 +1,292 @@
+// Finds out whether the installer does on this Windows what it is said to do.
+//
+//   Check.exe                          asks before it begins, and shows its report in the end
+//   Check.exe --unattended ...         asks and shows nothing
+//     --surroundings FILE              see Surroundings.h
+//     --only STEP,STEP                 no other steps
+//     --program FILE                   another installer than the one in the folder "parts"
+//     --report FOLDER                  where the reports are written; else beside this program
+//   Check.exe --list FILE              writes the table of claims as JSON and does nothing else
+//
+// Ends with 0 when all that was tried holds, 1 when something does not, 2 when it refuses to begin, 3 when it was
+// cancelled, 4 when the reports could not be written.
+#include "check/Check.h"
+#include "check/Hands.h"
+#include "check/Installer.h"
+#include "check/Listener.h"
+#include "check/Machine.h"
+#include "check/Progress.h"
+#include "check/Report.h"
+#include "check/Stopping.h"
+
+#include <objbase.h>
+#include <shellapi.h>
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <thread>
+
+namespace {
+
+constexpr PCWSTR kCaption = L"KALVO Windows check";
+
+constexpr PCWSTR kConsent =
+    L"This checks on your computer what the installer of the watch client is said to do, and takes about five "
+    L"minutes.\n\n"
+    L"Meanwhile\n"
+    L"\x2022 it uses the mouse and the keyboard: please leave both alone;\n"
+    L"\x2022 it starts and ends the installer, and starts and stops adb's server: please close other programs that use "
+    L"adb;\n"
+    L"\x2022 it uses no network but this computer's own address, 127.0.0.1;\n"
+    L"\x2022 it uses the clipboard and puts its text back.\n\n"
+    L"You can cancel it at any time in the small window at the top left. It leaves nothing behind but its report, "
+    L"beside this program: report.html and report.json. The report names neither you nor your computer.";
+
+constexpr std::array kSteps = {
+    STEP{L"units", L"Unit tests", L"unit", CheckUnits},
+    STEP{L"system", L"Echo and connections", L"system", CheckSystem},
+    STEP{L"first-pages", L"Frame and first pages", L"frame about page-01 page-02 page-03 page-04", CheckFirstPages},
+    STEP{L"last-pages", L"Last pages", L"frame page-08 page-09 page-10 page-11 page-12 page-13 page-14",
+         CheckLastPages},
+    STEP{L"working-pages", L"Address, pairing and package",
+         L"address number connect pair install page-05 page-06 page-07", CheckWorkingPages},
+    STEP{L"adb", L"What adb prints", L"adb", CheckAdb},
+    STEP{L"deployment", L"Tools on the disk", L"deploy", CheckDeployment},
+    STEP{L"instances", L"Second starts", L"instance", CheckInstances},
+    STEP{L"ends", L"Ends", L"end", CheckEnds},
+    STEP{L"loader", L"Libraries beside the program", L"loader", CheckLoader},
+};
+
+struct OPTIONS
+{
+    bool bUnattended = false;
+    SURROUNDINGS surroundings;
+    std::wstring szOnly;
+    CPath program = PartsFolder() / L"KalvoApkInstaller.exe";
+    CPath report = OwnFolder();
+    CPath list;
+};
+
+// Throws CLost for arguments that make no sense.
+OPTIONS ReadOptions()
+{
+    OPTIONS options;
+    int nArguments = 0;
+    LPWSTR* const ppszArguments = CommandLineToArgvW(GetCommandLineW(), &nArguments);
+    for (int n = 1; n < nArguments; ++n) {
+        const std::wstring szName = ppszArguments[n];
+        if (szName == L"--unattended") {
+            options.bUnattended = true;
+            continue;
+        }
+        const std::wstring szValue = n + 1 < nArguments ? ppszArguments[++n] : L"";
+        if (szName == L"--surroundings" && !szValue.empty()) {
+            options.surroundings = ReadSurroundings(szValue);
+        } else if (szName == L"--only" && !szValue.empty()) {
+            options.szOnly = L"," + szValue + L",";
+        } else if (szName == L"--program" && !szValue.empty()) {
+            options.program = szValue;
+        } else if (szName == L"--report" && !szValue.empty()) {
+            options.report = szValue;
+        } else if (szName == L"--list" && !szValue.empty()) {
+            options.list = szValue;
+        } else {
+            throw CLost{L"The argument " + szName + L" makes no sense."};
+        }
+    }
+    LocalFree(static_cast<HLOCAL>(ppszArguments));
+    return options;
+}
+
+bool IsChosen(const OPTIONS& options, const STEP& step)
+{
+    return options.szOnly.empty() || options.szOnly.find(L"," + std::wstring(step.pszId) + L",") != std::wstring::npos;
+}
+
+void GroupsNotTried(CAnswers& answers, const STEP& step, const std::wstring& szWhy)
+{
+    const std::wstring szGroups = step.pszGroups;
+    for (size_t nStart = 0; nStart < szGroups.size();) {
+        const size_t nEnd = std::min(szGroups.find(L' ', nStart), szGroups.size());
+        answers.GroupNotTried(szGroups.substr(nStart, nEnd - nStart), szWhy);
+        nStart = nEnd + 1;
+    }
+}
+
+// In a folder of its own, with something beside it that is named like a package.
+void CopyProgram(const CHECK& check, const CPath& program)
+{
+    const CPath folder = check.program.parent_path();
+    create_directories(folder);
+    copy_file(program, check.program, std::filesystem::copy_options::overwrite_existing);
+    WriteBytes(folder / L"Check.apk", "no package");
+    WriteBytes(folder / L"Check.txt", "no package");
+}
+
+// What a step that stopped half-way may have left.
+void TidyUp()
+{
+    const CUnstoppable tidying;
+    StopAdb();
+    std::error_code error;
+    remove_all(ToolsFolder() / L"platform-tools", error);
+    for (const std::wstring& szName : NamesIn(ToolsFolder())) {
+        if (szName.starts_with(L"platform-tools_")) {
+            remove(ToolsFolder() / szName, error);
+        }
+    }
+}
+
+// One step, whatever becomes of it.
+void RunStep(CHECK& check, const STEP& step)
+{
+    std::wstring szWhy = L"the step ended before it was looked at";
+    try {
+        step.pfnRun(check);
+    } catch (const CLost& lost) {
+        szWhy = L"the step \"" + std::wstring(step.pszName) + L"\" could not go on: " + lost.szWhy;
+        check.answers.m_notes.push_back(szWhy);
+    } catch (const std::exception& error) {
+        szWhy = L"the step \"" + std::wstring(step.pszName) + L"\" could not go on: " + CPath(error.what()).wstring();
+        check.answers.m_notes.push_back(szWhy);
+    }
+    TidyUp();
+    // A claim of the group that a later step looks at is then told anew.
+    GroupsNotTried(check.answers, step, szWhy);
+}
+
+// Returns false when the user cancelled.
+bool RunSteps(CHECK& check, const OPTIONS& options, CProgress& progress)
+{
+    try {
+        for (size_t n = 0; n < kSteps.size(); ++n) {
+            if (IsChosen(options, kSteps[n])) {
+                progress.Tell(static_cast<int>(n), kSteps[n].pszName);
+                Pause(0);
+                RunStep(check, kSteps[n]);
+            }
+        }
+        return true;
+    } catch (const CStopped&) {
+        TidyUp();
+        return false;
+    }
+}
+
+// What is left when all is over.
+void LookAtRemains(CAnswers& answers, CWorkFolder& work, const std::optional<std::wstring>& szClipboard)
+{
+    const CUnstoppable tidying;
+    const bool bEnded =
+        WaitFor(5000, [] { return ProcessesOf(L"KalvoApkInstaller.exe").empty() && ProcessesOf(L"adb.exe").empty(); });
+    answers.Tell(L"tidy.processes", bEnded, L"none", bEnded ? L"none" : L"the installer, or adb");
+    const bool bRemoved = work.Remove() && NamesIn(ToolsFolder()).empty();
+    answers.Tell(L"tidy.files", bRemoved, L"none",
+                 bRemoved ? L"none" : ListOf(work.Path()) + L", " + ListOf(ToolsFolder()));
+    answers.Tell(L"tidy.port", !IsListening(kAdbServerPort), L"nobody",
+                 IsListening(kAdbServerPort) ? L"somebody" : L"nobody");
+    const bool bSame = ClipboardText() == szClipboard;
+    answers.Tell(L"tidy.clipboard", bSame, L"the same", bSame ? L"the same" : L"another text, or none");
+}
+
+void Refuse(const OPTIONS& options, const std::wstring& szWhy)
+{
+    if (!options.bUnattended) {
+        MessageBoxW(nullptr, szWhy.c_str(), kCaption, MB_OK | MB_ICONINFORMATION);
+        return;
+    }
+    WriteBytes(options.report / L"refused.txt", CPath(szWhy).string());
+}
+
+std::wstring VersionOf(const CPath& program)
+{
+    DWORD dwUnused = 0;
+    std::string bytes(GetFileVersionInfoSizeExW(0, program.c_str(), &dwUnused), '\0');
+    VS_FIXEDFILEINFO* pInfo = nullptr;
+    UINT cb = 0;
+    if (bytes.empty() ||
+        !GetFileVersionInfoExW(0, program.c_str(), 0, static_cast<DWORD>(bytes.size()), bytes.data()) ||
+        !VerQueryValueW(bytes.data(), L"\\", reinterpret_cast<void**>(&pInfo), &cb)) {
+        return L"unknown";
+    }
+    return std::to_wstring(HIWORD(pInfo->dwFileVersionMS)) + L"." + std::to_wstring(LOWORD(pInfo->dwFileVersionMS)) +
+           L"." + std::to_wstring(HIWORD(pInfo->dwFileVersionLS));
+}
+
+// The whole check on a thread of its own, while this one shows how far it is.
+RUN RunCheck(const OPTIONS& options, CAnswers& answers)
+{
+    RUN run = {VersionOf(options.program), DescribeMachine(), options.surroundings.told, false, 0};
+    const ULONGLONG nStart = GetTickCount64();
+    const HWND hwndFront = GetForegroundWindow();
+    const std::optional<std::wstring> szClipboard = ClipboardText();
+    CWorkFolder work;
+    {
+        CProgress progress(static_cast<int>(kSteps.size()));
+        const CHandle hEnd(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+        std::thread thread([&] {
+            CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+            CHECK check = {answers, options.surroundings, work, work.Path() / L"program" / L"KalvoApkInstaller.exe"};
+            CopyProgram(check, options.program);
+            run.bCancelled = !RunSteps(check, options, progress);
+            LookAtRemains(answers, work, szClipboard);
+            CoUninitialize();
+            SetEvent(hEnd.get());
+        });
+        progress.RunUntil(hEnd.get());
+        thread.join();
+    }
+    SetForegroundWindow(hwndFront);
+    for (const STEP& step : kSteps) {
+        GroupsNotTried(answers, step, run.bCancelled ? L"the check was cancelled before" : L"the step was not chosen");
+    }
+    run.nSeconds = (GetTickCount64() - nStart) / 1000;
+    return run;
+}
+
+int Check(const OPTIONS& options)
+{
+    if (const std::wstring szWhy = ReasonToRefuse(options.surroundings); !szWhy.empty()) {
+        Refuse(options, szWhy);
+        return 2;
+    }
+    if (!options.bUnattended && MessageBoxW(nullptr, kConsent, kCaption, MB_OKCANCEL) != IDOK) {
+        return 3;
+    }
+    CAnswers answers;
+    for (const auto& [szId, szReason] : options.surroundings.notTried) {
+        if (!answers.Exclude(szId, szReason)) {
+            throw CLost{L"There is no claim " + szId + L" that could not be tried."};
+        }
+    }
+    const RUN run = RunCheck(options, answers);
+    if (!WriteReport(options.report, answers, run)) {
+        Refuse(options, L"The reports cannot be written beside this program. Please unpack it into a folder of yours.");
+        return 4;
+    }
+    if (!options.bUnattended && !run.bCancelled) {
+        ShellExecuteW(nullptr, L"open", (options.report / L"report.html").c_str(), nullptr, nullptr, SW_SHOWNORMAL);
+    }
+    return run.bCancelled ? 3 : answers.Count(ANSWER::kDoesNotHold) == 0 ? 0 : 1;
+}
+
+} // namespace
+
+int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int)
+{
+    SetProcessDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
+    WSADATA data = {};
+    WSAStartup(MAKEWORD(2, 2), &data);
+    OPTIONS options;
+    try {
+        options = ReadOptions();
+        if (!options.list.empty()) {
+            return WriteBytes(options.list, ClaimsAsJson()) ? 0 : 4;
+        }
+        return Check(options);
+    } catch (const CLost& lost) {
+        Refuse(options, lost.szWhy);
+        return 2;
+    }
+}
