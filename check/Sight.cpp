@@ -102,7 +102,7 @@ bool SaysAccessibly(IAccessible* pElement, const std::wstring& szName, int nDept
         self.vt = VT_I4;
         IAccessible* pChild = nullptr;
         if (child.vt == VT_DISPATCH && child.pdispVal != nullptr) {
-            child.pdispVal->QueryInterface(IID_IAccessible, reinterpret_cast<void**>(&pChild));
+            child.pdispVal->QueryInterface(__uuidof(IAccessible), reinterpret_cast<void**>(&pChild));
         } else if (child.vt == VT_I4) {
             self.lVal = child.lVal;
         }
@@ -269,7 +269,7 @@ bool SaysOfItself(HWND hwnd, const std::wstring& szName)
         return true;
     }
     IAccessible* pWindow = nullptr;
-    if (FAILED(AccessibleObjectFromWindow(hwnd, static_cast<DWORD>(OBJID_CLIENT), IID_IAccessible,
+    if (FAILED(AccessibleObjectFromWindow(hwnd, static_cast<DWORD>(OBJID_CLIENT), __uuidof(IAccessible),
                                           reinterpret_cast<void**>(&pWindow)))) {
         return false;
     }

@@ -6,7 +6,10 @@
 #include "check/Machine.h"
 #include "check/Stopping.h"
 
+#include <commctrl.h>
+
 #include <format>
+#include <memory>
 
 namespace {
 

@@ -31,7 +31,10 @@ protected:
     RealProcess()
     {
         CPlatformTools::GetInstance() = {};
-        const std::filesystem::path child = std::filesystem::absolute(CHILD_EXE).make_preferred();
+        // The environment names it where this test runs on another computer than the one that built it.
+        WCHAR szChild[MAX_PATH] = {};
+        const bool bNamed = GetEnvironmentVariableW(L"KALVO_CHILD", szChild, MAX_PATH) != 0;
+        const std::filesystem::path child = std::filesystem::absolute(bNamed ? szChild : CHILD_EXE).make_preferred();
         wcscpy_s(CPlatformTools::GetInstance().m_szAdbExePath, child.c_str());
     }
 

@@ -1,0 +1,86 @@
+"""The check for Windows, as somebody runs it who has its archive and nothing else: in this home's own Windows."""
+
+import json
+import os
+import subprocess
+import zipfile
+from dataclasses import dataclass, field
+from pathlib import Path
+
+import places
+from program import home_path, windows_path
+
+CHECKOUT = places.CHECKOUT
+SURROUNDINGS = CHECKOUT / "check" / "wine.txt"
+
+# How Check.exe ends.
+ALL_HOLD, SOME_DO_NOT, REFUSED, CANCELLED = range(4)
+
+
+def archive() -> Path:
+    """What scripts/windows-check makes, made of the build at hand."""
+    return Path(os.environ["KALVO_WINDOWS_CHECK"])
+
+
+@dataclass(frozen=True)
+class Report:
+    """What the check came to, by the ids of the claims."""
+
+    status: int
+    text: str = field(repr=False)
+    whole: dict = field(repr=False)
+
+    @property
+    def claims(self) -> dict[str, dict]:
+        return {claim["id"]: claim for claim in self.whole["claims"]}
+
+    def ids(self, answer: str) -> list[str]:
+        return [claim["id"] for claim in self.whole["claims"] if claim["answer"] == answer]
+
+    def say_what_does_not_hold(self) -> str:
+        return "\n".join(
+            f"{claim['id']}: {claim['claim']}\n   expected: {claim['expected']}\n   seen: {claim['seen']}"
+            for claim in self.whole["claims"]
+            if claim["answer"] == "does not hold"
+        )
+
+
+class WindowsCheck:
+    """The unpacked archive, on drive C, with the launcher of the stand-ins elsewhere on it."""
+
+    def __init__(self) -> None:
+        self.folder = places.prefix() / "drive_c" / "WindowsCheck"
+        with zipfile.ZipFile(archive()) as packed:
+            packed.extractall(self.folder)
+        standins = places.prefix() / "drive_c" / "StandIns"
+        standins.mkdir(exist_ok=True)
+        for name in ("launcher.exe", "standins.dll"):
+            (standins / name).write_bytes((places.launcher().parent / name).read_bytes())
+        self._surroundings = standins / "surroundings.txt"
+        text = SURROUNDINGS.read_text(encoding="utf-8")
+        self._surroundings.write_text(text.replace("%LAUNCHER%", windows_path(standins / "launcher.exe")), encoding="utf-8")
+
+    def command(self, *arguments: str) -> list[str]:
+        own = ["--unattended", "--surroundings", windows_path(self._surroundings)]
+        return ["wine", windows_path(self.folder / "Check.exe"), *own, *arguments]
+
+    def start(self, *arguments: str) -> subprocess.Popen[bytes]:
+        quiet = subprocess.DEVNULL
+        # Away from the checkout.
+        return subprocess.Popen(self.command(*arguments), cwd=self.folder, stdin=quiet, stdout=quiet, stderr=quiet)
+
+    def run(self, *arguments: str, seconds: float = 600) -> Report:
+        return self.report(self.start(*arguments).wait(seconds))
+
+    def report(self, status: int) -> Report:
+        file = self.folder / "report.json"
+        assert file.is_file(), f"there is no report, the check ended with status {status}; {self.refusal()}"
+        text = file.read_text(encoding="utf-8")
+        return Report(status, text, json.loads(text))
+
+    def refusal(self) -> str:
+        file = self.folder / "refused.txt"
+        return file.read_text(encoding="utf-8", errors="replace") if file.is_file() else ""
+
+
+__all__ = ["ALL_HOLD", "CANCELLED", "REFUSED", "SOME_DO_NOT", "Report", "WindowsCheck", "archive", "home_path"]
