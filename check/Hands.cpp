@@ -88,16 +88,16 @@ void FaceProcess(DWORD dwProcess)
     }
 }
 
-void MoveMouse(LONG x, LONG y)
+INPUT MoveInput(LONG x, LONG y)
 {
     constexpr LONG kWhole = 65535;
     const LONG nLeft = GetSystemMetrics(SM_XVIRTUALSCREEN);
     const LONG nTop = GetSystemMetrics(SM_YVIRTUALSCREEN);
     const LONG nWidth = GetSystemMetrics(SM_CXVIRTUALSCREEN);
     const LONG nHeight = GetSystemMetrics(SM_CYVIRTUALSCREEN);
-    Send({MouseInput(MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE | MOUSEEVENTF_VIRTUALDESK,
-                     MulDiv(2 * (x - nLeft) + 1, kWhole + 1, 2 * nWidth),
-                     MulDiv(2 * (y - nTop) + 1, kWhole + 1, 2 * nHeight))});
+    return MouseInput(MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE | MOUSEEVENTF_VIRTUALDESK,
+                      MulDiv(2 * (x - nLeft) + 1, kWhole + 1, 2 * nWidth),
+                      MulDiv(2 * (y - nTop) + 1, kWhole + 1, 2 * nHeight));
 }
 
 // Another program may have the clipboard for a moment.
@@ -135,17 +135,19 @@ void Type(DWORD dwProcess, const std::wstring& szText)
 
 void Click(const RECT& rect, int nTimes)
 {
-    MoveMouse((rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2);
+    const INPUT move = MoveInput((rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2);
+    Send({move});
     for (int n = 0; n < nTimes; ++n) {
         Pause(kBetweenClicks);
-        Send({MouseInput(MOUSEEVENTF_LEFTDOWN), MouseInput(MOUSEEVENTF_LEFTUP)});
+        // In one go with the click: the mouse that lies on the desk may tell its place in between.
+        Send({move, MouseInput(MOUSEEVENTF_LEFTDOWN), MouseInput(MOUSEEVENTF_LEFTUP)});
     }
     Pause(kBetweenClicks);
 }
 
 void MoveMouseAway()
 {
-    MoveMouse(GetSystemMetrics(SM_CXSCREEN) - 1, GetSystemMetrics(SM_CYSCREEN) / 2);
+    Send({MoveInput(GetSystemMetrics(SM_CXSCREEN) - 1, GetSystemMetrics(SM_CYSCREEN) / 2)});
 }
 
 bool BringForward(HWND hwnd)

@@ -120,7 +120,10 @@ void CWalk::Empty(int nId) const
 {
     ClickControl(nId);
     if (!WaitFor(2000, [&] { return Look().FocusId() == nId; })) {
-        throw CLost{L"a click does not give control " + std::to_wstring(nId) + L" the keyboard"};
+        const SIGHT sight = Look();
+        throw CLost{L"a click does not give control " + std::to_wstring(nId) + L" the keyboard, " +
+                    std::to_wstring(sight.FocusId()) + L" has it, with " + std::to_wstring(sight.boxes.size()) +
+                    L" boxes"};
     }
     Press(L'A', VK_CONTROL);
     Press(VK_BACK);
