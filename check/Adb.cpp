@@ -76,10 +76,8 @@ void Watches(CAnswers& answers)
 
 void Packages(CAnswers& answers, const CPath& folder)
 {
-    const std::wstring szNobody = L"-s 127.0.0.1:1 install \"";
-    ExpectLines(answers, L"adb.install-no-package", Run(szNobody + (folder / L"Check.txt").wstring() + L"\""),
-                {"adb.exe: filename doesn't end .apk or .apex: "});
-    ExpectLines(answers, L"adb.install-no-device", Run(szNobody + (folder / L"Check.apk").wstring() + L"\""),
+    ExpectLines(answers, L"adb.install-no-device",
+                Run(L"-s 127.0.0.1:1 install \"" + (folder / L"Check.apk").wstring() + L"\""),
                 {"adb.exe: device '127.0.0.1:1' not found"});
 }
 

@@ -158,7 +158,6 @@ constexpr ROW kAdb[] = {
     {L"adb.pair-refused", L"pair at a port on which nobody listens says \"Unable to start pairing client\".", kPipe},
     {L"adb.pair-hung-up", L"pair at a listener that hangs up says \"Wrong password or connection was dropped\".",
      kPipe},
-    {L"adb.install-no-package", L"install of a file that is no .apk says so.", kPipe},
     {L"adb.install-no-device", L"install on a device that is not there says \"not found\".", kPipe},
     {L"adb.server-ends", L"kill-server of a running server says nothing.", kPipe},
     {L"adb.server-gone", L"The server then ends.", L"its port and its processes"},
@@ -167,7 +166,8 @@ constexpr ROW kAdb[] = {
 constexpr ROW kProcess[] = {
     {L"deploy.files", L"The archive and three unpacked files are there while the wizard is.", L"lists the folder"},
     {L"deploy.archive", L"The archive is byte for byte the one in the program.", L"compares it with the resource"},
-    {L"deploy.sizes", L"The three files are as large as in the archive.", L"their sizes"},
+    {L"deploy.unpacked", L"The three files are byte for byte those in the archive.",
+     L"unpacks the archive and compares"},
     {L"deploy.log-off", L"A log-off that is called off changes nothing.", L"WM_QUERYENDSESSION and WM_ENDSESSION"},
     {L"deploy.gone-escape", L"Esc ends the program, with nothing left and exit code 0.", L"presses Esc"},
     {L"deploy.killed", L"A run that is killed leaves its tools.", L"ends the process and lists the folder"},

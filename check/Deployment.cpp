@@ -5,6 +5,7 @@
 #include "person/Reading.h"
 
 #include <commctrl.h>
+#include <miniz.h>
 
 #include <format>
 #include <functional>
@@ -30,6 +31,21 @@ std::string EmbeddedArchive(const CPath& program)
     return bytes;
 }
 
+std::string Unpacked(const std::string& archive, const std::string& member)
+{
+    mz_zip_archive zip = {};
+    std::string bytes;
+    if (mz_zip_reader_init_mem(&zip, archive.data(), archive.size(), 0)) {
+        size_t cb = 0;
+        if (void* const p = mz_zip_reader_extract_file_to_heap(&zip, member.c_str(), &cb, 0)) {
+            bytes.assign(static_cast<const char*>(p), cb);
+            mz_free(p);
+        }
+        mz_zip_reader_end(&zip);
+    }
+    return bytes;
+}
+
 void LookAtTools(CAnswers& answers, const CPath& program)
 {
     answers.Expect(L"deploy.files", kTools, ListOf(ToolsFolder()));
@@ -37,11 +53,15 @@ void LookAtTools(CAnswers& answers, const CPath& program)
     const bool bSame = !archive.empty() && ReadBytes(ToolsFolder() / L"platform-tools_kalvo.zip") == archive;
     answers.Tell(L"deploy.archive", bSame, std::format(L"the {} bytes in the program", archive.size()),
                  bSame ? L"just those" : L"others");
-    std::wstring szSizes;
+    std::wstring szDifferent;
     for (const PCWSTR pszName : {L"adb.exe", L"AdbWinApi.dll", L"AdbWinUsbApi.dll"}) {
-        szSizes += std::format(L"{} ", ReadBytes(ToolsFolder() / L"platform-tools" / pszName).size());
+        const CPath member = CPath(L"platform-tools") / pszName;
+        const std::string packed = Unpacked(archive, member.generic_string());
+        if (packed.empty() || ReadBytes(ToolsFolder() / member) != packed) {
+            szDifferent += std::wstring(pszName) + L" ";
+        }
     }
-    answers.Expect(L"deploy.sizes", L"5905920 97792 62976 ", szSizes);
+    answers.Expect(L"deploy.unpacked", L"", szDifferent);
 }
 
 void ExpectEnd(CWalk& walk, PCWSTR pszClaim)

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <format>
+#include <memory>
 #include <set>
 
 namespace {
@@ -20,7 +21,6 @@ constexpr PCWSTR kOthers[] = {
     L"apphelp.dll",
     L"bcrypt.dll",
     L"cfgmgr32.dll",
-    L"clbcatq.dll",
     L"coremessaging.dll",
     L"cryptbase.dll",
     L"cryptsp.dll",
@@ -33,13 +33,10 @@ constexpr PCWSTR kOthers[] = {
     L"dwrite.dll",
     L"edputil.dll",
     L"explorerframe.dll",
-    L"gdiplus.dll",
     L"iertutil.dll",
-    L"imm32.dll",
     L"kernel.appcore.dll",
     L"linkinfo.dll",
     L"mpr.dll",
-    L"msctf.dll",
     L"msimg32.dll",
     L"mswsock.dll",
     L"netapi32.dll",
@@ -53,7 +50,6 @@ constexpr PCWSTR kOthers[] = {
     L"propsys.dll",
     L"rsaenh.dll",
     L"secur32.dll",
-    L"shcore.dll",
     L"srvcli.dll",
     L"sspicli.dll",
     L"structuredquery.dll",
@@ -78,7 +74,7 @@ constexpr PCWSTR kOthers[] = {
 // No part of the system has a library of this name.
 constexpr PCWSTR kAskedFor = L"asked-for.dll";
 
-// Those of them that were seen to be loaded by their names, not linked by libraries that a program needs to start.
+// Of them, libraries that parts of the system are known to load by name when they need them; a program starts without.
 constexpr PCWSTR kLoadedByName[] = {L"cryptbase.dll", L"profapi.dll",       L"propsys.dll", L"textshaping.dll",
                                     L"wldp.dll",      L"windowscodecs.dll", L"winmm.dll"};
 
@@ -161,7 +157,15 @@ void Defended(CHECK& check)
     for (const PCWSTR pszName : kOthers) {
         planted.Plant(pszName);
     }
-    CWalk walk(check, planted.Program());
+    std::unique_ptr<CWalk> pWalk;
+    try {
+        pWalk = std::make_unique<CWalk>(check, planted.Program());
+    } catch (const CLost& lost) {
+        // What is loaded in the place of a library that is linked lets nothing start.
+        answers.Tell(L"loader.start", false, L"none", planted.Loaded() + L"; " + lost.szWhy);
+        throw;
+    }
+    CWalk& walk = *pWalk;
     answers.Expect(L"loader.start", L"none", planted.Loaded());
     const CListener watch(CListener::kStaysOpen);
     walk.GoTo(7, watch.Port());

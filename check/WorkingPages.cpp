@@ -1,7 +1,6 @@
 // The pages that do something: the address, the pairing, the package. Nobody but this program's own listeners is asked.
 #include "check/Busy.h"
 #include "check/Fields.h"
-#include "check/Hands.h"
 #include "check/Listener.h"
 #include "check/Machine.h"
 #include "check/Stopping.h"
@@ -224,7 +223,6 @@ void InstallRefused(const CWalk& walk, const std::wstring& szAddress)
 
 void CheckWorkingPages(CHECK& check)
 {
-    const CKeptClipboard clipboard;
     CWalk walk(check);
     walk.GoTo(5, L"");
     LookAtAddress(walk);

@@ -121,7 +121,6 @@ void CopyProgram(const CHECK& check, const CPath& program)
     create_directories(folder);
     copy_file(program, check.program, std::filesystem::copy_options::overwrite_existing);
     WriteBytes(folder / L"Check.apk", "no package");
-    WriteBytes(folder / L"Check.txt", "no package");
 }
 
 // What a step that stopped half-way may have left.
@@ -159,6 +158,7 @@ void RunStep(CHECK& check, const STEP& step)
 // Returns false when the user cancelled.
 bool RunSteps(CHECK& check, const OPTIONS& options, CProgress& progress)
 {
+    const CKeptClipboard clipboard;
     try {
         for (size_t n = 0; n < kSteps.size(); ++n) {
             if (IsChosen(options, kSteps[n])) {

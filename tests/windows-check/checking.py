@@ -3,12 +3,14 @@
 import json
 import os
 import subprocess
+import sys
+import unittest
 import zipfile
 from dataclasses import dataclass, field
 from pathlib import Path
 
 import places
-from program import home_path, windows_path
+from program import windows_path
 
 CHECKOUT = places.CHECKOUT
 SURROUNDINGS = CHECKOUT / "check" / "wine.txt"
@@ -56,12 +58,17 @@ class WindowsCheck:
         standins.mkdir(exist_ok=True)
         for name in ("launcher.exe", "standins.dll"):
             (standins / name).write_bytes((places.launcher().parent / name).read_bytes())
-        self._surroundings = standins / "surroundings.txt"
+        self._told = True
+        self.surroundings = standins / "surroundings.txt"
         text = SURROUNDINGS.read_text(encoding="utf-8")
-        self._surroundings.write_text(text.replace("%LAUNCHER%", windows_path(standins / "launcher.exe")), encoding="utf-8")
+        self.surroundings.write_text(text.replace("%LAUNCHER%", windows_path(standins / "launcher.exe")), encoding="utf-8")
+
+    def forget_surroundings(self) -> None:
+        """From now on it is not told where it runs."""
+        self._told = False
 
     def command(self, *arguments: str) -> list[str]:
-        own = ["--unattended", "--surroundings", windows_path(self._surroundings)]
+        own = ["--unattended", *(["--surroundings", windows_path(self.surroundings)] if self._told else [])]
         return ["wine", windows_path(self.folder / "Check.exe"), *own, *arguments]
 
     def start(self, *arguments: str) -> subprocess.Popen[bytes]:
@@ -83,4 +90,7 @@ class WindowsCheck:
         return file.read_text(encoding="utf-8", errors="replace") if file.is_file() else ""
 
 
-__all__ = ["ALL_HOLD", "CANCELLED", "REFUSED", "SOME_DO_NOT", "Report", "WindowsCheck", "archive", "home_path"]
+def main() -> None:
+    """For a script of tests whose first argument is the archive."""
+    os.environ["KALVO_WINDOWS_CHECK"] = sys.argv.pop(1)
+    unittest.main(module="__main__")

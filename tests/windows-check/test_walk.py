@@ -1,0 +1,132 @@
+"""The check as its users run it, in a home's Windows, with the stand-ins' launcher and nothing else of the checkout."""
+
+import getpass
+import os
+import re
+import subprocess
+import time
+import unittest
+
+import checking
+import hands
+import places
+import program
+from checking import ALL_HOLD, CANCELLED, REFUSED, SURROUNDINGS, Report, WindowsCheck
+from eyes import Eyes
+from notepad import copy_to_clipboard
+from person import Person
+from waiting import wait_for
+
+# What Wine may be unable to answer, and how many claims there must be.
+MOST_NOT_TRIED = 15
+FEWEST_CLAIMS = 120
+
+LONGEST = 6 * 60
+
+PROGRESS = "KALVO Windows check"
+FIRST_PAGES = re.compile(r"about\.|page-0[1-4]\.|frame\.(?!by-number|escape-hidden|back-from-last|last-again|enter-last)")
+
+ADDRESS = re.compile(r"\b\d{1,3}\.\d{1,3}\.\d{1,3}\.\d{1,3}\b")
+
+
+def excluded() -> set[str]:
+    lines = SURROUNDINGS.read_text(encoding="utf-8").splitlines()
+    return {line.split(" ", 2)[1] for line in lines if line.startswith("not-tried ")}
+
+
+class CheckTest(unittest.TestCase):
+    def setUp(self) -> None:
+        self.check = WindowsCheck()
+
+    def expect_nothing_left(self) -> None:
+        """No process, no file but the reports, no key of adb."""
+        wait_for("the end of all that was started", lambda: not program.adb_processes() and not self.installers())
+        drive = places.prefix() / "drive_c"
+        self.assertFalse(program.working_folder().exists())
+        self.assertFalse((drive / "users/Public/KalvoWindowsCheck").exists())
+        self.assertEqual(list(drive.rglob(".android")) + list(drive.rglob("adb.log")), [])
+
+    def installers(self) -> list[str]:
+        listed = subprocess.run(["ps", "-eo", "args"], check=True, capture_output=True, text=True).stdout
+        return [line for line in listed.splitlines() if "KalvoApkInstaller" in line]
+
+    def expect_no_names(self, report: Report) -> None:
+        for text in (report.text, (self.check.folder / "report.html").read_text(encoding="utf-8")):
+            words = set(re.findall(r"\w+", re.sub(r'"data:image[^"]*"', "", text).lower()))
+            self.assertNotIn(getpass.getuser().lower(), words)
+            self.assertNotIn(os.uname().nodename.lower(), words)
+            self.assertEqual(set(ADDRESS.findall(text)) - {"127.0.0.1"}, set())
+
+
+class FirstPages(CheckTest):
+    def test_frame_and_first_pages_hold(self) -> None:
+        report = self.check.run("--only", "first-pages", seconds=200)
+        self.assertEqual(report.say_what_does_not_hold(), "")
+        self.assertEqual(report.status, ALL_HOLD)
+        wanted = {claim for claim in report.claims if FIRST_PAGES.match(claim)} - excluded()
+        self.assertGreater(len(wanted), 40)
+        self.assertEqual(wanted - set(report.ids("holds")), set())
+        self.expect_no_names(report)
+        self.expect_nothing_left()
+
+
+class Whole(CheckTest):
+    def test_everything_holds_but_what_wine_cannot_answer(self) -> None:
+        start = time.monotonic()
+        report = self.check.run(seconds=LONGEST + 240)
+        took = time.monotonic() - start
+        print(f"{len(report.claims)} claims in {took:.0f} s", flush=True)
+        self.assertEqual(report.say_what_does_not_hold(), "")
+        self.assertEqual(report.status, ALL_HOLD)
+        # Wine need not have a high contrast on, a second route and the like: all that is left out is named.
+        self.assertEqual(set(report.ids("not tried")), excluded(), report.whole["notes"])
+        self.assertGreaterEqual(len(report.claims), FEWEST_CLAIMS)
+        self.assertLessEqual(len(excluded()), MOST_NOT_TRIED)
+        self.assertLess(took, LONGEST)
+        self.assertGreater(len(report.whole["cases"]), 300)
+        self.assertTrue(all(case["passed"] for case in report.whole["cases"]))
+        self.expect_no_names(report)
+        self.expect_nothing_left()
+
+
+class Cancelled(CheckTest):
+    def test_in_the_middle_leaves_nothing(self) -> None:
+        with Eyes() as eyes:
+            person = Person(eyes)
+            copy_to_clipboard(person, "kept")
+            started = self.check.start("--only", "working-pages")
+            sight = person.wait_until("page 5", lambda sight: sight.number == 5, 120)
+            progress = next(window for window in sight.view.windows if window.text == PROGRESS)
+            cancel = next(child for child in progress.children if child.text == "Cancel")
+            hands.click(*cancel.middle)
+            report = self.check.report(started.wait(60))
+        self.assertEqual((report.status, report.whole["cancelled"]), (CANCELLED, True))
+        for claim in ("tidy.processes", "tidy.files", "tidy.port", "tidy.clipboard"):
+            self.assertEqual(report.claims[claim]["answer"], "holds", report.claims[claim])
+        self.assertIn("not tried", {claim["answer"] for claim in report.claims.values()})
+        self.expect_nothing_left()
+
+
+class Refused(CheckTest):
+    def expect_refused(self, word: str) -> None:
+        self.assertEqual(self.check.start().wait(60), REFUSED)
+        self.assertIn(word, self.check.refusal())
+        self.assertFalse((self.check.folder / "report.json").exists())
+
+    def test_while_the_installer_runs(self) -> None:
+        with Eyes() as eyes, program.Program() as installer:
+            Person(eyes).wait_until("the installer", lambda sight: sight.number == 1, 60)
+            self.expect_refused("The installer is running")
+            self.assertFalse(installer.has_ended)
+
+    def test_with_an_administrators_rights(self) -> None:
+        self.check.forget_surroundings()
+        self.expect_refused("administrator")
+
+    def test_by_a_file_of_surroundings_that_makes_no_sense(self) -> None:
+        self.check.surroundings.write_text("not-tried nonsense\n", encoding="utf-8")
+        self.expect_refused("makes no sense")
+
+
+if __name__ == "__main__":
+    checking.main()
