@@ -144,8 +144,7 @@ void LookAtAddress(const CWalk& walk)
     CAnswers& answers = walk.Check().answers;
     const SIGHT sight = walk.Rest();
     const PART* const pAddress = sight.Control(IDC_WATCH_ADDRESS);
-    answers.Expect(L"address.exists", WC_IPADDRESSW, pAddress != nullptr ? pAddress->szClass : L"no such control",
-                   sight.frame.window.hwnd);
+    answers.Expect(L"address.exists", WC_IPADDRESSW, pAddress != nullptr ? pAddress->szClass : L"no such control");
     const std::vector<PART> fields = FieldsOf(sight);
     answers.Expect(L"address.fields", L"4", std::to_wstring(fields.size()));
     LookAtPrefill(answers, walk);

@@ -110,8 +110,9 @@ CInstaller::CInstaller(const SURROUNDINGS& surroundings, const CPath& program)
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION process = {};
-    if (!CreateProcessW(nullptr, szLine.data(), nullptr, nullptr, FALSE, 0, nullptr, program.parent_path().c_str(),
-                        &startup, &process)) {
+    // What it is started through may be a console's program; its window is none of the installer's.
+    if (!CreateProcessW(nullptr, szLine.data(), nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr,
+                        program.parent_path().c_str(), &startup, &process)) {
         throw CLost{L"cannot start " + program.filename().wstring()};
     }
     m_hStarted.reset(process.hProcess);

@@ -116,7 +116,7 @@ std::wstring ExpectedDefault(const SIGHT& sight)
     return nButtons & kNext ? std::to_wstring(kNextId) : nButtons & kFinish ? std::to_wstring(kFinishId) : L"none";
 }
 
-void LookAtTexts(CAnswers& answers, const SIGHT& sight, int nPage)
+void LookAtTexts(CAnswers& answers, const SIGHT& sight, int nPage, HWND hwndPictured)
 {
     std::vector<const PART*> titles;
     std::vector<const PART*> buttons;
@@ -127,10 +127,10 @@ void LookAtTexts(CAnswers& answers, const SIGHT& sight, int nPage)
     }
     const std::wstring szCut =
         CutTexts(sight.PageParts(), "page") + CutTexts(titles, "title") + CutTexts(buttons, "frame");
-    answers.Expect(PageClaim(nPage, L"texts"), L"nothing", OrNothing(szCut), sight.frame.window.hwnd);
+    answers.Expect(PageClaim(nPage, L"texts"), L"nothing", OrNothing(szCut), hwndPictured);
 }
 
-void LookAtPlaces(CAnswers& answers, const SIGHT& sight, int nPage)
+void LookAtPlaces(CAnswers& answers, const SIGHT& sight, int nPage, HWND hwndPictured)
 {
     RECT page = {};
     GetWindowRect(sight.hwndPage, &page);
@@ -141,7 +141,7 @@ void LookAtPlaces(CAnswers& answers, const SIGHT& sight, int nPage)
     const std::wstring szFound = Overlaps(parts) + Overlaps(sight.FrameParts()) + Outside(parts, page, L"the page") +
                                  Outside(sight.FrameParts(), sight.frame.window.rect, L"the frame") +
                                  Outside({&sight.frame.window}, screen, L"the screen");
-    answers.Expect(PageClaim(nPage, L"apart"), L"nothing", OrNothing(szFound), sight.frame.window.hwnd);
+    answers.Expect(PageClaim(nPage, L"apart"), L"nothing", OrNothing(szFound), hwndPictured);
 }
 
 } // namespace
@@ -169,11 +169,15 @@ void LookAtPage(const CWalk& walk, int nPage)
     const bool bButtons = walk.HasButtons(page.nFirst);
     const SIGHT sight = walk.Rest();
     const HWND hwnd = sight.frame.window.hwnd;
+    // Page 5 shows where in the network this computer is.
+    const HWND hwndPictured = nPage == 5 ? nullptr : hwnd;
     answers.Tell(PageClaim(nPage, L"title"), SaysOfItself(hwnd, page.pszTitle), page.pszTitle,
-                 SaysOfItself(hwnd, page.pszTitle) ? page.pszTitle : L"no such words above the page", hwnd);
-    answers.Tell(PageClaim(nPage, L"buttons"), bButtons, ButtonNames(page.nFirst), ButtonNames(sight.Buttons()), hwnd);
-    answers.Expect(PageClaim(nPage, L"focus"), std::to_wstring(page.nFocusId), std::to_wstring(sight.FocusId()), hwnd);
-    answers.Expect(PageClaim(nPage, L"default"), ExpectedDefault(sight), Ids(sight.DefaultButtons()), hwnd);
-    LookAtTexts(answers, sight, nPage);
-    LookAtPlaces(answers, sight, nPage);
+                 SaysOfItself(hwnd, page.pszTitle) ? page.pszTitle : L"no such words above the page", hwndPictured);
+    answers.Tell(PageClaim(nPage, L"buttons"), bButtons, ButtonNames(page.nFirst), ButtonNames(sight.Buttons()),
+                 hwndPictured);
+    answers.Expect(PageClaim(nPage, L"focus"), std::to_wstring(page.nFocusId), std::to_wstring(sight.FocusId()),
+                   hwndPictured);
+    answers.Expect(PageClaim(nPage, L"default"), ExpectedDefault(sight), Ids(sight.DefaultButtons()), hwndPictured);
+    LookAtTexts(answers, sight, nPage, hwndPictured);
+    LookAtPlaces(answers, sight, nPage, hwndPictured);
 }

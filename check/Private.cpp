@@ -55,7 +55,7 @@ void ReplaceWords(std::wstring& szText, const REPLACEMENT& replacement)
 // Also without the beginning of one, as the wizard proposes it.
 std::wstring WithoutAddresses(const std::wstring& szText)
 {
-    static const std::wregex s_address(LR"(\d{1,3}\.\d{1,3}\.\d{1,3}(?:\.\d{0,3})?)");
+    static const std::wregex s_address(LR"(\d{1,3}\.\d{1,3}\.\d{1,3}\.\d{0,3})");
     std::wstring szClean;
     auto rest = szText.begin();
     for (std::wsregex_iterator match(szText.begin(), szText.end(), s_address), end; match != end; ++match) {

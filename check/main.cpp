@@ -18,12 +18,15 @@
 #include "check/Progress.h"
 #include "check/Report.h"
 #include "check/Stopping.h"
+#include "kit/Request.h"
+#include "person/Json.h"
 
 #include <objbase.h>
 #include <shellapi.h>
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <iterator>
 #include <thread>
 
@@ -114,13 +117,14 @@ void GroupsNotTried(CAnswers& answers, const STEP& step, const std::wstring& szW
     }
 }
 
-// In a folder of its own, with something beside it that is named like a package.
+// In a folder of its own, with something beside it that is named like a package. A step whose program is missing says
+// so.
 void CopyProgram(const CHECK& check, const CPath& program)
 {
-    const CPath folder = check.program.parent_path();
-    create_directories(folder);
-    copy_file(program, check.program, std::filesystem::copy_options::overwrite_existing);
-    WriteBytes(folder / L"Check.apk", "no package");
+    std::error_code error;
+    create_directories(check.program.parent_path(), error);
+    copy_file(program, check.program, std::filesystem::copy_options::overwrite_existing, error);
+    WriteBytes(check.program.parent_path() / L"Check.apk", "no package");
 }
 
 // What a step that stopped half-way may have left.
@@ -147,7 +151,7 @@ void RunStep(CHECK& check, const STEP& step)
         szWhy = L"the step \"" + std::wstring(step.pszName) + L"\" could not go on: " + lost.szWhy;
         check.answers.m_notes.push_back(szWhy);
     } catch (const std::exception& error) {
-        szWhy = L"the step \"" + std::wstring(step.pszName) + L"\" could not go on: " + CPath(error.what()).wstring();
+        szWhy = L"the step \"" + std::wstring(step.pszName) + L"\" could not go on: " + FromUtf8(error.what());
         check.answers.m_notes.push_back(szWhy);
     }
     TidyUp();
@@ -160,6 +164,7 @@ bool RunSteps(CHECK& check, const OPTIONS& options, CProgress& progress)
 {
     const CKeptClipboard clipboard;
     try {
+        CopyProgram(check, options.program);
         for (size_t n = 0; n < kSteps.size(); ++n) {
             if (IsChosen(options, kSteps[n])) {
                 progress.Tell(static_cast<int>(n), kSteps[n].pszName);
@@ -196,7 +201,8 @@ void Refuse(const OPTIONS& options, const std::wstring& szWhy)
         MessageBoxW(nullptr, szWhy.c_str(), kCaption, MB_OK | MB_ICONINFORMATION);
         return;
     }
-    WriteBytes(options.report / L"refused.txt", CPath(szWhy).string());
+    std::fprintf(stderr, "%s\n", ToUtf8(szWhy).c_str());
+    WriteBytes(options.report / L"refused.txt", ToUtf8(szWhy));
 }
 
 std::wstring VersionOf(const CPath& program)
@@ -228,7 +234,6 @@ RUN RunCheck(const OPTIONS& options, CAnswers& answers)
         std::thread thread([&] {
             CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
             CHECK check = {answers, options.surroundings, work, work.Path() / L"program" / L"KalvoApkInstaller.exe"};
-            CopyProgram(check, options.program);
             run.bCancelled = !RunSteps(check, options, progress);
             LookAtRemains(answers, work, szClipboard);
             CoUninitialize();
@@ -262,7 +267,8 @@ int Check(const OPTIONS& options)
     }
     const RUN run = RunCheck(options, answers);
     if (!WriteReport(options.report, answers, run)) {
-        Refuse(options, L"The reports cannot be written beside this program. Please unpack it into a folder of yours.");
+        Refuse(options, L"The reports cannot be written beside this program (error " + std::to_wstring(GetLastError()) +
+                            L"). Please unpack it into a folder of yours.");
         return 4;
     }
     if (!options.bUnattended && !run.bCancelled) {

@@ -59,6 +59,7 @@ class WindowsCheck:
         for name in ("launcher.exe", "standins.dll"):
             (standins / name).write_bytes((places.launcher().parent / name).read_bytes())
         self._told = True
+        self._log = Path("/tmp/check.log")
         self.surroundings = standins / "surroundings.txt"
         text = SURROUNDINGS.read_text(encoding="utf-8")
         self.surroundings.write_text(text.replace("%LAUNCHER%", windows_path(standins / "launcher.exe")), encoding="utf-8")
@@ -74,20 +75,25 @@ class WindowsCheck:
     def start(self, *arguments: str) -> subprocess.Popen[bytes]:
         quiet = subprocess.DEVNULL
         # Away from the checkout.
-        return subprocess.Popen(self.command(*arguments), cwd=self.folder, stdin=quiet, stdout=quiet, stderr=quiet)
+        with self._log.open("w") as log:
+            return subprocess.Popen(self.command(*arguments), cwd=self.folder, stdin=quiet, stdout=log, stderr=log)
 
     def run(self, *arguments: str, seconds: float = 600) -> Report:
         return self.report(self.start(*arguments).wait(seconds))
 
     def report(self, status: int) -> Report:
         file = self.folder / "report.json"
-        assert file.is_file(), f"there is no report, the check ended with status {status}; {self.refusal()}"
+        assert file.is_file(), f"there is no report, the check ended with status {status}: {self.said()}"
         text = file.read_text(encoding="utf-8")
         return Report(status, text, json.loads(text))
 
+    def said(self) -> str:
+        """What it, or Windows, printed."""
+        return self._log.read_text(encoding="utf-8", errors="replace")
+
     def refusal(self) -> str:
         file = self.folder / "refused.txt"
-        return file.read_text(encoding="utf-8", errors="replace") if file.is_file() else ""
+        return file.read_text(encoding="utf-8") if file.is_file() else ""
 
 
 def main() -> None:

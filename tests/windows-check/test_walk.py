@@ -1,6 +1,7 @@
 """The check as its users run it, in a home's Windows, with the stand-ins' launcher and nothing else of the checkout."""
 
 import getpass
+import json
 import os
 import re
 import subprocess
@@ -9,12 +10,14 @@ import unittest
 
 import checking
 import hands
+import page
 import places
 import program
-from checking import ALL_HOLD, CANCELLED, REFUSED, SURROUNDINGS, Report, WindowsCheck
+from checking import ALL_HOLD, CANCELLED, CHECKOUT, REFUSED, SURROUNDINGS, Report, WindowsCheck
 from eyes import Eyes
 from notepad import copy_to_clipboard
 from person import Person
+from program import windows_path
 from waiting import wait_for
 
 # What Wine may be unable to answer, and how many claims there must be.
@@ -68,6 +71,14 @@ class FirstPages(CheckTest):
         self.assertEqual(wanted - set(report.ids("holds")), set())
         self.expect_no_names(report)
         self.expect_nothing_left()
+
+
+class ThePage(CheckTest):
+    def test_lists_the_programs_own_claims(self) -> None:
+        listed = self.check.folder / "claims.json"
+        self.assertEqual(self.check.start("--list", windows_path(listed)).wait(60), 0, self.check.said())
+        own = [(claim["id"], claim["claim"], claim["how"]) for claim in json.loads(listed.read_text(encoding="utf-8"))]
+        self.assertEqual([(row.id, row.claim, row.how) for row in page.rows(CHECKOUT)], own)
 
 
 class Whole(CheckTest):
