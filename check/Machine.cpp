@@ -134,7 +134,7 @@ std::vector<std::pair<std::wstring, std::wstring>> DescribeMachine()
     };
 }
 
-std::wstring ReasonToRefuse(const SURROUNDINGS& surroundings)
+std::wstring ReasonToRefuse()
 {
     if (IsOldWindows()) {
         return L"This Windows is older than Windows 10 version 2004, the oldest that the installer is made for.";
@@ -142,7 +142,7 @@ std::wstring ReasonToRefuse(const SURROUNDINGS& surroundings)
     if (!HasScreen()) {
         return L"There is no screen to look at: the session is locked or disconnected.";
     }
-    if (IsElevated() && !surroundings.bElevatedAccepted) {
+    if (IsElevated()) {
         return L"The check was started with the rights of an administrator. Please start it without: users of the "
                L"installer have none.";
     }

@@ -1,8 +1,6 @@
 // The computer that the check runs on, and whether it can run there.
 #pragma once
 
-#include "check/Surroundings.h"
-
 #include <string>
 #include <utility>
 #include <vector>
@@ -11,7 +9,7 @@
 std::vector<std::pair<std::wstring, std::wstring>> DescribeMachine();
 
 // Why the check must not run now; empty when it may.
-std::wstring ReasonToRefuse(const SURROUNDINGS& surroundings);
+std::wstring ReasonToRefuse();
 
 // The installer's, and where it is to be found while another one runs.
 constexpr int kAdbServerPort = 5037;

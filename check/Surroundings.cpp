@@ -23,8 +23,6 @@ void Take(SURROUNDINGS& surroundings, const std::wstring& szLine)
     const auto [szWord, szRest] = Split(szLine);
     if (szWord == L"through" && !szRest.empty()) {
         surroundings.szThrough = szRest;
-    } else if (szLine == L"accepted elevated") {
-        surroundings.bElevatedAccepted = true;
     } else if (szWord == L"not-tried" && szRest.find(L' ') != std::wstring::npos) {
         surroundings.notTried.push_back(Split(szRest));
     } else if (szWord == L"told" && !szRest.empty()) {

@@ -3,7 +3,6 @@
 //   # a remark
 //   through PROGRAM          starts the installer through that program, which gets its path as the only argument and
 //                            ends with it and with its exit code
-//   accepted elevated        an account with the rights of an administrator is no reason to refuse
 //   not-tried ID REASON      what cannot be found out here
 //   told SENTENCE            stands in the report, which is not one of plain Windows
 #pragma once
@@ -15,7 +14,6 @@
 struct SURROUNDINGS
 {
     std::wstring szThrough;
-    bool bElevatedAccepted = false;
     std::vector<std::pair<std::wstring, std::wstring>> notTried;
     std::vector<std::wstring> told;
 };

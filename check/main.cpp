@@ -71,10 +71,9 @@ struct OPTIONS
     CPath list;
 };
 
-// Throws CLost for arguments that make no sense.
-OPTIONS ReadOptions()
+// Throws CLost for arguments that make no sense; what stands before them is read then.
+void ReadOptions(OPTIONS& options)
 {
-    OPTIONS options;
     int nArguments = 0;
     LPWSTR* const ppszArguments = CommandLineToArgvW(GetCommandLineW(), &nArguments);
     for (int n = 1; n < nArguments; ++n) {
@@ -99,7 +98,6 @@ OPTIONS ReadOptions()
         }
     }
     LocalFree(static_cast<HLOCAL>(ppszArguments));
-    return options;
 }
 
 bool IsChosen(const OPTIONS& options, const STEP& step)
@@ -252,7 +250,7 @@ RUN RunCheck(const OPTIONS& options, CAnswers& answers)
 
 int Check(const OPTIONS& options)
 {
-    if (const std::wstring szWhy = ReasonToRefuse(options.surroundings); !szWhy.empty()) {
+    if (const std::wstring szWhy = ReasonToRefuse(); !szWhy.empty()) {
         Refuse(options, szWhy);
         return 2;
     }
@@ -286,7 +284,7 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int)
     WSAStartup(MAKEWORD(2, 2), &data);
     OPTIONS options;
     try {
-        options = ReadOptions();
+        ReadOptions(options);
         if (!options.list.empty()) {
             return WriteBytes(options.list, ClaimsAsJson()) ? 0 : 4;
         }

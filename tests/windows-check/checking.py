@@ -58,18 +58,13 @@ class WindowsCheck:
         standins.mkdir(exist_ok=True)
         for name in ("launcher.exe", "standins.dll"):
             (standins / name).write_bytes((places.launcher().parent / name).read_bytes())
-        self._told = True
         self._log = Path("/tmp/check.log")
         self.surroundings = standins / "surroundings.txt"
         text = SURROUNDINGS.read_text(encoding="utf-8")
         self.surroundings.write_text(text.replace("%LAUNCHER%", windows_path(standins / "launcher.exe")), encoding="utf-8")
 
-    def forget_surroundings(self) -> None:
-        """From now on it is not told where it runs."""
-        self._told = False
-
     def command(self, *arguments: str) -> list[str]:
-        own = ["--unattended", *(["--surroundings", windows_path(self.surroundings)] if self._told else [])]
+        own = ["--unattended", "--surroundings", windows_path(self.surroundings)]
         return ["wine", windows_path(self.folder / "Check.exe"), *own, *arguments]
 
     def start(self, *arguments: str) -> subprocess.Popen[bytes]:

@@ -19,7 +19,7 @@ class Faults(unittest.TestCase):
         self.assertEqual(tuple(report.ids("does not hold")), claims, report.say_what_does_not_hold())
 
     def test_wrong_default_button(self) -> None:
-        self.expect_found("default", "first-pages", "page-01.default")
+        self.expect_found("default", "working-pages", "page-07.default")
 
     def test_text_that_is_cut(self) -> None:
         self.expect_found("text", "first-pages", "page-01.texts")

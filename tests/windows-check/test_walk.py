@@ -102,8 +102,13 @@ class Whole(CheckTest):
 
 class Cancelled(CheckTest):
     def test_in_the_middle_leaves_nothing(self) -> None:
+        quiet = subprocess.DEVNULL
+        other = subprocess.Popen(["wine", "notepad"], stdin=quiet, stdout=quiet, stderr=quiet)
+        self.addCleanup(other.wait)
+        self.addCleanup(other.kill)
         with Eyes() as eyes:
             person = Person(eyes)
+            before = person.wait_until("another program", lambda sight: sight.view.foreground).view.foreground
             copy_to_clipboard(person, "kept")
             started = self.check.start("--only", "working-pages")
             sight = person.wait_until("page 5", lambda sight: sight.number == 5, 120)
@@ -111,6 +116,7 @@ class Cancelled(CheckTest):
             cancel = next(child for child in progress.children if child.text == "Cancel")
             hands.click(*cancel.middle)
             report = self.check.report(started.wait(60))
+            person.wait_until("the other program in front", lambda sight: sight.view.foreground == before)
         self.assertEqual((report.status, report.whole["cancelled"]), (CANCELLED, True))
         for claim in ("tidy.processes", "tidy.files", "tidy.port", "tidy.clipboard"):
             self.assertEqual(report.claims[claim]["answer"], "holds", report.claims[claim])
@@ -131,7 +137,12 @@ class Refused(CheckTest):
             self.assertFalse(installer.has_ended)
 
     def test_with_an_administrators_rights(self) -> None:
-        self.check.forget_surroundings()
+        # A copy that asks Windows for them.
+        program_file = self.check.folder / "Check.exe"
+        own, asked = b'level="asInvoker" uiAccess="false"', b'level="requireAdministrator"'
+        text = program_file.read_bytes()
+        self.assertEqual(text.count(own), 1)
+        program_file.write_bytes(text.replace(own, asked.ljust(len(own))))
         self.expect_refused("administrator")
 
     def test_by_a_file_of_surroundings_that_makes_no_sense(self) -> None:
