@@ -14,7 +14,7 @@ import page
 import places
 import program
 from checking import ALL_HOLD, CANCELLED, CHECKOUT, REFUSED, SURROUNDINGS, Report, WindowsCheck
-from eyes import Eyes
+from eyes import Eyes, View
 from notepad import copy_to_clipboard
 from person import Person
 from program import windows_path
@@ -35,6 +35,10 @@ ADDRESS = re.compile(r"\b\d{1,3}\.\d{1,3}\.\d{1,3}\.\d{1,3}\b")
 def excluded() -> set[str]:
     lines = SURROUNDINGS.read_text(encoding="utf-8").splitlines()
     return {line.split(" ", 2)[1] for line in lines if line.startswith("not-tried ")}
+
+
+def in_front(view: View) -> str:
+    return next((window.text for window in view.windows if window.handle == view.foreground), "")
 
 
 class CheckTest(unittest.TestCase):
@@ -103,12 +107,13 @@ class Whole(CheckTest):
 class Cancelled(CheckTest):
     def test_in_the_middle_leaves_nothing(self) -> None:
         quiet = subprocess.DEVNULL
-        other = subprocess.Popen(["wine", "notepad"], stdin=quiet, stdout=quiet, stderr=quiet)
+        other = subprocess.Popen(["wine", "winemine"], stdin=quiet, stdout=quiet, stderr=quiet)
         self.addCleanup(other.wait)
         self.addCleanup(other.kill)
         with Eyes() as eyes:
             person = Person(eyes)
-            before = person.wait_until("another program", lambda sight: sight.view.foreground).view.foreground
+            person.wait_until("another program in front", lambda sight: in_front(sight.view) == "WineMine")
+            before = person.rest().view.foreground
             copy_to_clipboard(person, "kept")
             started = self.check.start("--only", "working-pages")
             sight = person.wait_until("page 5", lambda sight: sight.number == 5, 120)
