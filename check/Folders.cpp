@@ -45,15 +45,21 @@ CPath AdbPath()
     return ToolsFolder() / L"platform-tools" / L"adb.exe";
 }
 
+CPath AdbKeyFolder()
+{
+    return KnownFolder(FOLDERID_Profile) / L".android";
+}
+
 CWorkFolder::CWorkFolder()
-    : m_path(KnownFolder(FOLDERID_Public) / L"KalvoWindowsCheck"), m_bToolsFolderWasThere(exists(ToolsFolder()))
+    : m_path(KnownFolder(FOLDERID_Public) / L"KalvoWindowsCheck"), m_bToolsFolderWasThere(exists(ToolsFolder())),
+      m_bKeyFolderWasThere(exists(AdbKeyFolder()))
 {
     std::error_code error;
     remove_all(m_path, error);
     if (!create_directories(m_path, error)) {
         throw CLost{L"no folder can be made for copies of the program, where everybody may"};
     }
-    for (const PCWSTR pszVariable : {L"ANDROID_SDK_HOME", L"TMP", L"TEMP"}) {
+    for (const PCWSTR pszVariable : {L"TMP", L"TEMP"}) {
         SetEnvironmentVariableW(pszVariable, m_path.c_str());
     }
 }
@@ -69,13 +75,16 @@ bool CWorkFolder::Remove()
     if (!m_bToolsFolderWasThere) {
         remove(ToolsFolder(), error); // which is empty, or stays
     }
+    if (!m_bKeyFolderWasThere) {
+        remove_all(AdbKeyFolder(), error);
+    }
     for (int n = 0; n < 20 && exists(m_path, error); ++n) {
         remove_all(m_path, error);
         if (error) {
             Sleep(100); // a program that has just ended may still be held
         }
     }
-    return !exists(m_path, error);
+    return !exists(m_path, error) && exists(AdbKeyFolder(), error) == m_bKeyFolderWasThere;
 }
 
 std::string ReadBytes(const CPath& file)

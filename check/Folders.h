@@ -14,10 +14,12 @@ CPath PartsFolder();
 // Where the installer keeps its tools while it runs.
 CPath ToolsFolder();
 CPath AdbPath();
+// Where adb keeps the key by which watches know this computer.
+CPath AdbKeyFolder();
 
 // A folder for copies, which has nobody's name in its path, as pictures show it. It is made empty and goes with the
-// scope, like the folder of the installer's tools where that was not there before. Meanwhile adb keeps its key and its
-// log there too.
+// scope, like the folders of the installer's tools and of adb's key where those were not there before. Meanwhile adb
+// keeps its log there too.
 class CWorkFolder
 {
 public:
@@ -36,6 +38,7 @@ public:
 private:
     CPath m_path;
     bool m_bToolsFolderWasThere;
+    bool m_bKeyFolderWasThere;
 };
 
 // Empty when it cannot be read.
