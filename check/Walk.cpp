@@ -233,7 +233,14 @@ SIGHT CWalk::GoOn(DWORD dwMilliseconds) const
         return sight.Number() != nPage || !sight.boxes.empty() || sight.Status().find(L" (") != std::wstring::npos;
     };
     Press(VK_RETURN);
-    if (!WaitFor(2000, HasMoved)) {
+    const bool bMoved = WaitFor(2000, HasMoved);
+    // No page but those that do something has a box to show; Enter has then pressed something else.
+    const SIGHT sight = Look();
+    const bool bOtherBox = sight.Number() == nPage && sight.pPage->nStatusId == 0 && !sight.boxes.empty();
+    if (bOtherBox) {
+        Dismiss(sight.boxes.front());
+    }
+    if (!bMoved || bOtherBox) {
         PressButton(PSBTN_NEXT);
     }
     return WaitForPage(nPage + 1, dwMilliseconds);
