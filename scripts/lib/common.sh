@@ -32,4 +32,6 @@ if [ "$(id -u)" != 0 ] || ! unshare --mount true 2>/dev/null; then
 fi
 
 # Removes folders with all that is in them, also what belongs to subordinate ids.
-remove() { "${namespaces[@]}" rm -rf --one-file-system "$@"; }
+remove() {
+    rm -rf --one-file-system "$@" 2>/dev/null || "${namespaces[@]}" rm -rf --one-file-system "$@"
+}

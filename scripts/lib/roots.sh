@@ -22,7 +22,7 @@ remove_unused() {
     local used old
     used=$(roots_in_use)
     for old in "$cache"/root-*; do
-        if ! grep -qxF "${old##*/}" <<<"$used"; then remove_unless_locked "$old"; fi
+        if [ -e "$old" ] && ! grep -qxF "${old##*/}" <<<"$used"; then remove_unless_locked "$old"; fi
     done
     for old in "$cache"/setup.*; do
         if [ -e "$old" ] && [ "$old" != "${scratch-}" ]; then remove "$old"; fi

@@ -62,6 +62,19 @@ class Home(unittest.TestCase):
         self.check(f'touch "$WINEPREFIX/drive_c/{mark}" && ls "$WINEPREFIX/system.reg"', "--no-display")
         self.assertFalse((TEMPLATE / "drive_c" / mark).exists())
 
+    def test_what_windows_shares_with_the_template_cannot_be_written(self) -> None:
+        """Its libraries are links to Wine's own."""
+        library = "$WINEPREFIX/drive_c/windows/system32/kernel32.dll"
+        self.check(f"[ -L {library} ]; ! echo >>{library}; rm {library}", "--no-display")
+        self.check(f"[ -s {library} ]; cmp $(readlink {library}) {library}", "--no-display")
+        said = self.check(r"wine cmd /c 'copy /y C:\windows\win.ini C:\windows\system32\kernel32.dll' || echo denied")
+        self.assertIn("denied", said)
+
+    def test_a_home_has_its_own_registry(self) -> None:
+        before = (TEMPLATE / "user.reg").read_bytes()
+        self.check(r"wine reg add 'HKCU\Software\Mark' /f; wineserver -w; grep Mark $WINEPREFIX/user.reg", "--no-display")
+        self.assertEqual((TEMPLATE / "user.reg").read_bytes(), before)
+
     def test_windows_believes_in_the_resolution(self) -> None:
         ask = r"echo $KALVO_DPI; wine reg query 'HKCU\Control Panel\Desktop' /v LogPixels"
         said = self.check(ask, "--no-display", "--dpi", "144").splitlines()
