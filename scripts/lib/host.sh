@@ -25,7 +25,12 @@ look_at_user_namespaces() {
     fi
     # Without them a smaller trial must do.
     [ ${#remedies[@]} = 0 ] || trial=(unshare --mount --pid --fork --kill-child --user --map-root-user)
-    refusal=$("${trial[@]}" --net bash -ec 'mount -t tmpfs tmpfs /mnt; mount -t proc proc /proc' 2>&1) || find_settings
+    if refusal=$("${trial[@]}" --net bash -ec 'mount -t tmpfs tmpfs /mnt; mount -t proc proc /proc' 2>&1); then
+        refusal=''
+    else
+        refusal=${refusal:-without a word}
+        find_settings
+    fi
 }
 
 have_subordinate_ids() { # /etc/subuid or /etc/subgid
