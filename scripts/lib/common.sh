@@ -8,7 +8,7 @@ third_party=$cache/third-party
 
 # The toolchain root is named after what is in it: a changed recipe makes a new root, and checkouts of
 # different age share the cache without disturbing each other.
-# shellcheck source=SCRIPTDIR/recipe.sh
+# shellcheck source=recipe.sh
 . "$checkout/scripts/lib/recipe.sh"
 root=$cache/root-$(root_contents | sha256sum | cut -c1-12)
 
