@@ -89,9 +89,10 @@ prepare_host() {
 
 # Runs a command whose output matters only when it fails.
 quietly() {
-    "$@" >"$scratch/log" 2>&1 </dev/null && return
-    local what="$*"
-    tail -n 20 "$scratch/log" >&2
+    local what="$*" log
+    log=$(mktemp "$scratch/log.XXXXXX")
+    "$@" >"$log" 2>&1 </dev/null && return
+    tail -n 20 "$log" >&2
     die "this failed: ${what%%$'\n'*}"
 }
 
@@ -106,12 +107,17 @@ host_mirror() (
             $2 == "main" && ($1 == name || $1 ~ /^(oldstable|stable|testing|unstable|sid)$/) && !found++ { print $3 }'
 )
 
-# Makes a Debian. The signatures of what it is made of are checked against $keyring.
+# Makes a Debian of one suite, without the updates that are kept beside it. The signatures of what it is made of are
+# checked against $keyring.
 make_debian() { # suite, folder, options of mmdebstrap...
-    local suite=$1 folder=$2 mirror
+    local suite=$1 folder=$2 mirror source=()
     shift 2
     mirror=$(host_mirror)
-    [ -z "$mirror" ] || echo "deb [signed-by=$keyring] $mirror $suite main" >"$scratch/sources.list"
-    quietly "${namespaces[@]}" mmdebstrap --mode=root --keyring="$keyring" "$@" "$suite" "$folder" \
-        ${mirror:+"$scratch/sources.list"}
+    if [ -n "$mirror" ]; then
+        source=("$scratch/sources.list")
+        echo "deb [signed-by=$keyring] $mirror $suite main" >"${source[0]}"
+    else
+        set -- --setup-hook="sed -i '/ $suite /!d' \"\$1/etc/apt/sources.list\"" "$@"
+    fi
+    quietly "${namespaces[@]}" mmdebstrap --mode=root --keyring="$keyring" "$@" "$suite" "$folder" "${source[@]}"
 }

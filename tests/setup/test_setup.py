@@ -177,14 +177,28 @@ class Machine(SetupTest):
 
 
 class DebianMade(SetupTest):
+    def made(self, mirror: str = "") -> list[str]:
+        """The words and the sources that mmdebstrap is given."""
+        self.stub("mmdebstrap", 'printf "%s\\n" "$@"; [ ! -f "${!#}" ] || cat "${!#}"')
+        here = f"scratch={self.scratch}; quietly() {{ \"$@\"; }}; {mirror}"
+        return self.run_with("common host", f"{here} make_debian trixie DIR --opt").splitlines()
+
     def test_every_package_must_be_signed(self) -> None:
-        self.stub("mmdebstrap", 'printf "%s\\n" "$@"; cat "${!#}"')
-        said = self.run_with("common host", f"scratch={self.scratch}; quietly() {{ \"$@\"; }}; make_debian trixie DIR --opt")
         keyring = "/usr/share/keyrings/debian-archive-keyring.gpg"
-        *options, suite, folder, mirrors, line = said.splitlines()
+        *options, suite, folder, mirrors, line = self.made()
         self.assertEqual(options, ["--mode=root", f"--keyring={keyring}", "--opt"])
         self.assertEqual((suite, folder, mirrors), ("trixie", "DIR", str(self.scratch / "sources.list")))
         self.assertRegex(line, rf"^deb \[signed-by={re.escape(keyring)}\] \S+ trixie main$")
+
+    def test_of_mmdebstraps_own_sources_one_stays(self) -> None:
+        mode, keyring, hook, *rest = self.made("host_mirror() { :; };")
+        self.assertEqual((mode, rest), ("--mode=root", ["--opt", "trixie", "DIR"]))
+        self.assertTrue(keyring.startswith("--keyring=/"))
+        sources = self.scratch / "etc/apt/sources.list"
+        sources.parent.mkdir(parents=True)
+        sources.write_text("deb a:b trixie main\ndeb a:b trixie-updates main\ndeb a:c trixie-security main\n")
+        self.run_command("sh", "-c", hook.removeprefix("--setup-hook="), "hook", self.scratch)
+        self.assertEqual(sources.read_text(), "deb a:b trixie main\n")
 
     def test_the_mirror_is_known_before_the_first_update(self) -> None:
         lists = [path.name for path in Path("/var/lib/apt/lists").iterdir() if path.is_file()]
