@@ -10,7 +10,7 @@ third_party=$cache/third-party
 # different age share the cache without disturbing each other.
 # shellcheck source=recipe.sh
 . "$checkout/scripts/lib/recipe.sh"
-root=$cache/root-$(root_contents | sha256sum | cut -c1-12)
+root=$cache/debian-$(root_contents | sha256sum | cut -c1-12)
 
 # Where an ordinary user does not look for programs there are some that are needed.
 PATH=$PATH:/usr/sbin:/sbin

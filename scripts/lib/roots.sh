@@ -1,7 +1,8 @@
 # shellcheck shell=bash disable=SC2154 # checkout, cache and root are those of common.sh
 # Which of the cache's roots are used. Sourced by scripts/setup, after common.sh; the caller holds the cache's lock.
 
-# Each checkout leaves word in the cache of where it is and which root it uses.
+# Each checkout leaves word in the cache of where it is and which root it uses. Those that did not do so yet called
+# their roots root-*, and nobody knows whether they are used: they stay.
 note_use() {
     mkdir -p "$cache/checkouts"
     printf '%s\n' "$checkout" "$(basename "$root")" \
@@ -21,7 +22,7 @@ roots_in_use() {
 remove_unused() {
     local used old
     used=$(roots_in_use)
-    for old in "$cache"/root-*; do
+    for old in "$cache"/debian-*; do
         if [ -e "$old" ] && ! grep -qxF "${old##*/}" <<<"$used"; then remove_unless_locked "$old"; fi
     done
     for old in "$cache"/setup.*; do

@@ -101,23 +101,27 @@ class OldRoots(SetupTest):
 
     def test_one_that_no_checkout_uses_is_removed(self) -> None:
         own = self.run_with("common", 'basename "$root"').strip()
-        for name in (own, "root-others", "root-gone", "root-nobodys"):
+        for name in (own, "debian-others", "debian-gone", "debian-nobodys"):
             self.make_root(name)
-        self.note(self.other, "root-others")
-        self.note(self.scratch / "gone", "root-gone")
-        self.assertEqual(self.roots_left(), sorted((own, "root-others")))
+        self.note(self.other, "debian-others")
+        self.note(self.scratch / "gone", "debian-gone")
+        self.assertEqual(self.roots_left(), sorted((own, "debian-others")))
         self.assertFalse((self.cache / "checkouts" / "gone").exists())
 
+    def test_one_of_checkouts_that_leave_no_word_stays(self) -> None:
+        self.make_root("root-0123456789ab")
+        self.assertEqual(self.roots_left(), ["root-0123456789ab"])
+
     def test_a_checkout_uses_one_at_a_time(self) -> None:
-        self.make_root("root-before")
-        self.run_with("common roots", "root=$cache/root-before; note_use")
+        self.make_root("debian-before")
+        self.run_with("common roots", "root=$cache/debian-before; note_use")
         self.assertEqual(self.roots_left(), [])
 
     def test_one_in_which_something_runs_stays(self) -> None:
-        root = os.open(self.make_root("root-nobodys"), os.O_RDONLY)
+        root = os.open(self.make_root("debian-nobodys"), os.O_RDONLY)
         try:
             fcntl.flock(root, fcntl.LOCK_SH)
-            self.assertEqual(self.roots_left(), ["root-nobodys"])
+            self.assertEqual(self.roots_left(), ["debian-nobodys"])
         finally:
             os.close(root)
         self.assertEqual(self.roots_left(), [])
