@@ -63,6 +63,19 @@ class Home(unittest.TestCase):
         self.check(f'touch "$WINEPREFIX/drive_c/{mark}" && ls "$WINEPREFIX/system.reg"', "--no-display")
         self.assertFalse((TEMPLATE / "drive_c" / mark).exists())
 
+    def test_what_windows_shares_with_the_template_cannot_be_written(self) -> None:
+        """Its programs are links to Wine's own."""
+        program = "$WINEPREFIX/drive_c/windows/notepad.exe"
+        writers = (f"echo >>{program}", r"wine cmd /c 'copy /y C:\windows\win.ini C:\windows\notepad.exe'")
+        for write in writers:
+            with self.subTest(write):
+                self.check(f"[ -L {program} ]; if {write}; then exit 1; fi; [ -L {program} ]", "--no-display")
+
+    def test_a_home_has_its_own_registry(self) -> None:
+        before = (TEMPLATE / "user.reg").read_bytes()
+        self.check(r"wine reg add 'HKCU\Software\Mark' /f; wineserver -w; grep Mark $WINEPREFIX/user.reg", "--no-display")
+        self.assertEqual((TEMPLATE / "user.reg").read_bytes(), before)
+
     def test_windows_believes_in_the_resolution(self) -> None:
         ask = r"echo $KALVO_DPI; wine reg query 'HKCU\Control Panel\Desktop' /v LogPixels"
         said = self.check(ask, "--no-display", "--dpi", "144").splitlines()
