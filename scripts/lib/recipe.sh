@@ -6,7 +6,7 @@ root_suite=trixie
 root_packages=(
     # the compilers and what the lists files call; the cross compiler in the one thread model that is used
     g++-mingw-w64-x86-64-win32 g++ cmake ninja-build
-    lld clang clang-format clang-tidy libclang-rt-19-dev shellcheck mypy pyflakes3
+    lld clang clang-format clang-tidy libclang-rt-19-dev shellcheck mypy python3-typeshed pyflakes3
     # libraries: the watch's TLS and SPAKE2, expressions, the archive's encoder, the tests' framework
     android-libboringssl-dev libctre-dev libzopfli-dev googletest
     # Windows to run on, and a display to look at
