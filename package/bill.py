@@ -99,7 +99,7 @@ def _license_references(contents: list[parts.Part]) -> list[dict]:
     return [
         {"licenseId": part.license, "name": part.name, "extractedText": part.text().decode()}
         for part in contents
-        if part.license.startswith("LicenseRef-")
+        if part.text and part.license.startswith("LicenseRef-")
     ]
 
 

@@ -40,12 +40,14 @@ class Release:
 def find_release(checkout: Path, build: Path) -> Release:
     """The build's version, and the day that the list of changes gives for it."""
     cache = (build / "CMakeCache.txt").read_text(encoding="utf-8")
-    version = re.search(r"^CMAKE_PROJECT_VERSION:STATIC=(.+)$", cache, re.MULTILINE)[1]
+    built = re.search(r"^CMAKE_PROJECT_VERSION:STATIC=(.+)$", cache, re.MULTILINE)
     changes = (checkout / "CHANGELOG.md").read_text(encoding="utf-8")
     newest = re.search(r"^## (\S+) - (\d{4}-\d\d-\d\d)$", changes, re.MULTILINE)
-    if not newest or newest[1] != version:
-        raise SystemExit(f'CHANGELOG.md does not begin with "## {version} - " and a date')
-    return Release(version, newest[2])
+    if not built:
+        raise SystemExit("the build does not know its version")
+    if not newest or newest[1] != built[1]:
+        raise SystemExit(f'CHANGELOG.md does not begin with "## {built[1]} - " and a date')
+    return Release(built[1], newest[2])
 
 
 def make_guide(checkout: Path) -> bytes:

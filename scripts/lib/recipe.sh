@@ -1,13 +1,12 @@
-# shellcheck shell=bash disable=SC2034 # the names are for the script that sources this
-# What the toolchain root is made of. Its hash names the root, so that every change here
-# takes effect with the next scripts/setup. Sourced by scripts/setup.
+# shellcheck shell=bash disable=SC2034 # the names are for the scripts that source this
+# What the toolchain root is made of, and the third parties' files.
 
 root_suite=trixie
 
 root_packages=(
-    # the compilers and what the lists files call
-    g++-mingw-w64-x86-64 g++ cmake ninja-build
-    lld clang clang-format clang-tidy libclang-rt-19-dev shellcheck
+    # the compilers and what the lists files call; the cross compiler in the one thread model that is used
+    g++-mingw-w64-x86-64-win32 g++ cmake ninja-build
+    lld clang clang-format clang-tidy libclang-rt-19-dev shellcheck mypy python3-typeshed pyflakes3
     # libraries: the watch's TLS and SPAKE2, expressions, the archive's encoder, the tests' framework
     android-libboringssl-dev libctre-dev libzopfli-dev googletest
     # Windows to run on, and a display to look at
@@ -21,9 +20,73 @@ root_packages=(
     iproute2 nftables iputils-ping python3 procps zip unzip gcovr
 )
 
+# How mmdebstrap makes it, without what nobody reads there. Of the documents, the license texts stay: scripts/package takes them from here.
+root_options=(
+    --variant=minbase "--architectures=amd64,i386"
+    --dpkgopt=path-exclude=/usr/share/doc/* --dpkgopt=path-include=/usr/share/doc/*/copyright
+    --dpkgopt=path-exclude=/usr/share/man/* --dpkgopt=path-exclude=/usr/share/info/*
+    --dpkgopt=path-exclude=/usr/share/locale/*
+    # Nothing is lost when the machine stops in the middle: the root is then made anew.
+    --dpkgopt=force-unsafe-io
+)
+
 # The dialogs ask for "MS Shell Dlg". Wine answers with Tahoma, whose letters it draws wider than it
 # measures them, so that words lose their ends; Nimbus Sans fits the templates from 96 to 288 DPI.
 windows_dialog_font="Nimbus Sans"
+
+# Runs in the root when the packages are there.
+finish_root() { # the dialogs' font
+    mkdir /src /third-party
+    touch /etc/hosts /etc/resolv.conf
+    make_wine_small
+    make_windows "$1"
+    link_copies_to_wine /wine-prefix/drive_c
+}
+
+# Two thirds of Wine are debugging information.
+make_wine_small() {
+    find /usr/lib/*/wine/*-windows -type f ! -name '*16' ! -name '*.vxd' -print0 |
+        xargs -0 -P "$(nproc)" -n 50 x86_64-w64-mingw32-strip --strip-debug
+}
+
+# The template that every test's own prefix starts from; the first start takes long.
+make_windows() {
+    export WINEPREFIX=/wine-prefix WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml=
+    local number screen
+    mkfifo /tmp/display
+    Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>/tmp/display &
+    screen=$!
+    read -r number </tmp/display
+    export DISPLAY=:$number
+    wineboot -i
+    wine reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontSubstitutes' /v 'MS Shell Dlg' /d "$1" /f
+    wineserver -w
+    kill "$screen"
+    wait "$screen" || true
+    grep -q "\"MS Shell Dlg\"=\"$1\"" /wine-prefix/system.reg
+}
+
+# Nearly all of a new prefix are copies of Wine's own files. As links they cost a home next to nothing.
+link_copies_to_wine() { # folder
+    local own copy
+    {
+        find /usr/lib/*/wine/*-windows /usr/share/wine -type f -exec sha256sum {} +
+        printf 'copies\n'
+        find "$1" -type f -size +0 -exec sha256sum {} +
+    } | awk '
+        $0 == "copies" { copies = 1; next }
+        { hash = substr($0, 1, 64); path = substr($0, 67) }
+        !copies { own[hash] = path }
+        copies && hash in own { print own[hash] "\t" path }' |
+        while IFS=$'\t' read -r own copy; do ln -sf "$own" "$copy"; done
+}
+
+# All that makes one root another than the next, which names it. Comments are no part of it.
+root_contents() {
+    printf '%s\n' "$root_suite" "$windows_dialog_font" "${root_options[@]}"
+    printf '%s\n' "${root_packages[@]}" | LC_ALL=C sort
+    declare -f finish_root make_wine_small make_windows link_copies_to_wine
+}
 
 # name, SHA-256
 miniz_source_package=woof-doom

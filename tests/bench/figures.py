@@ -15,7 +15,7 @@ import program as programs
 from answering import Answering
 from executable import Executable
 from package import write_package
-from program import Program, windows_path
+from program import windows_path
 from watch import Watch
 
 # What the program itself waits before each adb command and before it looks at a connection.

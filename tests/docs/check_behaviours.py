@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Checks docs/behaviours.md: every test that it names runs, and each table is as long as it says.
+"""Checks docs/behaviours.md: every test that it names runs, and each table is as long as it says. The tests that
+SECURITY.md names run as well.
 
     check_behaviours.py CHECKOUT BUILD HOST_BUILD
 """
@@ -13,6 +14,7 @@ from running import running
 
 PAGE = "docs/behaviours.md"
 HELD_BY = "held by"
+OTHER_PAGE = "SECURITY.md"
 
 
 @dataclass
@@ -75,6 +77,16 @@ def faults_of(page: str, sections: list[Section], known: set[str]) -> list[str]:
     return faults
 
 
+def unknown_tests_in(page: str, known: set[str]) -> list[str]:
+    """Names of a page that look like tests, since others begin so, and are none; a name may stand for a whole class
+    or, ending in a star, for a whole group."""
+    begins = {name.partition(".")[0] for name in known}
+    wholes = known | {name.rpartition(".")[0] for name in known}
+    names = [name for name in re.findall(r"`([^` ]+)`", page) if name.partition(".")[0] in begins or name[:5] == "unit-"]
+    assert names, f"{OTHER_PAGE} names no test"
+    return [name for name in names if name.removesuffix(".*") not in wholes]
+
+
 def main() -> int:
     checkout, build, host_build = map(Path, sys.argv[1:])
     known = running(checkout, build, host_build).names
@@ -83,9 +95,12 @@ def main() -> int:
     faults = faults_of(page, sections, known)
     for fault in faults:
         print(f"{PAGE}: {fault}", file=sys.stderr)
+    unknown = unknown_tests_in((checkout / OTHER_PAGE).read_text(encoding="utf-8"), known)
+    for name in unknown:
+        print(f"{OTHER_PAGE}: no test {name} runs", file=sys.stderr)
     rows = [row for section in sections for row in section.rows]
     print(f"{len(rows)} cases, held by {len({name for row in rows for name in row.names})} tests")
-    return 1 if faults else 0
+    return 1 if faults or unknown else 0
 
 
 if __name__ == "__main__":

@@ -7,7 +7,8 @@ import unittest
 import uuid
 from pathlib import Path
 
-HOME = Path(__file__).with_name("home")
+HERE = Path(__file__).parent
+HOME = str(HERE / "home")
 TEMPLATE = Path("/wine-prefix")
 PROBE = Path(os.environ["KALVO_BUILD"]) / "wine" / "tests" / "probe.exe"
 
@@ -62,6 +63,19 @@ class Home(unittest.TestCase):
         self.check(f'touch "$WINEPREFIX/drive_c/{mark}" && ls "$WINEPREFIX/system.reg"', "--no-display")
         self.assertFalse((TEMPLATE / "drive_c" / mark).exists())
 
+    def test_what_windows_shares_with_the_template_cannot_be_written(self) -> None:
+        """Its programs are links to Wine's own."""
+        program = "$WINEPREFIX/drive_c/windows/notepad.exe"
+        writers = (f"echo >>{program}", r"wine cmd /c 'copy /y C:\windows\win.ini C:\windows\notepad.exe'")
+        for write in writers:
+            with self.subTest(write):
+                self.check(f"[ -L {program} ]; if {write}; then exit 1; fi; [ -L {program} ]", "--no-display")
+
+    def test_a_home_has_its_own_registry(self) -> None:
+        before = (TEMPLATE / "user.reg").read_bytes()
+        self.check(r"wine reg add 'HKCU\Software\Mark' /f; wineserver -w; grep Mark $WINEPREFIX/user.reg", "--no-display")
+        self.assertEqual((TEMPLATE / "user.reg").read_bytes(), before)
+
     def test_windows_believes_in_the_resolution(self) -> None:
         ask = r"echo $KALVO_DPI; wine reg query 'HKCU\Control Panel\Desktop' /v LogPixels"
         said = self.check(ask, "--no-display", "--dpi", "144").splitlines()
@@ -100,7 +114,7 @@ class Home(unittest.TestCase):
             home = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
             homes.append(self.enterContext(home))
         # Nobody calls before both listen.
-        self.assertEqual([home.stdout.readline() for home in homes], ["up\n", "up\n"])
+        self.assertEqual([home.stdout.readline() for home in homes if home.stdout], ["up\n", "up\n"])
         self.assertEqual([home.communicate("go\n", timeout=60)[0].strip() for home in homes], ["first", "second"])
 
     def test_what_it_started_ends_with_it(self) -> None:
@@ -143,7 +157,7 @@ class TestProgramsOfWindows(unittest.TestCase):
     THE_END = "del %TEST_PREMATURE_EXIT_FILE%"
 
     def run_program(self, commands: str) -> subprocess.CompletedProcess[str]:
-        return in_home(f"{HOME.with_name('gtest')} cmd.exe /c '{commands}'", "--no-display")
+        return in_home(f"{HERE / 'gtest'} cmd.exe /c '{commands}'", "--no-display")
 
     def test_the_exit_status_is_the_programs(self) -> None:
         for status in (0, 5):

@@ -1,7 +1,7 @@
 """Small mistakes that one could make in a line of C++: what each looks like, and where in a text they are possible."""
 
 import re
-from collections.abc import Iterator
+from collections.abc import Callable, Iterator
 from dataclasses import dataclass
 from pathlib import Path
 
@@ -11,7 +11,7 @@ LITERAL = re.compile(r"""L?R"\(.*?\)"|L?"(?:\\.|[^"\\])*"|L?'(?:\\.|[^'\\])*'|//
 WITHOUT_CODE = re.compile(r"\s*(//|#|using |namespace |static_assert|template|extern |\}[^(]*$|\{$|public:|private:|$)")
 
 # Each is tried at every place of the line's code where it fits.
-REPLACEMENTS = [
+REPLACEMENTS: list[tuple[str, re.Pattern[str], str | Callable[[re.Match[str]], str]]] = [
     ("another comparison", re.compile(r" == "), " != "),
     ("another comparison", re.compile(r" != "), " == "),
     ("another comparison", re.compile(r" < "), " <= "),

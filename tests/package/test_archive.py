@@ -49,6 +49,7 @@ class Archive(PackageTest):
 
     def test_entries_are_sorted_readable_and_of_the_release_day(self) -> None:
         day = re.search(r"^## \S+ - (\d+)-(\d+)-(\d+)$", (CHECKOUT / "CHANGELOG.md").read_text(), re.MULTILINE)
+        assert day
         with zipfile.ZipFile(self.archive) as archive:
             entries = archive.infolist()
         self.assertEqual(sorted(self.entries), [entry.filename for entry in entries])
@@ -59,7 +60,9 @@ class Archive(PackageTest):
                 self.assertEqual(zipfile.ZIP_DEFLATED, entry.compress_type)
 
     def test_version_is_the_programs(self) -> None:
-        version = re.fullmatch(r"KalvoApkInstaller-(\d+\.\d+\.\d+)-x64\.zip", self.archive.name)[1]
+        named = re.fullmatch(r"KalvoApkInstaller-(\d+\.\d+\.\d+)-x64\.zip", self.archive.name)
+        assert named, self.archive
+        version = named[1]
         value = PROGRAM.read_bytes().partition("ProductVersion\0".encode("utf-16-le"))[2]
         # Padding up to 32 bits stands before a value.
         self.assertEqual(f"{version}.0", value[:32].decode("utf-16-le").lstrip("\0").partition("\0")[0])

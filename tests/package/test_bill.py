@@ -217,7 +217,9 @@ class Bill(PackageTest):
     def test_miniz_is_the_version_that_its_header_tells(self) -> None:
         # The release that is called 3.0.2 calls its interface 11.0.2, each number 8 ahead in its first place.
         header = (THIRD_PARTY / "miniz/miniz.h").read_text(encoding="utf-8")
-        major, rest = re.search(r'#define MZ_VERSION "(\d+)(\.\d+\.\d+)"', header).groups()
+        told = re.search(r'#define MZ_VERSION "(\d+)(\.\d+\.\d+)"', header)
+        assert told
+        major, rest = told.groups()
         self.assertEqual(f"{int(major) - 8}{rest}", self.elements[PART + "miniz"]["versionInfo"])
 
 

@@ -63,11 +63,11 @@ class Signature(PackageTest):
         cls, signed: Path, password: Path | None = None, certificate: Path | None = None, **surroundings
     ) -> subprocess.CompletedProcess:
         secret = ("--certificate", certificate or cls.certificate, "--password", password or cls.password)
-        words = [sys.executable, "-B", SIGN, "sign", PROGRAM, signed, *secret]
+        words = [str(word) for word in (sys.executable, "-B", SIGN, "sign", PROGRAM, signed, *secret)]
         return subprocess.run(words, capture_output=True, text=True, **surroundings)
 
     def check(self, signed: Path) -> subprocess.CompletedProcess:
-        words = [sys.executable, "-B", SIGN, "check", PROGRAM, signed]
+        words = [str(word) for word in (sys.executable, "-B", SIGN, "check", PROGRAM, signed)]
         return subprocess.run(words, capture_output=True, text=True)
 
     def changed(self, offset: int, source: Path) -> Path:
@@ -81,7 +81,7 @@ class Signature(PackageTest):
         self.assertEqual(0, self.check(self.signed).returncode)
 
     def test_is_the_makers_by_the_authority(self) -> None:
-        verify = ["osslsigncode", "verify", "-ignore-crl", "-CAfile", self.folder / "ca.pem", "-in", self.signed]
+        verify = ["osslsigncode", "verify", "-ignore-crl", "-CAfile", str(self.folder / "ca.pem"), "-in", str(self.signed)]
         answer = subprocess.run(verify, capture_output=True, text=True)
         self.assertEqual(0, answer.returncode, answer.stdout)
         self.assertIn("Subject: /CN=A maker of programs", answer.stdout)
@@ -106,12 +106,12 @@ class Signature(PackageTest):
         other = self.folder / "other.exe"
         sign = ["osslsigncode", "sign", "-pkcs12", self.certificate, "-readpass", self.password]
         source = self.changed(PROGRAM.stat().st_size // 2, PROGRAM)
-        subprocess.run([*sign, "-in", source, "-out", other], check=True, capture_output=True)
+        subprocess.run([*map(str, sign), "-in", source, "-out", other], check=True, capture_output=True)
         self.assertIn("without its signature is not", self.check(other).stderr)
 
     def test_without_the_signature_the_bytes_are_those_of_the_hashes(self) -> None:
         bare = self.folder / "bare.exe"
-        words = ["osslsigncode", "remove-signature", "-in", self.signed, "-out", bare]
+        words = ["osslsigncode", "remove-signature", "-in", str(self.signed), "-out", str(bare)]
         subprocess.run(words, check=True, capture_output=True)
         lines = (self.output / "SHA256SUMS").read_text(encoding="ascii").splitlines()
         hashes = {name: value for value, name in (line.split() for line in lines)}
@@ -121,7 +121,7 @@ class Signature(PackageTest):
         certificate, key = make_time_stamper(self.folder)
         stamped = self.folder / "stamped.exe"
         stamp = ["osslsigncode", "add", "-TSA-certs", certificate, "-TSA-key", key, "-in", self.signed, "-out", stamped]
-        subprocess.run(stamp, check=True, capture_output=True)
+        subprocess.run([*map(str, stamp)], check=True, capture_output=True)
         self.assertNotEqual(sha256(self.signed.read_bytes()), sha256(stamped.read_bytes()))
         answer = self.check(stamped)
         self.assertEqual(0, answer.returncode, answer.stderr)

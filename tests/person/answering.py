@@ -12,7 +12,7 @@ class Answering:
 
     def __init__(self, program: Path, *arguments: str, patience: float) -> None:
         """`patience` is how many seconds an answer may take, and is followed by the program's end."""
-        self._command = ["wine", program, *arguments]
+        self._command = ["wine", str(program), *arguments]
         self._patience = patience
 
     def __enter__(self) -> Self:

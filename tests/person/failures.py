@@ -88,9 +88,9 @@ class FailureTest(InstallationTest):
         assert sight.frame
         self.assertEqual(box.window.owner, sight.frame.handle if owned else 0)
         self.assertEqual(sight.view.foreground, box.window.handle)
-        self.person.picture(places.build() / "run" / "boxes" / f"{picture}.png", box.window)
         self.assertTrue(guide.explains(box), f"the guide does not explain {box}")
         self.assertEqual(looks.look_at_box(self.person.eyes, box), [])
+        self.person.picture(places.build() / "run" / "boxes" / f"{picture}.png", box.window)
         self.person.dismiss(box)
 
     def expect_page(self, number: int, status: str) -> None:

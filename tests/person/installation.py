@@ -1,7 +1,5 @@
 """What the person's tests have in common: a watch, an installer with a package beside it, and somebody in front of it."""
 
-from pathlib import Path
-
 import program as programs
 from evidence import ObservedTest
 from eyes import Eyes

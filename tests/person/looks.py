@@ -3,12 +3,14 @@
 Every function returns its findings as sentences; none is good news. A text that cannot be measured is an error.
 """
 
+import contextlib
 import itertools
 from collections.abc import Iterable, Sequence
 
 import pages
 from eyes import DIALOG_CLASS, TAB_STOP, Area, Eyes, Measure, Window
 from screen import Screen
+from waiting import WaitedTooLong, wait_for
 from wizard import MessageBox, Sight
 
 # What the fields can hold at most.
@@ -88,15 +90,34 @@ def _texts(window: Window) -> list[tuple[Window, str]]:
     return [(window, FULLEST.get(window.id, SCROLLED.get(window.id, "")))]
 
 
-def _painted_text(eyes: Eyes, screen: Screen, window: Window, font: str, covers: Sequence[Window] = ()) -> list[str]:
-    """A static whose words are not on the screen where they were measured."""
-    measured = _measure(eyes, window, font).ink
-    if measured.is_empty:
-        return []
-    ink = screen.ink(window.area, [cover.area for cover in covers])
+def _painted_texts(eyes: Eyes, windows: Iterable[tuple[Window, str, Sequence[Window]]]) -> list[str]:
+    """Statics whose words are not on the screen where they were measured: each with its font and with what covers it.
+
+    A program paints when it has nothing else to do, and no look at its windows tells whether it has: a word that is
+    missing may still come.
+    """
+    texts = [
+        (window, measured, [cover.area for cover in covers])
+        for window, font, covers in windows
+        if not (measured := _measure(eyes, window, font).ink).is_empty
+    ]
+    findings: list[str] = []
+
+    def all_painted() -> bool:
+        screen = Screen.now()
+        findings[:] = filter(None, (_painted_elsewhere(screen, *text) for text in texts))
+        return not findings
+
+    with contextlib.suppress(WaitedTooLong):
+        wait_for("the words to be painted", all_painted)
+    return findings
+
+
+def _painted_elsewhere(screen: Screen, window: Window, measured: Area, covers: Sequence[Area]) -> str:
+    ink = screen.ink(window.area, covers)
     if ink and all(abs(a - b) <= SOFT for a, b in zip(_edges(ink), _edges(measured), strict=True)):
-        return []
-    return [f"{name_of(window)} is painted in {ink}, but measured in {measured}"]
+        return ""
+    return f"{name_of(window)} is painted in {ink}, but measured in {measured}"
 
 
 def _edges(area: Area) -> tuple[int, int, int, int]:
@@ -123,28 +144,29 @@ def _outside(windows: Sequence[Window], area: Area, whose: str) -> list[str]:
 def look_at_page(eyes: Eyes, sight: Sight) -> list[str]:
     """All about the page that is shown, and about the frame around it."""
     assert sight.frame and sight.page
-    screen = Screen.now()
     page = page_window(sight)
     controls = _visible(page.children)
     parts = _visible(sight.frame.children)
     body = sight.control(sight.page.body)
     assert body in controls and sight.title, "there is nothing to look at"
     covers = [control for control in controls if control.text == PLACED_OVER_BODY.get(sight.number)]
-    findings = _outside([sight.frame], screen.area, "the screen")
+    findings = _outside([sight.frame], Screen.now().area, "the screen")
     findings += _outside(parts, sight.frame.area, "the frame") + _outside(controls, page.area, "the page")
     findings += _overlaps(parts) + _overlaps(controls, [body, *covers])
     findings += _cut_texts(eyes, controls, "page")
     for control in controls:
-        if control.is_kind("Static"):
-            findings += _painted_text(eyes, screen, control, "page", covers if control is body else ())
         if control.is_kind("SysIPAddress32"):
             fields = control.children
             findings += _outside(fields, control.area, name_of(control)) + _overlaps(fields)
     titles = [part for part in parts if part.is_kind("Static")]
     findings += _cut_texts(eyes, titles, "title")
     findings += _cut_texts(eyes, [part for part in parts if part not in titles], "frame")
-    for title in titles:
-        findings += _painted_text(eyes, screen, title, "title")
+    statics = [control for control in controls if control.is_kind("Static")]
+    findings += _painted_texts(
+        eyes,
+        [(static, "page", covers if static is body else ()) for static in statics]
+        + [(title, "title", ()) for title in titles],
+    )
     for cover in covers:
         findings += _words_under(eyes, body, cover)
     return findings
@@ -159,14 +181,10 @@ def _words_under(eyes: Eyes, body: Window, cover: Window) -> list[str]:
 def look_at_box(eyes: Eyes, box: MessageBox) -> list[str]:
     """All about a message box."""
     assert box.message and box.buttons, "there is nothing to look at"
-    screen = Screen.now()
     parts = _visible(box.window.children)
-    findings = _outside([box.window], screen.area, "the screen") + _outside(parts, box.window.area, "the box")
+    findings = _outside([box.window], Screen.now().area, "the screen") + _outside(parts, box.window.area, "the box")
     findings += _overlaps(parts) + _cut_texts(eyes, parts, "box")
-    for part in parts:
-        if part.is_kind("Static"):
-            findings += _painted_text(eyes, screen, part, "box")
-    return findings
+    return findings + _painted_texts(eyes, [(part, "box", ()) for part in parts if part.is_kind("Static")])
 
 
 def default_buttons(window: Window) -> list[int]:

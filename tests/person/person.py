@@ -5,7 +5,6 @@ from collections.abc import Callable
 from pathlib import Path
 
 import hands
-import pages
 import pictures
 from eyes import Eyes, Window
 from waiting import wait_for, wait_for_value
@@ -45,12 +44,13 @@ class Person:
     def wait_until(self, what: str, seen: Callable[[Sight], object], seconds: float = 10.0) -> Sight:
         """Looks until what is seen pleases."""
 
+        last: Sight | None = None
+
         def look() -> Sight | None:
             nonlocal last
             last = self.look()
             return last if seen(last) else None
 
-        last: Sight | None = None
         try:
             found = wait_for(what, look, seconds)
         except AssertionError as error:

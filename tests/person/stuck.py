@@ -14,7 +14,7 @@ import guide
 import network
 import pages
 from eyes import Eyes
-from journey import go_on, go_to_page
+from journey import go_to_page
 from package import write_package
 from person import Person
 from program import Program, own_folder, windows_path

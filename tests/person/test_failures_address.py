@@ -9,6 +9,7 @@ from collections.abc import Iterator
 
 import network
 import pages
+from eyes import Window
 from failures import BAD_PORT, NO_CONNECTION, NO_NETWORK, NOT_FOUND, FailureTest
 from journey import go_to_page
 
@@ -95,7 +96,7 @@ class Address(FailureTest):
         self.person.press("Escape")
         self.finish()
 
-    def last_field(self) -> object:
+    def last_field(self) -> Window:
         return max(self.person.look().control(pages.ADDRESS).children, key=lambda window: window.x)
 
     def expect_pings(self, address: str) -> None:

@@ -40,6 +40,7 @@ class TheKeyboardAlone(InstallationTest):
         sight = self.person.wait_until("Next", lambda sight: "Next" in sight.buttons)
         self.assertEqual(sight.number, 2)
         self.assertEqual(sight.boxes, ())
+        assert sight.page and sight.page.box
         self.assertIs(self.person.holds(sight.page.box), True)
 
 

@@ -26,9 +26,9 @@ def wait_for(what: str, look: Callable[[], T], seconds: float = 10.0, every: flo
         time.sleep(every)
 
 
-def wait_for_value(what: str, ask: Callable[[], T], wanted: T, seconds: float = 10.0) -> None:
+def wait_for_value(what: str, ask: Callable[[], object], wanted: object, seconds: float = 10.0) -> None:
     """Asks until the answer is the wanted one. The last answer is told when it does not come."""
-    last = None
+    last: object = None
 
     def comes() -> bool:
         nonlocal last

@@ -17,7 +17,7 @@ def program() -> Path:
 
 
 def _ask(*arguments: str) -> bytes:
-    command = ["wine", program(), *arguments]
+    command = ["wine", str(program()), *arguments]
     return subprocess.run(command, check=True, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, timeout=30).stdout
 
 
@@ -70,7 +70,7 @@ def hold(file: Path) -> Iterator[None]:
 def _beside(*arguments: str) -> Iterator[subprocess.Popen[str]]:
     """It does that, the last argument being what it says when it does, until the end of its input."""
     *words, begins = arguments
-    command = ["wine", program(), *words]
+    command = ["wine", str(program()), *words]
     with subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True) as beside:
         assert beside.stdout
         assert beside.stdout.readline() == f"{begins}\n", f"it cannot {' '.join(words)}"

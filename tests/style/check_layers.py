@@ -38,10 +38,10 @@ def picture_of(page: str) -> dict[str, Floor]:
     return floors
 
 
-def folder_of(path: str, folders: list[str]) -> str | None:
-    """The innermost of the folders that a path from the top begins with."""
+def folder_of(path: str, folders: list[str]) -> str:
+    """The innermost of the folders that a path from the top begins with; empty where it begins with none."""
     inside = [folder for folder in folders if path.startswith(folder + "/")]
-    return max(inside, key=len, default=None)
+    return max(inside, key=len, default="")
 
 
 def included(checkout: Path, folders: list[str]) -> tuple[dict[str, set[str]], list[str]]:
@@ -56,7 +56,7 @@ def included(checkout: Path, folders: list[str]) -> tuple[dict[str, set[str]], l
                 continue
             for name in re.findall(r'^ *# *include *"([^"]+)"', source.read_text(encoding="utf-8"), re.MULTILINE):
                 other = folder_of(name, folders)
-                if other is None:
+                if not other:
                     strange.append(f'{path} includes "{name}", which lies in no folder of the picture')
                 elif other != own:
                     arrows[own].add(other)

@@ -63,7 +63,7 @@ def prepare(checkout: Path, build: Path, folders: list[Path], scratch: Path) -> 
 def main(clang_tidy: str, checkout: str, build: str, *names: str) -> int:
     scratch = Path(build) / "tidy"
     everything = prepare(Path(checkout), Path(build), [Path(checkout) / name for name in names], scratch)
-    command = [clang_tidy, "-p", scratch, "--quiet", f"--checks={CHECKS}", everything]
+    command = [clang_tidy, "-p", str(scratch), "--quiet", f"--checks={CHECKS}", str(everything)]
     return subprocess.run(command, check=False).returncode
 
 

@@ -14,6 +14,7 @@ import sys
 import unittest
 from collections.abc import Iterator
 from pathlib import Path
+from typing import Any
 
 
 def cases_of(suite: unittest.TestSuite) -> Iterator[unittest.TestCase]:
@@ -30,10 +31,10 @@ def name_of(case: unittest.TestCase) -> str:
 
 def body_of(case: unittest.TestCase) -> tuple[str, str]:
     method = inspect.unwrap(getattr(type(case), case.id().rpartition(".")[2]))
-    return str(Path(inspect.getsourcefile(method)).resolve()), method.__qualname__
+    return str(Path(method.__code__.co_filename).resolve()), method.__qualname__
 
 
-def tell(program: unittest.TestProgram) -> None:
+def tell(program: Any) -> None:
     """In place of the run."""
     whole = unittest.TestLoader().loadTestsFromModule(program.module)
     selected = list(cases_of(program.test))
@@ -50,7 +51,7 @@ def tell(program: unittest.TestProgram) -> None:
 def main(script: str) -> None:
     sys.argv.pop(0)
     sys.path[0] = str(Path(script).parent)
-    unittest.TestProgram.runTests = tell
+    setattr(unittest.TestProgram, "runTests", tell)
     runpy.run_path(script, run_name="__main__")
 
 
