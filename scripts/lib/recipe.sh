@@ -43,10 +43,11 @@ finish_root() { # the dialogs' font
     link_copies_to_wine /wine-prefix/drive_c
 }
 
-# Two thirds of Wine are debugging information.
+# Two thirds of Wine are debugging information. Wine maps a library only where its sections lie at whole pages of the
+# file; others it reads into memory as a whole, in every process anew.
 make_wine_small() {
     find /usr/lib/*/wine/*-windows -type f ! -name '*16' ! -name '*.vxd' -print0 |
-        xargs -0 -P "$(nproc)" -n 50 x86_64-w64-mingw32-strip --strip-debug
+        xargs -0 -P "$(nproc)" -n 1 x86_64-w64-mingw32-objcopy --strip-debug --file-alignment 4096
 }
 
 # The template that every test's own prefix starts from; the first start takes long.
