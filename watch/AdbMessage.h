@@ -19,6 +19,8 @@ enum class EAdbCommand : std::uint32_t
 
 // From this version on, neither side looks at the check sum of a payload.
 constexpr std::uint32_t ADB_VERSION = 0x01000001;
+
+// The version in the announcement of TLS.
 constexpr std::uint32_t STLS_VERSION = 0x01000000;
 
 // What either side announces as the longest payload that it takes.

@@ -47,7 +47,7 @@ public:
     // Says goodbye to the peer as TLS wants it, without waiting for an answer.
     void SayGoodbye();
 
-protected:
+protected: // for the tests' computer, which begins TLS as the client
     int m_fd;
     bssl::UniquePtr<SSL> m_ssl; // null in the clear
 
