@@ -89,7 +89,7 @@ std::string Help()
 {
     std::string szHelp = "usage: emulated-watch SWITCHES; the first five must be given\n";
     for (const SSwitch& s : SWITCHES) {
-        szHelp += std::format("  {:<17} {}\n", std::string(s.name).append(" ").append(s.value), s.help);
+        szHelp += std::format("  {:<18} {}\n", std::string(s.name).append(" ").append(s.value), s.help);
     }
     return szHelp;
 }
