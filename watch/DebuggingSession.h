@@ -23,10 +23,7 @@ struct SDevice
 class CDebuggingSession
 {
 public:
-    // The most streams that one computer may have open; adb needs one per command that runs.
-    static constexpr std::size_t MOST_STREAMS = 8;
-
-    CDebuggingSession(CConnection& connection, const SDevice& device);
+    CDebuggingSession(CConnection& connection, const SDevice& device) : m_connection(connection), m_device(device) {}
 
     // Throws CConnectionError for everything that is not the protocol.
     void Run();
@@ -39,9 +36,7 @@ private:
         bool bAwaitsOkay = false;
     };
 
-    using Streams = std::map<std::uint32_t, SStream>;
-
-    void ReadGreeting();
+    bool ReadGreeting();
     bool StartTls();
     void Serve();
     void RefuseConsent();
@@ -49,20 +44,12 @@ private:
 
     void OnOpen(const SAdbMessage& message);
     std::unique_ptr<CService> OpenService(std::string_view service) const;
-    void OnOkay(const SAdbMessage& message);
-    void OnWrite(const SAdbMessage& message);
-    void OnClose(const SAdbMessage& message);
-
-    Streams::iterator Find(const SAdbMessage& message);
-    void ContinueReply(Streams::iterator stream);
-    SAdbMessage Receive();
+    void OnStream(const SAdbMessage& message);
+    void ContinueReply(std::uint32_t nOurId, SStream& stream);
     void Send(EAdbCommand command, std::uint32_t nArgument0, std::uint32_t nArgument1, ByteView payload = {});
 
     CConnection& m_connection;
     const SDevice& m_device;
-    bool m_bCheckSums = true;
-    bool m_bGreetedBefore = false;
-    std::size_t m_nMostPayload = 0;
     std::uint32_t m_nLastId = 0;
-    Streams m_streams; // by our id
+    std::map<std::uint32_t, SStream> m_streams; // by our id
 };

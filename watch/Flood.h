@@ -1,24 +1,24 @@
 // The answers of a hostile device.
 #pragma once
 
-#include "InstallReply.h"
+#include "Reply.h"
 #include "Service.h"
 
 #include <algorithm>
 #include <string_view>
 #include <utility>
 
-// Ignores what arrives and answers at once, with as many bytes as it is told.
+// Ignores what arrives and answers at once.
 class CFlood : public CService
 {
 public:
-    explicit CFlood(CInstallReply reply) : m_reply(std::move(reply)) {}
+    explicit CFlood(CReply reply) : m_reply(std::move(reply)) {}
 
     void Take(ByteView) override {}
 
-    std::string NextPiece(std::size_t nMost) override
+    std::string NextPiece() override
     {
-        return m_reply.NextPiece(nMost);
+        return m_reply.NextPiece();
     }
 
     bool IsDone() const override
@@ -27,7 +27,7 @@ public:
     }
 
 private:
-    CInstallReply m_reply;
+    CReply m_reply;
 };
 
 // Lets the computer copy a file and forgets it. That is talked about in words of four letters and a number each: there
@@ -47,7 +47,7 @@ public:
         m_bDone = last.starts_with("QUIT");
     }
 
-    std::string NextPiece(std::size_t) override
+    std::string NextPiece() override
     {
         return std::string(std::exchange(m_answer, {}));
     }

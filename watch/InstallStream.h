@@ -1,40 +1,28 @@
 // An install as the package manager of a device sees it: a package comes in, an answer goes out.
 #pragma once
 
-#include "InstallReply.h"
 #include "Log.h"
-#include "Options.h"
-#include "PackageFile.h"
+#include "Reply.h"
 #include "Service.h"
 
-#include <memory>
-#include <optional>
-#include <string_view>
+#include <fstream>
 
-// What a service that adb asks for wants installed. The size is absent when the service names none.
-struct SInstallRequest
-{
-    std::optional<std::uint64_t> nSize;
-};
+// The size of the package that a service brings, when it is a streamed install: `exec:cmd package 'install' -S SIZE`.
+std::optional<std::uint64_t> InstallSizeOf(std::string_view service);
 
-// Nothing when the service is another one. The forms known are those of streamed installs,
-// `exec:cmd package 'install' -S SIZE`, with any further arguments.
-std::optional<SInstallRequest> ParseInstallService(std::string_view service);
-
-// Takes the parts of the package. Tells the log of each stage, of one that is broken off too.
+// Takes the parts of the package into a file beside the store, which it becomes when it is whole: whoever reads the
+// store sees a whole package or the one before. Tells the log of each stage, of one that is broken off too.
 class CInstallStream : public CService
 {
 public:
-    static constexpr std::uint64_t LARGEST_PACKAGE = 256 * 1024 * 1024;
-
     // The three references must outlive the stream.
-    CInstallStream(const SInstallRequest& request, const SOptions& options, CReplies& replies, CLog& log);
+    CInstallStream(std::uint64_t nSize, const SOptions& options, CReplies& replies, CLog& log);
     ~CInstallStream() override;
 
-    // What goes beyond the announced size is ignored.
+    // Throws std::runtime_error when the file cannot be written.
     void Take(ByteView bytes) override;
 
-    std::string NextPiece(std::size_t nMost) override;
+    std::string NextPiece() override;
 
     bool IsDone() const override
     {
@@ -43,15 +31,14 @@ public:
 
 private:
     void Complete();
-    void Refuse(std::string_view reason, std::string_view reply);
 
     const SOptions& m_options;
     CReplies& m_replies;
     CLog& m_log;
-    std::uint64_t m_nSize = 0;
+    std::uint64_t m_nSize;
     std::uint64_t m_nReceived = 0;
-    std::unique_ptr<CPackageFile> m_pFile; // while receiving
-    std::optional<CInstallReply> m_reply;  // while answering
-    bool m_bStopTold = false;
+    std::filesystem::path m_unfinished;
+    std::ofstream m_stream;        // open while receiving
+    std::optional<CReply> m_reply; // while answering
     bool m_bDone = false;
 };

@@ -4,30 +4,22 @@
 #include <array>
 #include <cstdint>
 #include <openssl/x509.h>
-#include <optional>
 #include <string>
 #include <string_view>
 
-// An RSA-2048 public key. A computer gives its key as adb text when it pairs and inside a certificate when it
-// connects; modulus and exponent are what both have in common.
-struct SPublicKey
-{
-    std::array<std::uint8_t, 256> modulus; // big endian
-    std::uint32_t nExponent;
-
-    bool operator==(const SPublicKey&) const = default;
-};
+// The modulus of an RSA-2048 key, big endian. A computer gives its key as adb text when it pairs and inside a
+// certificate when it connects; this is what both have in common.
+using PublicKey = std::array<std::uint8_t, 256>;
 
 // A line of the kind that adb keeps in its key files: base64 of the key structure, a blank, the owner's name.
 struct SAdbKey
 {
-    SPublicKey key;
-    std::string szBase64;
-    std::string szName; // printable; empty when the line had none
+    PublicKey key;
+    std::string szName;
 };
 
-// Nothing when the text is not such a line, or when the structure in it is not an RSA-2048 key.
-std::optional<SAdbKey> ParseAdbKey(std::string_view text);
+// Throws std::runtime_error when the text is not such a line.
+SAdbKey ParseAdbKey(std::string_view text);
 
-// Nothing when the certificate's key is not RSA-2048.
-std::optional<SPublicKey> PublicKeyOf(X509* certificate);
+// Zeros when the certificate's key is not RSA-2048.
+PublicKey PublicKeyOf(X509* certificate);

@@ -18,8 +18,9 @@ public:
     // Throws CConnectionError when the connection is to break here.
     virtual void Take(ByteView bytes) = 0;
 
-    // The next bytes of the answer, at most `nMost`; none while there is none yet, and none after its end.
-    virtual std::string NextPiece(std::size_t nMost) = 0;
+    // The next bytes of the answer, asked for when those before have been acknowledged; none while there is none yet,
+    // and none after its end.
+    virtual std::string NextPiece() = 0;
 
     // True after the last piece: the stream is to be closed.
     virtual bool IsDone() const = 0;

@@ -1,6 +1,5 @@
 // The emulated watch: a device that real adb pairs with, connects to and installs a package on.
 
-#include "Log.h"
 #include "Options.h"
 #include "Watch.h"
 
@@ -9,11 +8,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <exception>
 
 namespace {
-
-constexpr int EXIT_USAGE = 2;
 
 // The threads of the watch inherit the mask, so a signal waits until this thread asks for it.
 sigset_t BlockStopSignals()
@@ -26,15 +22,18 @@ sigset_t BlockStopSignals()
     return signals;
 }
 
-void RunUntilStopped(const SOptions& options, const sigset_t& signals)
+void RunUntilStopped(const SOptions& options)
 {
-    CLog log(PrintLine);
+    const sigset_t signals = BlockStopSignals();
+    // Whoever waits for an event reads through a pipe or a file, where the C library would hold lines back.
+    CLog log([](const std::string& szLine) {
+        std::puts(szLine.c_str());
+        std::fflush(stdout);
+    });
     {
         const CWatch watch(options, log);
-        char szAddress[INET_ADDRSTRLEN] = "";
-        inet_ntop(AF_INET, &options.address, szAddress, sizeof szAddress);
-        log.Line("listening {} debugging {} pairing {} code {}", szAddress, watch.DebuggingPort(), watch.PairingPort(),
-                 options.szCode);
+        log.Line("listening {} debugging {} pairing {} code {}", inet_ntoa(options.address), watch.DebuggingPort(),
+                 watch.PairingPort(), options.szCode);
         int nSignal = 0;
         sigwait(&signals, &nSignal);
     }
@@ -46,18 +45,15 @@ void RunUntilStopped(const SOptions& options, const sigset_t& signals)
 int main(int argc, char* argv[])
 {
     const std::span<const char* const> arguments(argv + 1, argv + argc);
-    if (arguments.size() == 1 && std::strcmp(arguments[0], "--help") == 0) {
-        std::printf("%s\n\n%s", USAGE, SWITCHES_HELP);
-        return EXIT_SUCCESS;
-    }
     try {
-        RunUntilStopped(ParseOptions(arguments), BlockStopSignals());
+        if (arguments.size() == 1 && std::strcmp(arguments[0], "--help") == 0) {
+            std::fputs(Help().c_str(), stdout);
+        } else {
+            RunUntilStopped(ParseOptions(arguments));
+        }
         return EXIT_SUCCESS;
-    } catch (const CUsageError& error) {
-        std::fprintf(stderr, "emulated-watch: %s\n%s\n", error.what(), USAGE);
-        return EXIT_USAGE;
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "emulated-watch: %s\n", error.what());
+        std::fprintf(stderr, "emulated-watch: %s; --help tells more\n", error.what());
         return EXIT_FAILURE;
     }
 }

@@ -1,65 +1,40 @@
-// The computer's side of wireless debugging, for tests: what adb does, written down a second time so that a mistake of
-// the watch does not cancel itself out, and able to do it wrong.
+// The computer's side of wireless debugging, for tests. It writes messages and pairs with the watch's own code: that
+// adb does so in the same way is what tests/commands holds, with the real adb.
 #pragma once
 
-#include "Bytes.h"
+#include "AdbMessage.h"
 #include "FileDescriptor.h"
 #include "TlsIdentity.h"
 
-#include <functional>
-#include <map>
-#include <openssl/ssl.h>
 #include <optional>
-#include <string>
 
-// A TCP connection to 127.0.0.1. Reads end after half a minute at the latest, as if the other side had closed.
-class CTestSocket
+// A TCP connection to 127.0.0.1. Half a minute without an answer counts as its end.
+class CClient : public CConnection
 {
 public:
-    explicit CTestSocket(std::uint16_t nPort);
+    explicit CClient(std::uint16_t nPort);
 
-    // `afterHello` is sent right behind the first that TLS has to say, `afterHandshake` behind the last of it.
-    void StartTls(SSL_CTX* context, ByteView afterHello = {}, ByteView afterHandshake = {});
-
-    // False when the other side has closed.
-    bool Write(ByteView bytes);
-
-    // Nothing when the other side closed before so many bytes had come.
-    std::optional<ByteVector> Read(std::size_t nSize);
-
-    // Whether nothing more comes than the end of the connection.
-    bool IsClosedByPeer();
+    // As the client. A watch that refuses shows it with the first read. `afterHello` is sent right behind the first
+    // that TLS has to say, `afterHandshake` behind the last of it.
+    void ConnectTls(SSL_CTX* context, ByteView afterHello = {}, ByteView afterHandshake = {});
 
     // Ends the sending half, as a program does that has said all it had to say.
     void FinishSending();
 
-    SSL* Tls() const
-    {
-        return m_ssl.get();
-    }
-
 private:
-    CFileDescriptor m_socket;
-    bssl::UniquePtr<SSL> m_ssl;
-};
+    explicit CClient(CFileDescriptor socket) : CConnection(socket.Get()), m_socket(std::move(socket)) {}
 
-// Deviations from what adb sends when it pairs.
-struct SPairingManners
-{
-    std::function<void(ByteVector& agreement)> alterAgreement = {}; // the packet, header included
-    std::function<void(ByteVector& peerInfo)> alterPeerInfo = {};   // before it is sealed
-    bool bShowCertificate = true;
+    CFileDescriptor m_socket;
 };
 
 // A computer with an adb key of its own.
 class CComputer
 {
 public:
-    explicit CComputer(std::string szName);
+    explicit CComputer(std::string szName) : m_szName(std::move(szName)) {}
 
-    // The watch's name; nothing when the watch closed the connection instead.
-    std::optional<std::string> Pair(std::uint16_t nPort, const std::string& szCode,
-                                    const SPairingManners& manners = {}) const;
+    // The watch's name. Throws CPeerClosed when the watch hangs up.
+    std::string Pair(std::uint16_t nPort, const std::string& szCode) const;
 
     // The line of adb's key file.
     std::string KeyLine() const;
@@ -74,36 +49,6 @@ private:
     CTlsIdentity m_identity;
 };
 
-constexpr std::uint32_t Letters(const char (&sz)[5])
-{
-    return static_cast<std::uint32_t>(sz[0]) | static_cast<std::uint32_t>(sz[1]) << 8 |
-           static_cast<std::uint32_t>(sz[2]) << 16 | static_cast<std::uint32_t>(sz[3]) << 24;
-}
-
-struct STestMessage
-{
-    std::uint32_t nCommand = 0;
-    std::uint32_t nArgument0 = 0;
-    std::uint32_t nArgument1 = 0;
-    ByteVector payload = {};
-    std::optional<std::uint32_t> nCheckSum = {};      // the right one by default
-    std::optional<std::uint32_t> nMagic = {};         // the right one by default
-    std::optional<std::uint32_t> nAnnouncedSize = {}; // the payload's by default
-
-    ByteVector Encode() const;
-};
-
-// The greeting that adb sends first.
-STestMessage Greeting(std::uint32_t nVersion = 0x01000001, std::uint32_t nMaxPayload = 1024 * 1024);
-
-// How a watch receives a computer.
-enum class EWelcome
-{
-    Device,    // with its own greeting
-    TlsFailed, // let in to TLS and thrown out, or not let in
-    Closed,    // not even that
-};
-
 // When adb's two threads send the message that announces TLS: before TLS's hello, right behind it, as the last of the
 // handshake, or never.
 enum class EOrder
@@ -114,50 +59,60 @@ enum class EOrder
     NoMessage,
 };
 
-// A connection to the debugging port.
-class CAdbLink
+struct SStreamIds
 {
-public:
-    explicit CAdbLink(std::uint16_t nPort) : m_socket(nPort) {}
-
-    EWelcome Connect(const CComputer& computer, const STestMessage& greeting = Greeting(),
-                     EOrder order = EOrder::MessageFirst);
-
-    // The device's greeting.
-    const std::string& Banner() const
-    {
-        return m_szBanner;
-    }
-
-    bool Send(const STestMessage& message)
-    {
-        return m_socket.Write(message.Encode());
-    }
-
-    // The next message, its check sum and magic verified; nothing when the connection is closed.
-    std::optional<STestMessage> Receive();
-
-    // Opens a stream and returns the device's id of it; nothing when the device refuses.
-    std::optional<std::uint32_t> Open(std::uint32_t nId, const std::string& szService);
-
-    // Sends part of a package on a stream and waits for the OKAY. False when something else came.
-    bool WritePart(std::uint32_t nId, std::uint32_t nTheirId, ByteView part);
-
-    // Collects what the device writes on a stream until it closes the stream, at most `nMost` bytes.
-    std::optional<std::string> ReadReply(std::uint32_t nId, std::uint32_t nTheirId, std::size_t nMost = SIZE_MAX);
-
-    // All of an install as adb does it; nothing when the connection broke or the device refused.
-    std::optional<std::string> Install(ByteView package);
-
-    CTestSocket& Socket()
-    {
-        return m_socket;
-    }
-
-private:
-    CTestSocket m_socket;
-    std::string m_szBanner;
-    std::uint32_t m_nLastId = 0;
+    std::uint32_t nOurs;
+    std::uint32_t nTheirs;
 };
 
-std::string InstallService(std::size_t nSize);
+// A connection to the debugging port. Everything throws a CConnectionError when the watch ends it.
+class CAdbLink : public CClient
+{
+public:
+    using CClient::CClient;
+
+    // Up to the device's greeting, which is its banner.
+    std::string Connect(const CComputer& computer, EOrder order = EOrder::MessageFirst);
+
+    // The greeting that adb sends first, or when it has lost the device.
+    void Greet(bool bAgain = false);
+
+    void Send(EAdbCommand command, std::uint32_t nArgument0, std::uint32_t nArgument1, std::string_view payload = {})
+    {
+        Write(EncodeAdbMessage(command, nArgument0, nArgument1, BytesOf(payload)));
+    }
+
+    // Sends that on a stream.
+    void Send(EAdbCommand command, SStreamIds stream, std::string_view payload = {})
+    {
+        Send(command, stream.nOurs, stream.nTheirs, payload);
+    }
+
+    SAdbMessage Receive()
+    {
+        return ReadAdbMessage(*this);
+    }
+
+    // Nothing when the device refuses the service.
+    std::optional<SStreamIds> Open(std::string_view service);
+
+    // Opens the stream of an install.
+    SStreamIds OpenInstall(std::size_t nSize);
+
+    // Sends part of a package and waits for the OKAY.
+    void WritePart(SStreamIds stream, std::string_view part);
+
+    // The next that the device writes on a stream, acknowledged; nothing when it closes the stream instead.
+    std::optional<std::string> ReadPiece(SStreamIds stream);
+
+    // Everything that the device writes on a stream until it closes the stream.
+    std::string ReadReply(SStreamIds stream);
+
+    // All of an install as adb does it.
+    std::string Install(std::string_view package);
+
+private:
+    SAdbMessage Expect(SStreamIds stream);
+
+    std::uint32_t m_nLastId = 0;
+};

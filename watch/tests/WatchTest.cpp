@@ -1,10 +1,8 @@
 #include "WatchTest.h"
 
-#include <algorithm>
 #include <arpa/inet.h>
 #include <fstream>
 #include <iterator>
-#include <random>
 
 CWatchTest::CWatchTest()
 {
@@ -21,7 +19,7 @@ CWatchTest::CWatchTest()
 
 CWatchTest::~CWatchTest()
 {
-    Stop();
+    m_pWatch.reset();
     std::error_code ignored;
     std::filesystem::remove_all(m_folder, ignored);
     if (HasFailure()) {
@@ -31,48 +29,31 @@ CWatchTest::~CWatchTest()
 
 void CWatchTest::Start()
 {
-    m_pWatch = std::make_unique<CWatch>(m_options, m_journal.Log());
-}
-
-void CWatchTest::Stop()
-{
     m_pWatch.reset();
+    m_pWatch = std::make_unique<CWatch>(m_options, m_journal.Log());
 }
 
 void CWatchTest::PairWith(const CComputer& computer)
 {
-    ASSERT_EQ(computer.Pair(m_pWatch->PairingPort(), m_options.szCode), m_options.szName);
+    EXPECT_EQ(computer.Pair(m_pWatch->PairingPort(), m_options.szCode), m_options.szName);
+}
+
+CAdbLink CWatchTest::Link() const
+{
+    return CAdbLink(m_pWatch->DebuggingPort());
 }
 
 CAdbLink CWatchTest::PairedLink()
 {
     const CComputer computer("person@home");
     PairWith(computer);
-    CAdbLink link(m_pWatch->DebuggingPort());
-    EXPECT_EQ(link.Connect(computer), EWelcome::Device);
+    CAdbLink link = Link();
+    link.Connect(computer);
     return link;
-}
-
-std::vector<std::string> CWatchTest::FolderContents() const
-{
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(m_folder)) {
-        names.push_back(entry.path().filename().string());
-    }
-    std::ranges::sort(names);
-    return names;
 }
 
 std::string CWatchTest::StoredPackage() const
 {
     std::ifstream stream(m_options.store, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-ByteVector RandomBytes(std::size_t nSize, unsigned nSeed)
-{
-    std::mt19937 generator(nSeed);
-    ByteVector bytes(nSize);
-    std::ranges::generate(bytes, [&] { return static_cast<std::uint8_t>(generator()); });
-    return bytes;
 }

@@ -5,7 +5,6 @@
 #include "Journal.h"
 #include "Watch.h"
 
-#include <filesystem>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -16,17 +15,16 @@ protected:
     CWatchTest();
     ~CWatchTest() override;
 
+    // Ends the one before, if there is one.
     void Start();
-    void Stop();
 
-    // Another way to say that a computer has paired.
     void PairWith(const CComputer& computer);
+
+    // A connection to the debugging port, not yet greeted.
+    CAdbLink Link() const;
 
     // Pairs a new computer and connects it, up to the device's greeting.
     CAdbLink PairedLink();
-
-    // What lies in the folder, in order of names.
-    std::vector<std::string> FolderContents() const;
 
     std::string StoredPackage() const;
 
@@ -35,6 +33,3 @@ protected:
     CJournal m_journal;
     std::unique_ptr<CWatch> m_pWatch;
 };
-
-// Bytes that look random and are the same every time.
-ByteVector RandomBytes(std::size_t nSize, unsigned nSeed);
