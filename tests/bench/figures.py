@@ -91,16 +91,10 @@ class BenchProgram(Answering):
         return [float(number) for number in self.ask("\t".join(map(str, words))).split()]
 
 
-class Installer:
-    """Installs the tools once, in an emptied folder of its own."""
-
-    def __init__(self, answering: BenchProgram, folder: Path) -> None:
-        self._answering = answering
-        self.folder = folder
-
-    def install(self) -> float:
-        programs.remove_folder(self.folder)
-        return self._answering.measure("")[0]
+def install(answering: BenchProgram, folder: Path) -> float:
+    """The tools, in an emptied folder of their own."""
+    programs.remove_folder(folder)
+    return answering.measure("")[0]
 
 
 def unpacking(rounds: int) -> list[Figure]:
@@ -115,9 +109,8 @@ def unpacking(rounds: int) -> list[Figure]:
         return milliseconds(lambda: subprocess.run(["unzip", "-q", copy, "-d", other], check=True, timeout=60))
 
     with BenchProgram("install", windows_path(folder)) as answering:
-        installer = Installer(answering, folder)
-        installer.install(), unzip()
-        pairs = [(installer.install(), unzip()) for _ in range(rounds)]
+        install(answering, folder), unzip()
+        pairs = [(install(answering, folder), unzip()) for _ in range(rounds)]
     taken = f"{median(a for a, _ in pairs):.1f} ms to {median(b for _, b in pairs):.1f} ms"
     ratio = median(a / b for a, b in pairs)
     return [at_most("`Install`, to `unzip` of the same archive", 0.8, ratio, ".2f", taken)]
@@ -133,12 +126,11 @@ def starting(rounds: int) -> list[Figure]:
     empty = under_launcher(f'{wine_path(places.bench("dialog"))} "{pages.TITLE}"')
     unpacker = BenchProgram("install", windows_path(folder))
     with BenchProgram("wizard", pages.TITLE) as driver, unpacker as answering:
-        installer = Installer(answering, folder)
 
         def measure() -> tuple[float, float, float]:
             programs.remove_folder(tools)
             page = driver.measure("start", installing)[0]
-            return page, installer.install(), driver.measure("dialog", empty)[0]
+            return page, install(answering, folder), driver.measure("dialog", empty)[0]
 
         measure()
         rows = [measure() for _ in range(rounds)]
@@ -158,7 +150,7 @@ def main_job(rounds: int) -> list[Figure]:
         package = write_package(programs.downloads())
         installer = windows_path(Path(shutil.copy(places.installer(), programs.downloads())))
         with BenchProgram("install", windows_path(folder)) as answering:
-            Installer(answering, folder).install()
+            install(answering, folder)
         adb = f'"{windows_path(folder)}\\platform-tools\\adb.exe"'
         address = f"{watch.address}:{watch.port}"
 

@@ -111,7 +111,7 @@ class Signature(PackageTest):
         wrong.write_text("guessed\n", encoding="ascii")
         signed = self.folder / "not signed.exe"
         for what, said, secret in (
-            ("a wrong password", "PKCS#12", {"password": wrong}),
+            ("a wrong password", "Wrong password", {"password": wrong}),
             ("without its issuers", "unable to get local issuer certificate", {"certificate": self.certificate_alone}),
         ):
             with self.subTest(what):
