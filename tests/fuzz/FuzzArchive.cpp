@@ -121,8 +121,8 @@ size_t Collect(void* pBytes, mz_uint64 /*nOffset*/, const void* p, size_t cb)
 
 bool ExtractFile(Disk& disk, mz_zip_archive* pZip, mz_uint n, const std::wstring& path)
 {
+    std::string* const pFile = mz_zip_reader_is_file_supported(pZip, n) ? disk.CreateFile(path) : nullptr;
     std::string bytes;
-    std::string* const pFile = disk.CreateFile(path);
     return pFile != nullptr && mz_zip_reader_extract_to_callback(pZip, n, Collect, &bytes, 0) != MZ_FALSE &&
            disk.Append(*pFile, bytes);
 }
