@@ -24,9 +24,9 @@ NAMES = {
     "only-dots": b"..", "only-slashes": b"//\\\\", "stream": b"a:b", "reserved": b"a<b>|?*", "control": b"a\nb",
     "folder": b"a/b/", "not-folder-back": b"a\\", "double": b"a//b\\\\c", "empty-middle": b"a/./b/../c",
     "511": b"n" * 511, "513": b"n" * 513, "20000": b"n" * 20000, "slashes": b"/" * 300, "deep": b"a/" * 120,
-    "dots-300": b"." * 300, "empty": b"", "nul-inside": b"a\0b", "nul-first": b"\0", "half-utf8": b"a\xe6\x89",
-    "long-form": b"\xc0\xae\xc0\xae/x", "surrogate": b"\xed\xa0\x80", "four-bytes": "\U0001f600/x".encode(),
-    "full-width": "．．／x".encode(), "high": b"\xff\xfe/x",
+    "dots-300": b"." * 300, "dot-folders": b"./" * 250 + b"a/b", "empty": b"", "nul-inside": b"a\0b",
+    "nul-first": b"\0", "half-utf8": b"a\xe6\x89", "long-form": b"\xc0\xae\xc0\xae/x", "surrogate": b"\xed\xa0\x80",
+    "four-bytes": "\U0001f600/x".encode(), "full-width": "．．／x".encode(), "high": b"\xff\xfe/x",
 }
 
 
