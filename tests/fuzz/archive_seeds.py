@@ -21,8 +21,8 @@ NAMES = {
     "up": b"../../up", "up-back": b"..\\..\\up", "up-inside": b"a/../../up", "root": b"/root",
     "drive": b"C:\\Windows\\x", "share": b"\\\\host\\share\\x", "device-path": b"\\\\?\\C:\\x", "dots": b"...",
     "dots-deep": b".../x", "dot-blank": b".. /x", "blank-dot": b". ./x", "trailing-dot": b"a./b.", "only-dot": b".",
-    "only-dots": b"..", "only-slashes": b"//\\\\", "stream": b"a:b", "reserved": b"a<b>|?*", "control": b"a\nb",
-    "folder": b"a/b/", "not-folder-back": b"a\\", "double": b"a//b\\\\c", "empty-middle": b"a/./b/../c",
+    "only-dots": b"..", "only-slashes": b"//\\\\", "stream": b"a:b", "colon": b":x", "reserved": b"a<b>|?*",
+    "control": b"a\nb", "folder": b"a/b/", "not-folder-back": b"a\\", "double": b"a//b\\\\c", "middle": b"a/./b/../c",
     "511": b"n" * 511, "513": b"n" * 513, "20000": b"n" * 20000, "slashes": b"/" * 300, "deep": b"a/" * 120,
     "dots-300": b"." * 300, "dot-folders": b"./" * 250 + b"a/b", "empty": b"", "nul-inside": b"a\0b",
     "nul-first": b"\0", "half-utf8": b"a\xe6\x89", "long-form": b"\xc0\xae\xc0\xae/x", "surrogate": b"\xed\xa0\x80",
@@ -90,10 +90,12 @@ def lists() -> Iterator[tuple[str, bytes]]:
 
 
 def lies() -> Iterator[tuple[str, bytes]]:
-    deflated, crc = zlib.compress(b"content", wbits=-15), zlib.crc32(b"content")
-    yield "deflated", lying(deflated, method=8, crc=crc, plain=7)
-    yield "plain-larger", lying(deflated, method=8, crc=crc, plain=1000)
-    yield "plain-smaller", lying(deflated, method=8, crc=crc, plain=1)
+    for what, text, level in (("deflated", b"text", 9), ("blocks", b"text" * 17000, 0), ("large", b"text" * 50000, 9)):
+        deflated, crc = zlib.compress(text, level, wbits=-15), zlib.crc32(text)
+        yield what, lying(deflated, method=8, crc=crc, plain=len(text))
+        yield f"{what}-plain-larger", lying(deflated, method=8, crc=crc, plain=len(text) + 1000)
+        yield f"{what}-plain-smaller", lying(deflated, method=8, crc=crc, plain=1)
+        yield f"{what}-torn", lying(deflated, method=8, crc=crc, plain=len(text), packed=len(deflated) - 3)
     yield "torn-deflate", lying(b"\x01\x05\x00\xfa\xff", method=8)
     yield "bad-deflate", lying(b"\x07\xff\xff", method=8, plain=100)
     yield "bad-huffman", lying(b"\x05\xe0\x81\x00\xff", method=8, plain=100)

@@ -132,6 +132,9 @@ errno_t _wfopen_s(FILE** ppFile, PCWSTR pszPath, PCWSTR pszMode)
         Demand(wcscmp(pszMode, L"wb") == 0, "files are read or made anew");
         std::string* const pFile = g_pCurrent->CreateFile(pszPath);
         *ppFile = pFile == nullptr ? nullptr : fopencookie(pFile, "wb", {nullptr, WriteFile, nullptr, nullptr});
+        if (*ppFile != nullptr) {
+            setvbuf(*ppFile, nullptr, _IONBF, 0); // what finds no room is to fail at once
+        }
     }
     return *ppFile == nullptr ? ENOENT : 0;
 }
