@@ -73,11 +73,12 @@ def _part_package(part: parts.Part, files: list[dict]) -> dict:
 
 
 def _part_files(part: parts.Part, build: Path) -> list[dict]:
-    def name(path: Path) -> str:
-        tops = (top for top in (build, parts.THIRD_PARTY) if path.is_relative_to(top))
-        return str(path.relative_to(next(tops, path.root)))
-
-    return [_file(_id("File", part.key, name(path)), name(path), path.read_bytes()) for path in part.files]
+    files = []
+    for path in part.files:
+        top = next((top for top in (build, parts.THIRD_PARTY) if path.is_relative_to(top)), None)
+        name = str(path.relative_to(top) if top else path)
+        files.append(_file(_id("File", part.key, name), name, path.read_bytes()))
+    return files
 
 
 def _relations(one: str, kind: str, others: list[dict]) -> list[dict]:
