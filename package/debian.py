@@ -23,19 +23,19 @@ class DebianPackage:
         return DOCUMENTS / self.name / "copyright"
 
 
+def _query(*words: str) -> str:
+    return subprocess.run(["dpkg-query", *words], check=True, capture_output=True, text=True).stdout
+
+
 def installed(name: str) -> DebianPackage:
-    version = subprocess.run(
-        ["dpkg-query", "--show", "--showformat=${Version}", name], check=True, capture_output=True, text=True
-    ).stdout
-    return DebianPackage(name, version)
+    return DebianPackage(name, _query("--show", "--showformat=${Version}", name))
 
 
 def owners(files: list[Path]) -> dict[Path, str]:
     """The name of the package that brought each file. Asked for together: every question reads all lists anew."""
     paths = {str(file.resolve()): file for file in files}
-    answer = subprocess.run(["dpkg-query", "--search", *paths], check=True, capture_output=True, text=True).stdout
     found = {}
-    for line in answer.splitlines():
+    for line in _query("--search", *paths).splitlines():
         # "package: path" or "package:architecture: path".
         packages, _, path = line.partition(": ")
         found[paths[path]] = packages.partition(":")[0]
@@ -43,5 +43,5 @@ def owners(files: list[Path]) -> dict[Path, str]:
 
 
 def files(name: str) -> list[Path]:
-    listing = subprocess.run(["dpkg-query", "--listfiles", name], check=True, capture_output=True, text=True).stdout
-    return [path for path in map(Path, listing.splitlines()) if path.is_file() and not path.is_symlink()]
+    paths = map(Path, _query("--listfiles", name).splitlines())
+    return [path for path in paths if path.is_file() and not path.is_symlink()]

@@ -2,33 +2,17 @@
 """Prints what the owner of the product has still to fill in: the boxes nobody ticked in README's section for the owner.
 
     owner.py README.md
-
-Prints nothing when there are none.
 """
 
 import re
 import sys
 from pathlib import Path
 
-HEADING = re.compile(r"#+ For the owner\s*$")
-
 
 def open_points(readme: str) -> list[str]:
     """Each point with the lines that continue it, as they stand in the text."""
-    points: list[str] = []
-    inside = wanted = False
-    for line in readme.splitlines():
-        if line.startswith("#"):
-            inside, wanted = HEADING.match(line) is not None, False
-        elif line.startswith("- ["):
-            wanted = inside and line.startswith("- [ ] ")
-            if wanted:
-                points.append(line)
-        elif wanted and line.startswith("  "):
-            points[-1] += "\n" + line
-        else:
-            wanted = False
-    return points
+    section = re.search(r"^#+ For the owner *\n(.*?)(?=^#|\Z)", readme, re.MULTILINE | re.DOTALL)
+    return re.findall(r"^- \[ \] .*(?:\n  .*)*", section[1], re.MULTILINE) if section else []
 
 
 def main() -> None:

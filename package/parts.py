@@ -4,7 +4,7 @@ THIRD-PARTY-NOTICES.md tells people the same.
 """
 
 from collections.abc import Callable
-from dataclasses import dataclass, field
+from dataclasses import dataclass
 from pathlib import Path
 
 import debian
@@ -30,31 +30,23 @@ class Part:
     origin: str
     purls: tuple[str, ...]
     files: tuple[Path, ...]
-    relation: str
+    relations: tuple[str, ...]
     text: Callable[[], bytes] | None = None  # of what is inside; build tools need none
-    also: tuple[str, ...] = field(default=())  # relations besides
-
-
-def _platform_tools_version() -> str:
-    for line in (THIRD_PARTY / "adb-notice/source.properties").read_text(encoding="ascii").splitlines():
-        key, _, value = line.partition("=")
-        if key == "Pkg.Revision":
-            return value
-    raise LookupError("the platform tools do not tell their version")
 
 
 def _adb() -> Part:
+    properties = (THIRD_PARTY / "adb-notice/source.properties").read_text(encoding="ascii")
     return Part(
         key="adb",
         name="Android platform tools (adb)",
-        version=_platform_tools_version(),
+        version=dict(line.split("=", 1) for line in properties.splitlines() if "=" in line)["Pkg.Revision"],
         license="Apache-2.0",
         home="https://developer.android.com/tools/releases/platform-tools",
         origin="Taken unchanged from the npm package android-tools-bin, which carries the platform tools for Windows. "
         "The wrapper around them, GPL-3.0, is not used.",
         purls=("pkg:npm/android-tools-bin@2.0.1",),
         files=tuple(THIRD_PARTY / "adb" / name for name in ADB_FILES),
-        relation=CONTAINED,
+        relations=(CONTAINED,),
         text=lambda: licenses.verbatim(THIRD_PARTY / "adb-notice/NOTICE.txt"),
     )
 
@@ -71,9 +63,8 @@ def _miniz() -> Part:
         "two files.",
         purls=("pkg:github/richgel999/miniz@3.0.2", "pkg:deb/debian/woof-doom?arch=source"),
         files=(source, source.with_suffix(".h")),
-        relation=LINKED,
+        relations=(LINKED, BUILD_TOOL),
         text=lambda: licenses.statements_in(source),
-        also=(BUILD_TOOL,),
     )
 
 
@@ -88,7 +79,7 @@ def _ctre(build: Path) -> Part:
         origin="Headers of Debian's package libctre-dev, compiled into the program.",
         purls=(package.purl,),
         files=tuple(path for path in sorted((build / "ctre").rglob("*")) if path.is_file()),
-        relation=LINKED,
+        relations=(LINKED,),
         text=lambda: licenses.joined(
             licenses.verbatim(package.copyright),
             licenses.verbatim(debian.COMMON_LICENSES / "Apache-2.0"),
@@ -108,7 +99,7 @@ def _gcc_runtime(files: tuple[Path, ...]) -> Part:
         origin="Static libraries and start files of Debian's cross compiler.",
         purls=(package.purl,),
         files=files,
-        relation=LINKED,
+        relations=(LINKED,),
         text=lambda: licenses.joined(
             licenses.verbatim(debian.DOCUMENTS / "gcc-mingw-w64-base/copyright"),
             licenses.verbatim(debian.COMMON_LICENSES / "GPL-3"),
@@ -127,7 +118,7 @@ def _mingw_runtime(files: tuple[Path, ...]) -> Part:
         origin="Static libraries, import libraries and start files of Debian's package mingw-w64-x86-64-dev.",
         purls=(package.purl,),
         files=files,
-        relation=LINKED,
+        relations=(LINKED,),
         text=lambda: licenses.verbatim(package.copyright),
     )
 
@@ -161,26 +152,23 @@ def _tool(key: str, name: str, license: str, home: str, file: Path) -> Part:
         origin=f"Debian's package {package.name}.",
         purls=(package.purl,),
         files=(file,),
-        relation=BUILD_TOOL,
+        relations=(BUILD_TOOL,),
     )
-
-
-def _linker(build: Path) -> list[Part]:
-    file = link.linker(build)
-    if file.name.startswith(("lld", "ld.lld")):
-        return [_tool("lld", "LLVM linker (lld)", "Apache-2.0 WITH LLVM-exception", "https://lld.llvm.org", file)]
-    return []
 
 
 def _build_tools(build: Path) -> list[Part]:
     zopfli = next(file for file in debian.files("libzopfli1") if file.name.startswith("libzopfli.so"))
     windres = Path("/usr/bin/x86_64-w64-mingw32-windres")
-    return [
+    tools = [
         _tool("zopfli", "zopfli, the archive's encoder", "Apache-2.0", "https://github.com/google/zopfli", zopfli),
         _tool("gcc", "GCC, the compiler", "GPL-3.0-or-later", "https://gcc.gnu.org", link.compiler(build)),
         _tool("binutils", "GNU Binutils", "GPL-3.0-or-later", "https://www.gnu.org/software/binutils", windres),
-        *_linker(build),
     ]
+    linker = link.linker(build)
+    if linker.name.startswith(("lld", "ld.lld")):
+        license = "Apache-2.0 WITH LLVM-exception"
+        tools.append(_tool("lld", "LLVM linker (lld)", license, "https://lld.llvm.org", linker))
+    return tools
 
 
 def all_parts(build: Path) -> list[Part]:

@@ -45,16 +45,14 @@ free_ids() {
 }
 
 find_settings() {
-    local line name
-    for line in user/max_user_namespaces=0 kernel/unprivileged_userns_clone=0 \
-        kernel/apparmor_restrict_unprivileged_userns=1; do
-        name=${line%=*}
-        [ "$(cat "/proc/sys/$name" 2>/dev/null)" = "${line#*=}" ] || continue
-        case $name in
-            user/*) settings+=("sysctl -w ${name/\//.}=10000") ;;
-            *) settings+=("sysctl -w ${name/\//.}=$((1 - ${line#*=}))") ;;
-        esac
-    done
+    local name bad good
+    while read -r name bad good; do
+        [ "$(cat "/proc/sys/$name" 2>/dev/null)" != "$bad" ] || settings+=("sysctl -w ${name/\//.}=$good")
+    done <<'END'
+user/max_user_namespaces 0 10000
+kernel/unprivileged_userns_clone 0 1
+kernel/apparmor_restrict_unprivileged_userns 1 0
+END
 }
 
 tell_what_is_missing() {

@@ -13,60 +13,34 @@
 #include "adb/AdbOutput.h"
 #include "tests/bench/StopWatch.h"
 
+#include <algorithm>
 #include <iostream>
+#include <iterator>
 #include <string>
 #include <thread>
 
 namespace {
-
-constexpr size_t kMebibyte = 1 << 20;
 
 // How far down it is looked for what a classifier touched, and how much of that the look itself may use.
 constexpr size_t kWatchedStack = 512 * 1024;
 constexpr size_t kOwnStack = 128;
 constexpr BYTE kUntouched = 0xA5;
 
-struct REQUEST
+struct TEXT_KIND
 {
-    std::string output;
-    ADB_EXIT_CODE (*pfnClassify)(std::string_view) = nullptr;
-    ADB_EXIT_CODE nExpected = ADB_PARSE_ERROR;
-    int nPieces = 0;
+    std::string_view name;
+    std::string_view begin;
+    std::string_view piece; // again and again
+    std::string_view end;
+    ADB_EXIT_CODE (*pfnClassify)(std::string_view);
+    ADB_EXIT_CODE nExpected;
 };
-
-struct ANSWER
-{
-    bool bRight = true;
-    double dMilliseconds = 0;
-    size_t cbStack = 0;
+constexpr TEXT_KIND kTexts[] = {
+    {"line", "", "x", "", ClassifyConnectOutput, ADB_PARSE_ERROR},
+    {"lines", "", "* daemon started successfully\r\n", "connected to x\r\n", ClassifyConnectOutput, ADB_SUCCESS},
+    {"failure", "adb: failed to install ", ": Failure [INSTALL_FAILED_ABORTED]", "", ClassifyInstallOutput,
+     INSTALL_FAILED},
 };
-
-std::string Repeated(std::string_view piece, size_t cb)
-{
-    std::string text;
-    text.reserve(cb + piece.size());
-    while (text.size() < cb) {
-        text += piece;
-    }
-    return text;
-}
-
-bool Prepare(std::string_view name, size_t cb, REQUEST& request)
-{
-    if (name == "line") {
-        request.output.assign(cb, 'x');
-        request.pfnClassify = ClassifyConnectOutput;
-    } else if (name == "lines") {
-        request.output = Repeated("* daemon started successfully\r\n", cb) + "connected to 192.168.1.100:43210\r\n";
-        request.pfnClassify = ClassifyConnectOutput;
-        request.nExpected = ADB_SUCCESS;
-    } else if (name == "failure") {
-        request.output = "adb: failed to install " + Repeated(": Failure [INSTALL_FAILED_ABORTED]", cb);
-        request.pfnClassify = ClassifyInstallOutput;
-        request.nExpected = INSTALL_FAILED;
-    }
-    return request.pfnClassify != nullptr;
-}
 
 // Below the caller's frame, from the top down, as a stack grows.
 __attribute__((noinline)) volatile BYTE* Paint()
@@ -87,36 +61,43 @@ __attribute__((noinline)) size_t Touched(const volatile BYTE* pTop)
     return cb;
 }
 
-void Judge(const REQUEST& request, ANSWER& answer)
+// Prints the answer. False when the text is judged wrong.
+bool Judge(const TEXT_KIND& kind, size_t cb, int nPieces)
 {
+    std::string output(kind.begin);
+    while (output.size() < cb) {
+        output += kind.piece;
+    }
+    output += kind.end;
     const volatile BYTE* const pTop = Paint();
     const CStopWatch watch;
-    for (int n = 0; n < request.nPieces; ++n) {
-        answer.bRight &= request.pfnClassify(request.output) == request.nExpected;
+    bool bRight = true;
+    for (int n = 0; n < nPieces; ++n) {
+        bRight &= kind.pfnClassify(output) == kind.nExpected;
     }
-    answer.dMilliseconds = watch.Milliseconds();
-    answer.cbStack = Touched(pTop);
+    const double dTaken = watch.Milliseconds();
+    const size_t cbTouched = Touched(pTop);
+    std::cout << dTaken << ' ' << cbTouched << '\n' << std::flush;
+    return bRight;
 }
 
 } // namespace
 
-int main()
+int wmain(int /*argc*/, wchar_t** /*argv*/)
 {
     std::string strText;
     size_t nMebibytes = 0;
     for (int nPieces = 0; std::cin >> strText >> nMebibytes >> nPieces;) {
-        REQUEST request;
-        request.nPieces = nPieces;
-        if (!Prepare(strText, nMebibytes * kMebibyte, request)) {
+        const TEXT_KIND* const pKind = std::ranges::find(kTexts, strText, &TEXT_KIND::name);
+        if (pKind == std::end(kTexts)) {
             return 2;
         }
-        ANSWER answer;
+        bool bRight = false;
         // A stack that nothing has touched yet.
-        std::thread([&] { Judge(request, answer); }).join();
-        if (!answer.bRight) {
+        std::thread([&] { bRight = Judge(*pKind, nMebibytes << 20, nPieces); }).join();
+        if (!bRight) {
             return 1;
         }
-        std::cout << answer.dMilliseconds << ' ' << answer.cbStack << '\n' << std::flush;
     }
     return 0;
 }

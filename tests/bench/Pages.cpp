@@ -2,8 +2,7 @@
 // does nothing: what going through it takes is the system's and the frame's.
 //
 //     bench-pages TITLE
-#include "tests/bench/Pages.h"
-
+#include "check/Pages.h"
 #include "wine/frame/PropertySheet.h"
 
 #include <algorithm>
@@ -42,7 +41,7 @@ int wmain(int argc, wchar_t** argv)
         record.hInstance = hInstance;
         record.pszTemplate = MAKEINTRESOURCEW(kTemplate);
         record.pfnDlgProc = DialogProc;
-        record.lParam = page.nBody;
+        record.lParam = page.nBodyId;
         return record;
     });
     PROPSHEETHEADERW header = {};

@@ -2,37 +2,27 @@
 
 #include <psapi.h>
 
-#include <algorithm>
 #include <stdexcept>
 
 namespace {
 
-UniqueHandle OpenNothing()
+CHandle OpenNothing()
 {
     SECURITY_ATTRIBUTES inherited = {sizeof(inherited), nullptr, TRUE};
-    return UniqueHandle(CreateFileW(L"NUL", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                    &inherited, OPEN_EXISTING, 0, nullptr));
+    return CHandle(CreateFileW(L"NUL", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited,
+                               OPEN_EXISTING, 0, nullptr));
 }
 
-UniqueHandle OpenOwner(HWND hwnd)
+double Milliseconds(const FILETIME& time)
 {
-    DWORD dwProcess = 0;
-    GetWindowThreadProcessId(hwnd, &dwProcess);
-    return UniqueHandle(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ | SYNCHRONIZE, FALSE, dwProcess));
-}
-
-constexpr double kTicksInMillisecond = 10'000;
-
-ULONGLONG Ticks(const FILETIME& time)
-{
-    return (ULONGLONG{time.dwHighDateTime} << 32) | time.dwLowDateTime;
+    return static_cast<double>((ULONGLONG{time.dwHighDateTime} << 32) | time.dwLowDateTime) / 10'000;
 }
 
 } // namespace
 
 CProgram::CProgram(std::wstring strCommandLine)
 {
-    const UniqueHandle hNothing = OpenNothing();
+    const CHandle hNothing = OpenNothing();
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
     startup.dwFlags = STARTF_USESTDHANDLES;
@@ -57,27 +47,27 @@ void CProgram::End() const
     EndsWithin(INFINITE);
 }
 
-CShowingProcess::CShowingProcess(HWND hwnd) : m_hProcess(OpenOwner(hwnd))
+CHandle OpenOwner(HWND hwnd)
 {
-    Look();
+    DWORD dwProcess = 0;
+    GetWindowThreadProcessId(hwnd, &dwProcess);
+    return CHandle(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ | SYNCHRONIZE, FALSE, dwProcess));
 }
 
-void CShowingProcess::Look()
+size_t MemoryPeak(const CHandle& hProcess)
 {
     PROCESS_MEMORY_COUNTERS counters = {};
-    if (GetProcessMemoryInfo(m_hProcess.get(), &counters, sizeof(counters))) {
-        m_nMemoryPeak = std::max(m_nMemoryPeak, counters.PeakWorkingSetSize / 1024);
-    }
+    return GetProcessMemoryInfo(hProcess.get(), &counters, sizeof(counters)) ? counters.PeakWorkingSetSize / 1024 : 0;
 }
 
-double CShowingProcess::Lifetime() const
+double Lifetime(const CHandle& hProcess)
 {
     FILETIME created = {};
     FILETIME ended = {};
     FILETIME unused = {};
-    if (WaitForSingleObject(m_hProcess.get(), 0) != WAIT_OBJECT_0 ||
-        !GetProcessTimes(m_hProcess.get(), &created, &ended, &unused, &unused)) {
+    if (WaitForSingleObject(hProcess.get(), 0) != WAIT_OBJECT_0 ||
+        !GetProcessTimes(hProcess.get(), &created, &ended, &unused, &unused)) {
         throw std::runtime_error("a program's lifetime is not known");
     }
-    return static_cast<double>(Ticks(ended) - Ticks(created)) / kTicksInMillisecond;
+    return Milliseconds(ended) - Milliseconds(created);
 }

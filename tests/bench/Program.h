@@ -1,19 +1,9 @@
 // A program that is started, watched and ended by the clock.
 #pragma once
 
-#include <windows.h>
+#include "wine/launcher/Handle.h"
 
-#include <memory>
 #include <string>
-
-struct HANDLE_CLOSER
-{
-    void operator()(HANDLE hObject) const
-    {
-        CloseHandle(hObject);
-    }
-};
-using UniqueHandle = std::unique_ptr<void, HANDLE_CLOSER>;
 
 // Runs from its construction on, without a console and with nothing to read; what it prints is not kept. Throws
 // std::runtime_error when it cannot be started.
@@ -29,29 +19,14 @@ public:
     void End() const;
 
 private:
-    UniqueHandle m_hProcess;
+    CHandle m_hProcess;
 };
 
-// A process that shows a window. What it is asked is answered while it runs and, the handle being kept, after its end.
-class CShowingProcess
-{
-public:
-    // The one that owns the window.
-    explicit CShowingProcess(HWND hwnd);
+// The process that owns a window. What it is asked is answered after its end too, but for its memory.
+CHandle OpenOwner(HWND hwnd);
 
-    // Looks up how much memory it has had in use at most; to be called now and then, since the end forgets it.
-    void Look();
+// How much it has had in use at most, in KiB; 0 after its end.
+size_t MemoryPeak(const CHandle& hProcess);
 
-    // The most that any look has seen, in KiB.
-    size_t MemoryPeak() const
-    {
-        return m_nMemoryPeak;
-    }
-
-    // From its creation to its end, in milliseconds. It must have ended.
-    double Lifetime() const;
-
-private:
-    UniqueHandle m_hProcess;
-    size_t m_nMemoryPeak = 0;
-};
+// From its creation to its end, in milliseconds. Throws std::runtime_error when it has not ended.
+double Lifetime(const CHandle& hProcess);

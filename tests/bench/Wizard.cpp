@@ -13,16 +13,18 @@
 //   job COMMAND ADDRESS PORT CODE PORT       starts the installer, goes through all pages, waits for its end; answers
 //                                            with the milliseconds that its process has lived, and the most memory
 // Ends with 1, after a line on standard error, when something does not come. The end of the input ends it.
-#include "tests/bench/Pages.h"
+#include "check/Pages.h"
 #include "tests/bench/Program.h"
 #include "tests/bench/StopWatch.h"
 #include "tests/kit/Request.h"
 
 #include <commctrl.h>
 
+#include <algorithm>
 #include <format>
 #include <functional>
 #include <iostream>
+#include <span>
 #include <stdexcept>
 #include <vector>
 
@@ -31,10 +33,7 @@ namespace {
 // Nothing takes longer, on a busy machine either.
 constexpr double kPatience = 60'000;
 
-constexpr int kNextButton = 0x3024;
-constexpr int kFinishButton = 0x3025;
-
-// How often the peak is looked up while nothing else happens.
+// How often the peak is looked up: each time in so many looks at the windows, or after so many milliseconds.
 constexpr int kLooks = 16;
 
 // A look asks Windows about every control, and while it is answered, the installer's own questions wait. Pages come
@@ -82,83 +81,63 @@ HWND FindShown(HWND hwndParent, int nId)
     return search.hwndFound;
 }
 
-class CWizard
+// Whether its program takes messages, as it does when it has shown what it had to show.
+bool Listens(HWND hwnd)
 {
-public:
-    explicit CWizard(std::wstring strTitle) : m_strTitle(std::move(strTitle)) {}
+    DWORD_PTR dwResult = 0;
+    return SendMessageTimeoutW(hwnd, WM_NULL, 0, 0, SMTO_ABORTIFHUNG, 1000, &dwResult) != 0;
+}
 
-    // Until the window is there, and in it a control with that id; 0 for any window.
-    HWND WaitForWindow(int nId) const
-    {
-        return WaitFor("a window", [&] {
-            const HWND hwnd = FindWindowW(nullptr, m_strTitle.c_str());
-            return hwnd != nullptr && IsWindowVisible(hwnd) && Listens(hwnd) && (nId == 0 || FindShown(hwnd, nId))
-                       ? hwnd
-                       : nullptr;
-        });
-    }
-
-    void WaitUntilGone() const
-    {
-        WaitFor("a window to go",
-                [&] { return FindWindowW(nullptr, m_strTitle.c_str()) == nullptr ? GetDesktopWindow() : nullptr; });
-    }
-
-private:
-    // Whether its program takes messages, as it does when it has shown what it had to show.
-    static bool Listens(HWND hwnd)
-    {
-        DWORD_PTR dwResult = 0;
-        return SendMessageTimeoutW(hwnd, WM_NULL, 0, 0, SMTO_ABORTIFHUNG, 1000, &dwResult) != 0;
-    }
-
-    std::wstring m_strTitle;
-};
-
-// What the pages ask for.
-struct ENTRIES
+// Until the window is there, and in it a control with that id; 0 for any window.
+HWND WaitForWindow(PCWSTR pszTitle, int nId)
 {
-    std::wstring strAddress;
-    std::wstring strPort;
-    std::wstring strCode;
-    std::wstring strPairingPort;
-};
+    return WaitFor("a window", [&] {
+        const HWND hwnd = FindWindowW(nullptr, pszTitle);
+        const bool bThere = hwnd != nullptr && IsWindowVisible(hwnd) && Listens(hwnd);
+        return bThere && (nId == 0 || FindShown(hwnd, nId)) ? hwnd : nullptr;
+    });
+}
+
+void WaitUntilGone(PCWSTR pszTitle)
+{
+    WaitFor("a window to go", [&] { return FindWindowW(nullptr, pszTitle) == nullptr ? GetDesktopWindow() : nullptr; });
+}
 
 void Write(HWND hwndFrame, int nId, const std::wstring& strText)
 {
     SendMessageW(FindShown(hwndFrame, nId), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(strText.c_str()));
 }
 
-void FillIn(HWND hwndFrame, const PAGE& page, const ENTRIES& entries)
+// Does what a page asks for; the entries are address, port, code and the port for it.
+void FillIn(HWND hwndFrame, const PAGE& page, std::span<const std::wstring> entries)
 {
-    if (page.nBox != 0) {
-        SendMessageW(FindShown(hwndFrame, page.nBox), BM_CLICK, 0, 0);
-    } else if (page.nBody == IDC_WIRELESS_DEBUGGING_ON_BODY) {
-        Write(hwndFrame, IDC_WATCH_ADDRESS, entries.strAddress);
-        Write(hwndFrame, IDC_WATCH_PORT, entries.strPort);
-    } else if (page.nBody == IDC_PAIR_DEVICE_BODY) {
-        Write(hwndFrame, IDC_PAIRING_CODE, entries.strCode);
-        Write(hwndFrame, IDC_PAIRING_PORT, entries.strPairingPort);
+    if (page.nBodyId == IDC_WIRELESS_DEBUGGING_ON_BODY) {
+        Write(hwndFrame, IDC_WATCH_ADDRESS, entries[0]);
+        Write(hwndFrame, IDC_WATCH_PORT, entries[1]);
+    } else if (page.nBodyId == IDC_PAIR_DEVICE_BODY) {
+        Write(hwndFrame, IDC_PAIRING_CODE, entries[2]);
+        Write(hwndFrame, IDC_PAIRING_PORT, entries[3]);
+    } else if (page.nBoxId != 0) {
+        SendMessageW(FindShown(hwndFrame, page.nBoxId), BM_CLICK, 0, 0);
     }
 }
 
-// What is done on a page before Next.
-using FILL = std::function<void(HWND hwndFrame, const PAGE& page)>;
-
-void GoThrough(HWND hwndFrame, const FILL& fill, CShowingProcess& process)
+// Without entries the pages ask for nothing.
+void GoThrough(HWND hwndFrame, std::span<const std::wstring> entries, const std::function<void()>& look)
 {
+    int nIdle = 0;
+    const auto idle = [&] {
+        if (nIdle++ % kLooks == 0) {
+            look();
+        }
+    };
     for (const PAGE& page : kPages) {
-        int nIdle = 0;
-        const auto look = [&] {
-            if (nIdle++ % kLooks == 0) {
-                process.Look();
-            }
-        };
-        WaitFor("a page", [&] { return FindShown(hwndFrame, page.nBody); }, look);
-        fill(hwndFrame, page);
-        const int nButton = page.nBody == IDC_FINISHED_BODY ? kFinishButton : kNextButton;
-        const HWND hwndButton = WaitFor("a button", [&] { return FindShown(hwndFrame, nButton); }, look);
-        PostMessageW(hwndButton, BM_CLICK, 0, 0);
+        WaitFor("a page", [&] { return FindShown(hwndFrame, page.nBodyId); }, idle);
+        if (!entries.empty()) {
+            FillIn(hwndFrame, page, entries);
+        }
+        const int nButton = page.nBodyId == IDC_FINISHED_BODY ? kFinishId : kNextId;
+        PostMessageW(WaitFor("a button", [&] { return FindShown(hwndFrame, nButton); }, idle), BM_CLICK, 0, 0);
     }
 }
 
@@ -171,49 +150,48 @@ std::string Run(const std::wstring& strCommand)
     return std::format("{}", watch.Milliseconds());
 }
 
-std::string Show(const CWizard& wizard, const std::wstring& strCommand, int nBody)
+std::string Show(PCWSTR pszTitle, const std::wstring& strCommand, int nBodyId)
 {
-    wizard.WaitUntilGone();
+    WaitUntilGone(pszTitle);
     const CStopWatch watch;
     const CProgram program(strCommand);
-    const HWND hwnd = wizard.WaitForWindow(nBody);
+    const HWND hwnd = WaitForWindow(pszTitle, nBodyId);
     const double dTaken = watch.Milliseconds();
-    const CShowingProcess process(hwnd);
+    const size_t nPeak = MemoryPeak(OpenOwner(hwnd));
     program.End();
-    return std::format("{}\t{}", dTaken, process.MemoryPeak());
+    return std::format("{}\t{}", dTaken, nPeak);
 }
 
-std::string DoJob(const CWizard& wizard, const std::wstring& strCommand, const FILL& fill)
+std::string DoJob(PCWSTR pszTitle, const std::wstring& strCommand, std::span<const std::wstring> entries)
 {
-    wizard.WaitUntilGone();
+    WaitUntilGone(pszTitle);
     const CStopWatch watch;
     const CProgram program(strCommand);
-    const HWND hwndFrame = wizard.WaitForWindow(IDC_WELCOME_BODY);
-    CShowingProcess process(hwndFrame);
-    GoThrough(hwndFrame, fill, process);
+    const HWND hwndFrame = WaitForWindow(pszTitle, IDC_WELCOME_BODY);
+    const CHandle hProcess = OpenOwner(hwndFrame);
+    size_t nPeak = 0;
+    const auto look = [&] { nPeak = std::max(nPeak, MemoryPeak(hProcess)); };
+    look();
+    GoThrough(hwndFrame, entries, look);
     while (!program.EndsWithin(kLooks) && watch.Milliseconds() < kPatience) {
-        process.Look();
+        look();
     }
-    return std::format("{}\t{}", process.Lifetime(), process.MemoryPeak());
+    return std::format("{}\t{}", Lifetime(hProcess), nPeak);
 }
 
-std::string Answer(const CWizard& wizard, const std::vector<std::wstring>& words)
+std::string Answer(PCWSTR pszTitle, const std::vector<std::wstring>& words)
 {
     if (words.size() == 2 && words[0] == L"run") {
         return Run(words[1]);
     }
     if (words.size() == 2 && words[0] == L"dialog") {
-        return Show(wizard, words[1], 0);
+        return Show(pszTitle, words[1], 0);
     }
     if (words.size() == 2 && words[0] == L"start") {
-        return Show(wizard, words[1], IDC_WELCOME_BODY);
+        return Show(pszTitle, words[1], IDC_WELCOME_BODY);
     }
-    if (words.size() == 2 && words[0] == L"pages") {
-        return DoJob(wizard, words[1], [](HWND, const PAGE&) {});
-    }
-    if (words.size() == 6 && words[0] == L"job") {
-        const ENTRIES entries = {words[2], words[3], words[4], words[5]};
-        return DoJob(wizard, words[1], [&](HWND hwndFrame, const PAGE& page) { FillIn(hwndFrame, page, entries); });
+    if ((words.size() == 2 && words[0] == L"pages") || (words.size() == 6 && words[0] == L"job")) {
+        return DoJob(pszTitle, words[1], std::span(words).subspan(2));
     }
     throw std::runtime_error("this is no request");
 }
@@ -222,9 +200,8 @@ std::string Answer(const CWizard& wizard, const std::vector<std::wstring>& words
 
 int wmain(int argc, wchar_t** argv)
 try {
-    const CWizard wizard(argc == 2 ? argv[1] : L"");
     for (std::string strRequest; std::getline(std::cin, strRequest);) {
-        std::cout << Answer(wizard, SplitRequest(strRequest)) << '\n' << std::flush;
+        std::cout << Answer(argc == 2 ? argv[1] : L"", SplitRequest(strRequest)) << '\n' << std::flush;
     }
     return 0;
 } catch (const std::exception& error) {

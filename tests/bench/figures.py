@@ -91,16 +91,10 @@ class BenchProgram(Answering):
         return [float(number) for number in self.ask("\t".join(map(str, words))).split()]
 
 
-class Installer:
-    """Installs the tools once, in an emptied folder of its own."""
-
-    def __init__(self, answering: BenchProgram, folder: Path) -> None:
-        self._answering = answering
-        self.folder = folder
-
-    def install(self) -> float:
-        programs.remove_folder(self.folder)
-        return self._answering.measure("")[0]
+def install_tools(answering: BenchProgram, folder: Path) -> float:
+    """The tools, in an emptied folder of their own."""
+    programs.remove_folder(folder)
+    return answering.measure("")[0]
 
 
 def unpacking(rounds: int) -> list[Figure]:
@@ -115,9 +109,8 @@ def unpacking(rounds: int) -> list[Figure]:
         return milliseconds(lambda: subprocess.run(["unzip", "-q", copy, "-d", other], check=True, timeout=60))
 
     with BenchProgram("install", windows_path(folder)) as answering:
-        installer = Installer(answering, folder)
-        installer.install(), unzip()
-        pairs = [(installer.install(), unzip()) for _ in range(rounds)]
+        install_tools(answering, folder), unzip()
+        pairs = [(install_tools(answering, folder), unzip()) for _ in range(rounds)]
     taken = f"{median(a for a, _ in pairs):.1f} ms to {median(b for _, b in pairs):.1f} ms"
     ratio = median(a / b for a, b in pairs)
     return [at_most("`Install`, to `unzip` of the same archive", 0.8, ratio, ".2f", taken)]
@@ -133,12 +126,11 @@ def starting(rounds: int) -> list[Figure]:
     empty = under_launcher(f'{wine_path(places.bench("dialog"))} "{pages.TITLE}"')
     unpacker = BenchProgram("install", windows_path(folder))
     with BenchProgram("wizard", pages.TITLE) as driver, unpacker as answering:
-        installer = Installer(answering, folder)
 
         def measure() -> tuple[float, float, float]:
             programs.remove_folder(tools)
             page = driver.measure("start", installing)[0]
-            return page, installer.install(), driver.measure("dialog", empty)[0]
+            return page, install_tools(answering, folder), driver.measure("dialog", empty)[0]
 
         measure()
         rows = [measure() for _ in range(rounds)]
@@ -158,7 +150,7 @@ def main_job(rounds: int) -> list[Figure]:
         package = write_package(programs.downloads())
         installer = windows_path(Path(shutil.copy(places.installer(), programs.downloads())))
         with BenchProgram("install", windows_path(folder)) as answering:
-            Installer(answering, folder).install()
+            install_tools(answering, folder)
         adb = f'"{windows_path(folder)}\\platform-tools\\adb.exe"'
         address = f"{watch.address}:{watch.port}"
 
@@ -201,30 +193,20 @@ def main_job(rounds: int) -> list[Figure]:
     over = median(memory - least for _, _, memory, _, least in rows) / 1024
     over_at_first = median(memory - least for memory, least in firsts) / 1024
     alone, job, memory, bare, least = (median(column) for column in zip(*rows))
+    shares = f"%, of {job / 1000:.2f} s; pauses {pauses / 1000:.1f} s, adb alone {alone / 1000:.2f} s"
+    empties = f"%; the empty pages take {bare / 1000:.2f} s"
+    carried = f"{archive().stat().st_size / (1 << 20):.1f} MiB"
+    written = f"after the archive of {carried} was written out of the program's file"
+    at_first = f"{over_at_first:.1f} of it at the first page, {written}"
     return [
-        printed(
-            "main job: share of the time that is neither a fixed pause nor adb's own",
-            f"{beyond:.1f}",
-            f"%, of {job / 1000:.2f} s; pauses {pauses / 1000:.1f} s, adb alone {alone / 1000:.2f} s",
-        ),
-        at_most(
-            "main job: the same without the time for 14 empty pages",
-            3.0,
-            share,
-            ".1f",
-            f"%; the empty pages take {bare / 1000:.2f} s",
-        ),
+        printed("main job: share of the time that is neither a fixed pause nor adb's own", f"{beyond:.1f}", shares),
+        at_most("main job: the same without the time for 14 empty pages", 3.0, share, ".1f", empties),
         printed(
             "peak memory through the main job",
             f"{memory / 1024:.1f} MiB",
             f"14 empty pages have {least / 1024:.1f} MiB",
         ),
-        printed(
-            "peak memory over that of 14 empty pages",
-            f"{over:.1f} MiB",
-            f"{over_at_first:.1f} of it at the first page, after the archive of "
-            f"{archive().stat().st_size / (1 << 20):.1f} MiB was written out of the program's file",
-        ),
+        printed("peak memory over that of 14 empty pages", f"{over:.1f} MiB", at_first),
     ]
 
 

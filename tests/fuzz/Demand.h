@@ -3,8 +3,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <string_view>
 
 // Ends the run unless what the sentence says is so.
 inline void Demand(bool bHolds, const char* pszSentence)
@@ -15,9 +13,10 @@ inline void Demand(bool bHolds, const char* pszSentence)
     }
 }
 
-// For a function of the platform that the fuzzed code has no reason to call.
-[[noreturn]] inline void Unexpected(const char* pszFunction)
-{
-    fprintf(stderr, "%s was called\n", pszFunction);
-    abort();
-}
+// Defines a function of the platform, given as it is declared, that the fuzzed code has no reason to call.
+#define UNEXPECTED(...)                                                                                                \
+    __VA_ARGS__                                                                                                        \
+    {                                                                                                                  \
+        fprintf(stderr, "%s was called\n", __func__);                                                                  \
+        abort();                                                                                                       \
+    }

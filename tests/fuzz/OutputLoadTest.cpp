@@ -1,5 +1,6 @@
 // adb's output in sizes that only a broken or hostile watch sends, through each classifier: nothing takes long, and
-// nothing takes more stack for more text. What was measured is printed.
+// nothing takes more stack for more text. The stack of a test is some megabytes: a byte of it for each byte of text
+// would not do.
 
 #include "adb/AdbOutput.h"
 
@@ -8,40 +9,16 @@
 
 #include <gtest/gtest.h>
 
-using kit::ProcessorTime;
-using kit::Seconds;
+using namespace std::string_view_literals;
 
 namespace {
 
-constexpr size_t kMebibyte = 1 << 20;
-constexpr size_t kSize = 64 * kMebibyte;
+constexpr size_t kSize = 64 << 20;
 
 // A judge that looks at the text again and again takes many times as long.
-constexpr Seconds kLongest(3);
+constexpr kit::Seconds kLongest(3);
 
-// Less is too little for a clock that ticks every hundredth of a second.
-constexpr Seconds kMeasurable(0.035);
-
-struct JUDGE
-{
-    const char* pszName;
-    ADB_EXIT_CODE (*pfnClassify)(std::string_view);
-};
-constexpr JUDGE kKillServer = {"kill-server", ClassifyKillServerOutput};
-constexpr JUDGE kConnect = {"connect", ClassifyConnectOutput};
-constexpr JUDGE kPair = {"pair", ClassifyPairOutput};
-constexpr JUDGE kInstall = {"install", ClassifyInstallOutput};
-
-// The piece again and again, nSize bytes of it.
-std::string Repeated(std::string_view piece, size_t nSize)
-{
-    std::string text(piece);
-    while (text.size() < nSize) {
-        text += text;
-    }
-    text.resize(nSize - nSize % piece.size());
-    return text;
-}
+using Classifier = ADB_EXIT_CODE(std::string_view);
 
 class OutputLoad : public testing::Test
 {
@@ -51,93 +28,71 @@ protected:
         m_messageBox.Optional();
     }
 
-    // The stack of a test is some megabytes: a byte of it for each byte of text would not do.
-    static void Expect(const JUDGE& judge, const std::string& output, ADB_EXIT_CODE nExpected)
+    // Judges the piece again and again, kSize bytes of it, between the others.
+    static void Expect(Classifier& classify, ADB_EXIT_CODE nExpected, std::string_view begin, std::string_view piece,
+                       std::string_view end = "")
     {
-        const Seconds begin = ProcessorTime();
-        EXPECT_EQ(judge.pfnClassify(output), nExpected) << judge.pszName;
-        const Seconds taken = ProcessorTime() - begin;
-        EXPECT_LT(taken, kLongest) << judge.pszName;
-        const auto dBytes = static_cast<double>(output.size());
-        printf("%-12s %6.1f MiB %9.0f ms", judge.pszName, dBytes / kMebibyte, taken.count() * 1e3);
-        if (taken > kMeasurable) {
-            printf(" %9.0f MB/s", dBytes / 1e6 / taken.count());
+        std::string output(piece);
+        while (output.size() < kSize) {
+            output += output;
         }
-        printf("\n");
-    }
-
-    static void ExpectAll(const std::string& output, ADB_EXIT_CODE nExpected)
-    {
-        for (const JUDGE& judge : {kKillServer, kConnect, kPair, kInstall}) {
-            Expect(judge, output, nExpected);
-        }
+        output.resize(kSize - kSize % piece.size());
+        output.insert(0, begin);
+        output += end;
+        const kit::Seconds before = kit::ProcessorTime();
+        EXPECT_EQ(classify(output), nExpected) << begin << '(' << piece << ")..." << end;
+        EXPECT_LT(kit::ProcessorTime() - before, kLongest) << begin << '(' << piece << ")..." << end;
     }
 
     // The boxes that were shown.
     REPLACED(MessageBoxW) m_messageBox;
 };
 
-TEST_F(OutputLoad, OneLineThatNobodyKnows)
+TEST_F(OutputLoad, LinesThatNobodyKnows)
 {
-    ExpectAll(std::string(kSize, 'x'), ADB_PARSE_ERROR);
-}
-
-TEST_F(OutputLoad, OneLineOfNuls)
-{
-    ExpectAll(std::string(kSize, '\0'), ADB_PARSE_ERROR);
-}
-
-TEST_F(OutputLoad, OneLineOfLoneCarriageReturns)
-{
-    ExpectAll(std::string(kSize, '\r'), ADB_PARSE_ERROR);
-}
-
-TEST_F(OutputLoad, NothingButLineFeeds)
-{
-    ExpectAll(std::string(kSize, '\n'), ADB_PARSE_ERROR);
+    for (Classifier* pfnClassify :
+         {ClassifyKillServerOutput, ClassifyConnectOutput, ClassifyPairOutput, ClassifyInstallOutput}) {
+        for (const std::string_view piece : {"x"sv, "\0"sv, "\r"sv, "\n"sv}) {
+            Expect(*pfnClassify, ADB_PARSE_ERROR, "", piece);
+        }
+    }
 }
 
 TEST_F(OutputLoad, OneKnownLine)
 {
-    const std::string rest(kSize, 'x');
-    Expect(kKillServer, "cannot connect to daemon at tcp:" + rest, KILL_SEVER_NOT_STARTED);
-    Expect(kConnect, "connected to " + rest, ADB_SUCCESS);
-    Expect(kPair, "Successfully paired to " + rest, ADB_SUCCESS);
-    Expect(kInstall, "Success" + rest, ADB_SUCCESS);
+    Expect(ClassifyKillServerOutput, KILL_SEVER_NOT_STARTED, "cannot connect to daemon at tcp:", "x");
+    Expect(ClassifyConnectOutput, ADB_SUCCESS, "connected to ", "x");
+    Expect(ClassifyPairOutput, ADB_SUCCESS, "Successfully paired to ", "x");
+    Expect(ClassifyInstallOutput, ADB_SUCCESS, "Success", "x");
 }
 
 TEST_F(OutputLoad, TheLineThatDecidesComesLast)
 {
-    const std::string lines = Repeated("* daemon started successfully\r\n", kSize);
-    Expect(kConnect, lines + "already connected to x", CONNECT_ALREADY_CONNECTED);
-    Expect(kPair, lines + "Failed: Unable to start pairing client.", PAIR_FAILED);
-    Expect(kInstall, lines + "adb.exe: device offline", INSTALL_DEVICE_OFFLINE);
-    Expect(kInstall, Repeated("Performing Streamed Install\n", kSize) + "Success", ADB_SUCCESS);
+    constexpr std::string_view line = "* daemon started successfully\r\n";
+    Expect(ClassifyConnectOutput, CONNECT_ALREADY_CONNECTED, "", line, "already connected to x");
+    Expect(ClassifyPairOutput, PAIR_FAILED, "", line, "Failed: Unable to start pairing client.");
+    Expect(ClassifyInstallOutput, INSTALL_DEVICE_OFFLINE, "", line, "adb.exe: device offline");
+    Expect(ClassifyInstallOutput, ADB_SUCCESS, "", "Performing Streamed Install\n", "Success");
 }
 
-// The search for the failure's name, on lines that hold it at the very end, or almost hold it all along.
-class FailureLoad : public OutputLoad, public testing::WithParamInterface<const char*>
+// On lines that hold it at the very end, or almost hold it all along.
+TEST_F(OutputLoad, TheNameOfAFailureIsSoughtOnce)
 {
-};
-
-TEST_P(FailureLoad, TheNameIsSoughtOnce)
-{
-    const std::string line = "adb: failed to install " + Repeated(GetParam(), kSize);
-    Expect(kInstall, line, INSTALL_FAILED);
-    Expect(kInstall, line + ": Failure [INSTALL_FAILED_ABORTED: x]", INSTALL_FAILED_ABORTED);
+    for (const char* pszPiece :
+         {"x", ":", " ", ": ", ": Failure ", ": Failure [", ": Failure [a", ": Failure [INSTALL_FAILED_ABORTED]"}) {
+        constexpr std::string_view begin = "adb: failed to install ";
+        Expect(ClassifyInstallOutput, INSTALL_FAILED, begin, pszPiece);
+        Expect(ClassifyInstallOutput, INSTALL_FAILED_ABORTED, begin, pszPiece, ": Failure [INSTALL_FAILED_ABORTED: x]");
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Lines, FailureLoad,
-                         testing::Values("x", ":", " ", ": ", ": Failure ", ": Failure [", ": Failure [a",
-                                         ": Failure [INSTALL_FAILED_ABORTED]"));
 
 TEST_F(OutputLoad, ANameWithoutEnd)
 {
-    const std::string line = "adb: failed to install x: Failure [" + std::string(kSize, 'A');
-    Expect(kInstall, line, INSTALL_FAILED);
-    Expect(kInstall, line + "]", INSTALL_FAILED);
+    constexpr std::string_view begin = "adb: failed to install x: Failure [";
+    Expect(ClassifyInstallOutput, INSTALL_FAILED, begin, "A");
+    Expect(ClassifyInstallOutput, INSTALL_FAILED, begin, "A", "]");
     EXPECT_EQ(m_messageBox.Calls(), 0u);
-    Expect(kInstall, line + ":", INSTALL_FAILED_KALVO_UNKNOWN_ERROR);
+    Expect(ClassifyInstallOutput, INSTALL_FAILED_KALVO_UNKNOWN_ERROR, begin, "A", ":");
     EXPECT_EQ(m_messageBox.Calls(), 1u);
 }
 

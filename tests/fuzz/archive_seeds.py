@@ -1,161 +1,142 @@
-"""Writes the archive fuzzer's seeds to a new folder: recipes, and whole archives as zip tools write them.
+"""Writes the archive fuzzer's seeds to a new folder: lists of entries, archives that lie, archives of zip tools.
 
     archive_seeds.py FOLDER
 """
 import io
+import struct
 import sys
 import zipfile
+import zlib
+from collections.abc import Iterator
 from pathlib import Path
 
-DEFLATED, METHOD, CRC, SIZES, ATTRIBUTES, EXTRA, FLAGS, HEADER = (1 << n for n in range(8))
-UNIX_LINK = 0o120777 << 16
-NO_LIES = bytes(4)
-
-# The first byte of an input.
-RAW, LONG_PATHS, CLOSE_FAILS, SMALL_DISK = 1, 2, 4, 8
 FOLDERS = 8
+ROOT, LONG = 4, 6
+
+CRC_WRONG, RECORD_UNREADABLE = 1, 2
+UNIX, MAC = 3 << 8, 19 << 8
+LINK, DIRECTORY = 0o120777 << 16, 0x10
+
+NAMES = {
+    "up": b"../../up", "up-back": b"..\\..\\up", "up-inside": b"a/../../up", "root": b"/root",
+    "drive": b"C:\\Windows\\x", "share": b"\\\\host\\share\\x", "device-path": b"\\\\?\\C:\\x", "dots": b"...",
+    "dots-deep": b".../x", "dot-blank": b".. /x", "blank-dot": b". ./x", "trailing-dot": b"a./b.", "only-dot": b".",
+    "only-dots": b"..", "only-slashes": b"//\\\\", "stream": b"a:b", "colon": b":x", "reserved": b"a<b>|?*",
+    "control": b"a\nb", "folder": b"a/b/", "not-folder-back": b"a\\", "double": b"a//b\\\\c", "middle": b"a/./b/../c",
+    "511": b"n" * 511, "513": b"n" * 513, "20000": b"n" * 20000, "slashes": b"/" * 300, "deep": b"a/" * 120,
+    "dots-300": b"." * 300, "dot-folders": b"./" * 250 + b"a/b", "empty": b"", "nul-inside": b"a\0b",
+    "nul-first": b"\0", "half-utf8": b"a\xe6\x89", "long-form": b"\xc0\xae\xc0\xae/x", "surrogate": b"\xed\xa0\x80",
+    "four-bytes": "\U0001f600/x".encode(), "full-width": "．．／x".encode(), "high": b"\xff\xfe/x",
+}
 
 
-def piece(data) -> bytes:
-    """A length and so many bytes; long pieces must be one byte repeated."""
-    data = data.encode() if isinstance(data, str) else data
-    if len(data) < 255:
-        return bytes([len(data)]) + data
-    assert len(set(data)) == 1
-    return b"\xff" + len(data).to_bytes(2, "little") + b"\x01" + data[:1]
+def entry(name: bytes, text: bytes = b"text", faults: int = 0, made_by: int = 0, attributes: int = 0) -> bytes:
+    pieces = (struct.pack("<H", len(piece)) + piece for piece in (name, text))
+    return struct.pack("<BHI", faults, made_by, attributes) + b"".join(pieces)
 
 
-def entry(name, content=b"content", choices: int = 0, more: bytes = b"") -> bytes:
-    return bytes([choices]) + piece(name) + piece(content) + more
+def listed(*entries: bytes, folder: int = 0, longer: int = 0, small_disk: bool = False) -> bytes:
+    return bytes([folder << 4 | small_disk << 3, longer]) + b"".join(entries)
 
 
-def attributes(host: int, value: int) -> bytes:
-    return bytes([host]) + value.to_bytes(4, "little")
+def raw(archive: bytes, small_disk: bool = False) -> bytes:
+    return bytes([small_disk << 3 | 1, 0]) + archive
 
 
-def sizes(compressed: int, plain: int) -> bytes:
-    return compressed.to_bytes(4, "little") + plain.to_bytes(4, "little")
+def lying(text: bytes = b"content", extra: bytes = b"", **lies: int) -> bytes:
+    """An archive of one entry, true but for the lies. "more", "larger" and "later" are of the directory, and added."""
+    size = len(text)
+    sizes = lies.get("crc", zlib.crc32(text)), lies.get("packed", size), lies.get("plain", size)
+    entry = struct.pack("<3HI3IH", 20, lies.get("flags", 0), lies.get("method", 0), 0x210000, *sizes, 1)
+    data = b"PK\3\4" + entry + b"\0\0a" + text
+    places = struct.pack("<4H2I", len(extra), 0, 0, 0, 0, lies.get("offset", 0))
+    record = b"PK\1\2\x14\0" + entry + places + b"a" + extra
+    entries = 1 + lies.get("more", 0)
+    directory = len(record) + lies.get("larger", 0), len(data) + lies.get("later", 0)
+    return raw(data + record + b"PK\5\6" + struct.pack("<4H2IH", 0, 0, entries, entries, *directory, 0))
 
 
-def recipe(*entries: bytes, start: int = 0, longer: int = 0, lies: bytes = NO_LIES) -> bytes:
-    return bytes([start, longer]) + lies + b"".join(entries)
-
-
-def raw(archive: bytes, start: int = 0) -> bytes:
-    return bytes([start | RAW, 0]) + archive
-
-
-def whole_archive(method: int, force_zip64: bool = False, seekable: bool = True) -> bytes:
-    class Pipe(io.BytesIO):
-        def seekable(self) -> bool:
-            return False
-
-        def seek(self, *_):
-            raise io.UnsupportedOperation
-
-        def tell(self):
-            raise io.UnsupportedOperation
-
-    out = io.BytesIO() if seekable else Pipe()
-    with zipfile.ZipFile(out, "w", method) as archive:
-        for name, content in (("platform-tools/adb.exe", b"MZ" + bytes(range(256)) * 3 + b"abcabcabc" * 90),
-                              ("platform-tools/AdbWinApi.dll", b"MZ"), ("platform-tools/empty/", b"")):
-            info = zipfile.ZipInfo(name, (1980, 1, 1, 0, 0, 0))
+def whole(method: int, force_zip64: bool = False) -> bytes:
+    """As zip tools write it."""
+    out = io.BytesIO()
+    with zipfile.ZipFile(out, "w") as archive:
+        for name, content in (("a/adb.exe", b"MZ" + bytes(range(256)) * 3 + b"abcabcabc" * 90), ("a/empty/", b"")):
+            info = zipfile.ZipInfo(name)
             info.compress_type = method
             with archive.open(info, "w", force_zip64=force_zip64) as member:
                 member.write(content)
     return out.getvalue()
 
 
-UGLY_NAMES = {
-    "up": "../../up", "up-back": "..\\..\\up", "up-inside": "a/../../up", "root": "/root", "drive": "C:\\Windows\\x",
-    "drive-relative": "C:x", "share": "\\\\host\\share\\x", "device-path": "\\\\?\\C:\\x", "dots": "...", "dots-deep": ".../x",
-    "dot-blank": ".. /x", "blank-dot": ". ./x", "trailing-dot": "a./b.", "only-dots": "..", "only-slashes": "//\\\\",
-    "stream": "a:b", "data-stream": "a::$DATA", "nul": "NUL", "con-txt": "con.txt", "com-deep": "a/COM1", "reserved": "a<b>|?*",
-    "control": "a\nb", "folder": "a/b/", "not-folder-back": "a\\", "double": "a//b\\\\c", "empty-middle": "a/./b/../c",
-    "511": "n" * 511, "513": "n" * 513, "65535": "n" * 65535, "slashes": "/" * 300, "deep": "a/" * 120, "dots-300": "." * 300,
-    "empty": "",
-}
-
-UGLY_BYTES = {
-    "nul-inside": b"a\0b", "nul-first": b"\0", "half-utf8": b"a\xe6\x89", "long-form": b"\xc0\xae\xc0\xae/x", "surrogate": b"\xed\xa0\x80",
-    "four-bytes": "\U0001f600/x".encode(), "full-width": "．．／x".encode(), "high": b"\xff\xfe/x",
-}
-
-
-def seeds():
-    for what, name in (UGLY_NAMES | UGLY_BYTES).items():
-        yield f"name-{what}", recipe(entry("before"), entry(name), entry("after"))
-        yield f"name-{what}-long-paths", recipe(entry(name), start=LONG_PATHS)
+def lists() -> Iterator[tuple[str, bytes]]:
+    for what, name in NAMES.items():
+        yield f"name-{what}", listed(entry(b"before"), entry(name), entry(b"after"))
+        yield f"name-{what}-in-root", listed(entry(name), folder=ROOT)
     for folder in range(FOLDERS):
-        for start in (0, LONG_PATHS):
-            yield f"folder-{folder}-{start}", recipe(entry("a/b\\c"), entry("../d"), start=start | folder << 4, longer=150)
-    for longer in range(146, 154):
-        yield f"longest-folder-{longer}", recipe(entry("x/y"), start=LONG_PATHS | 6 << 4, longer=longer)
+        yield f"folder-{folder}", listed(entry(b"a/b\\c"), entry(b"../d"), folder=folder)
+    for longer in range(124, 132):
+        yield f"longest-folder-{longer}", listed(entry(b"x/y"), folder=LONG, longer=longer)
+    yield "no-entries", listed()
+    yield "twice-the-same", listed(entry(b"a", b"first and longer"), entry(b"A", b"second"))
+    yield "file-as-folder", listed(entry(b"a"), entry(b"a/b"))
+    yield "folder-as-file", listed(entry(b"a/b"), entry(b"a"))
+    for what, made_by in {"dos": 0, "unix": UNIX, "mac": MAC}.items():
+        yield f"{what}-link", listed(entry(b"a", b"/etc", made_by=made_by, attributes=LINK), entry(b"a/x"))
+    yield "directory-attribute", listed(entry(b"a/b", attributes=DIRECTORY))
+    yield "wrong-crc", listed(entry(b"before"), entry(b"a", faults=CRC_WRONG), entry(b"after"))
+    yield "unreadable-record", listed(entry(b"before"), entry(b"a", faults=RECORD_UNREADABLE))
+    yield "disk-full", listed(entry(b"a", b"x" * 1025), small_disk=True)
+    yield "disk-just-full", listed(entry(b"a", b"x" * 1024), entry(b"b", b""), small_disk=True)
 
-    yield "no-entries", recipe()
-    yield "twice-the-same", recipe(entry("a", b"first and longer"), entry("A", b"second"))
-    yield "file-as-folder", recipe(entry("a"), entry("a/b"))
-    yield "folder-as-file", recipe(entry("a/b"), entry("a"))
-    yield "unix-link", recipe(entry("a", "/etc", ATTRIBUTES, attributes(3, UNIX_LINK)), entry("a/x"))
-    yield "mac-link", recipe(entry("a", "/etc", ATTRIBUTES, attributes(19, UNIX_LINK)), entry("a/x"))
-    yield "dos-link", recipe(entry("a", "/etc", ATTRIBUTES, attributes(0, UNIX_LINK)), entry("a/x"))
-    yield "directory-attribute", recipe(entry("a/b", "", ATTRIBUTES, attributes(0, 0x10)))
-    yield "deflated", recipe(entry("a", "text", DEFLATED), entry("b", b"x" * 65535, DEFLATED))
-    yield "torn-deflate", recipe(entry("a", b"\x01\x05\x00\xfa\xff", METHOD, b"\x08"))
-    yield "bad-deflate", recipe(entry("a", b"\x07\xff\xff", METHOD | SIZES, b"\x08" + sizes(3, 100)))
-    yield "bad-huffman", recipe(entry("a", b"\x05\xe0\x81\x00\xff", METHOD | SIZES, b"\x08" + sizes(5, 100)))
-    yield "other-method", recipe(entry("a", b"x", METHOD, b"\x0c"))
-    yield "wrong-crc", recipe(entry("before"), entry("a", b"x", CRC, b"\x01"), entry("after"))
-    yield "size-beyond", recipe(entry("a", b"x", SIZES, sizes(0x7FFFFFFF, 0x7FFFFFFF)))
-    yield "size-4g", recipe(entry("a", b"x", SIZES, sizes(0xFFFFFFFF, 0xFFFFFFFF)))
-    yield "size-smaller", recipe(entry("a", b"content", SIZES, sizes(1, 1)))
-    yield "size-zero", recipe(entry("a", b"content", SIZES, sizes(0, 0)))
-    yield "plain-larger", recipe(entry("a", b"x", DEFLATED | SIZES, sizes(6, 1000)))
-    yield "plain-smaller", recipe(entry("a", b"xyz", DEFLATED | SIZES, sizes(8, 1)))
-    yield "zip64-sizes", recipe(entry("a", b"x", SIZES | EXTRA, sizes(0xFFFFFFFF, 0xFFFFFFFF)
-                                      + piece(b"\x01\x00\x10\x00" + (1).to_bytes(8, "little") * 2)))
-    yield "zip64-torn", recipe(entry("a", b"x", SIZES | EXTRA, sizes(0xFFFFFFFF, 0xFFFFFFFF) + piece(b"\x01\x00\x10\x00\x01")))
-    yield "zip64-empty", recipe(entry("a", b"x", SIZES | EXTRA, sizes(0xFFFFFFFF, 0xFFFFFFFF) + piece(b"\x01\x00\x00\x00")))
-    yield "extra-torn", recipe(entry("a", b"x", EXTRA, piece(b"\x75\x70\xff\x00\x01")))
-    yield "unicode-path", recipe(entry("a", b"x", EXTRA, piece(b"\x75\x70\x07\x00\x01\x00\x00\x00\x00..")))
-    yield "encrypted", recipe(entry("a", b"x", FLAGS, b"\x01\x00"))
-    yield "patched", recipe(entry("a", b"x", FLAGS, b"\x20\x00"))
-    yield "utf8-flag", recipe(entry("\u00f6", b"x", FLAGS, b"\x00\x08"))
-    yield "descriptor-flag", recipe(entry("a", b"x", FLAGS, b"\x08\x00"))
-    yield "other-name-in-header", recipe(entry("a", b"x", HEADER, piece("../b") + b"\0"))
-    yield "misplaced-header", recipe(entry("a"), entry("b", b"x", HEADER, piece("b") + b"\xff"))
-    yield "close-fails", recipe(entry("a"), start=CLOSE_FAILS)
-    yield "close-fails-too", recipe(entry("a", b"x", CRC, b"\x01"), start=CLOSE_FAILS)
-    yield "disk-full", recipe(entry("a", b"x" * 1025), start=SMALL_DISK)
-    yield "disk-just-full", recipe(entry("a", b"x" * 1024), entry("b", b""), entry("c", b"x"), start=SMALL_DISK)
-    for cut in (1, 4, 22, 23, 60, 100):
-        yield f"cut-{cut}", recipe(entry("a"), entry("b"), lies=bytes([cut, 0, 0, 0]))
-    for what, lies in {"more": b"\0\1\0\0", "fewer": b"\0\xff\0\0", "dir-later": b"\0\0\1\0", "dir-earlier": b"\0\0\xff\0",
-                       "dir-larger": b"\0\0\0\1", "dir-smaller": b"\0\0\0\xff"}.items():
-        yield f"lie-{what}", recipe(entry("a"), entry("b"), lies=lies)
 
-    stored, deflated = whole_archive(zipfile.ZIP_STORED), whole_archive(zipfile.ZIP_DEFLATED)
-    yield "whole-stored", raw(stored)
+def lies() -> Iterator[tuple[str, bytes]]:
+    for what, text, level in (("deflated", b"text", 9), ("blocks", b"text" * 17000, 0), ("large", b"text" * 50000, 9)):
+        deflated, crc = zlib.compress(text, level, wbits=-15), zlib.crc32(text)
+        yield what, lying(deflated, method=8, crc=crc, plain=len(text))
+        yield f"{what}-plain-larger", lying(deflated, method=8, crc=crc, plain=len(text) + 1000)
+        yield f"{what}-plain-smaller", lying(deflated, method=8, crc=crc, plain=1)
+        yield f"{what}-torn", lying(deflated, method=8, crc=crc, plain=len(text), packed=len(deflated) - 3)
+    yield "torn-deflate", lying(b"\x01\x05\x00\xfa\xff", method=8)
+    yield "bad-deflate", lying(b"\x07\xff\xff", method=8, plain=100)
+    yield "bad-huffman", lying(b"\x05\xe0\x81\x00\xff", method=8, plain=100)
+    yield "other-method", lying(method=12)
+    for what, size in {"zero": 0, "smaller": 1, "beyond": 2**31 - 1, "4g": 2**32 - 1}.items():
+        yield f"size-{what}", lying(packed=size, plain=size)
+    for what, sizes in {"sizes": b"\x10\0" + struct.pack("<2Q", 7, 7), "torn": b"\x10\0\1", "empty": b"\0\0"}.items():
+        yield f"zip64-{what}", lying(extra=b"\1\0" + sizes, packed=2**32 - 1, plain=2**32 - 1)
+    yield "extra-torn", lying(extra=b"\x75\x70\xff\0\1")
+    yield "unicode-path", lying(extra=b"\x75\x70\x07\0\1\0\0\0\0..")
+    for what, flags in {"encrypted": 1, "descriptor": 8, "patched": 0x20, "utf8": 0x800}.items():
+        yield f"{what}-flag", lying(flags=flags)
+    yield "misplaced-header", lying(offset=1)
+    for what, by in {"earlier": -1, "later": 1}.items():
+        yield f"directory-{what}", lying(later=by)
+        yield f"directory-of-{by}-more", lying(more=by)
+        yield f"directory-{by}-larger", lying(larger=by)
+
+
+def wholes() -> Iterator[tuple[str, bytes]]:
+    deflated = whole(zipfile.ZIP_DEFLATED)
+    yield "whole-stored", raw(whole(zipfile.ZIP_STORED))
     yield "whole-deflated", raw(deflated)
-    yield "whole-zip64", raw(whole_archive(zipfile.ZIP_DEFLATED, force_zip64=True))
-    yield "whole-piped", raw(whole_archive(zipfile.ZIP_DEFLATED, seekable=False))
-    yield "whole-small-disk", raw(deflated, SMALL_DISK)
+    yield "whole-zip64", raw(whole(zipfile.ZIP_DEFLATED, force_zip64=True))
+    yield "whole-small-disk", raw(deflated, small_disk=True)
     yield "whole-behind-text", raw(b"#!/bin/sh\n" + deflated)
     yield "whole-before-text", raw(deflated + b"#!/bin/sh\n")
-    yield "whole-half", raw(deflated[:len(deflated) // 2])
-    yield "whole-nothing", raw(b"")
+    for cut in (1, 22, 23, 100, len(deflated) // 2, len(deflated)):
+        yield f"whole-without-{cut}", raw(deflated[:-cut])
     yield "whole-end-alone", raw(deflated[-22:])
-    zip64_end = (b"PK\x06\x06" + (44).to_bytes(8, "little") + b"\x2d\x00\x2d\x00" + bytes(8) + (1).to_bytes(8, "little") * 2
-                 + (46).to_bytes(8, "little") + bytes(8) + b"PK\x06\x07" + bytes(4) + bytes(8) + (1).to_bytes(4, "little"))
-    yield "whole-zip64-end", raw(zip64_end + b"PK\x05\x06" + bytes(4) + b"\xff" * 12 + bytes(2))
+    directory = struct.pack("<4sQ2HI", b"PK\6\6", 44, 45, 45, 0) + struct.pack("<I4Q", 0, 1, 1, 46, 0)
+    locator = struct.pack("<4sIQI", b"PK\6\7", 0, 0, 1)
+    yield "whole-zip64-end", raw(directory + locator + b"PK\5\6" + bytes(4) + b"\xff" * 12 + bytes(2))
 
 
 def main() -> None:
     folder = Path(sys.argv[1])
     folder.mkdir(parents=True)
-    for name, data in seeds():
-        (folder / name).write_bytes(data)
+    for seeds in (lists, lies, wholes):
+        for name, data in seeds():
+            (folder / name).write_bytes(data)
 
 
 if __name__ == "__main__":

@@ -50,16 +50,12 @@ class RootsName(SetupTest):
         self.assertGreater(times, 0)
         recipe.write_text(changed)
 
-    def test_stays_with_other_comments_and_another_order(self) -> None:
+    def test_stays_with_other_comments_another_order_and_other_files_of_third_parties(self) -> None:
         before = self.name()
-        self.change("^( *)# .*", r"\1# Other words.")
-        self.change("zip unzip", "unzip zip")
-        self.assertEqual(self.name(), before)
-
-    def test_stays_with_other_files_of_third_parties(self) -> None:
-        before = self.name()
-        self.change("miniz.c [0-9a-f]*", "miniz.c 00")
-        self.assertEqual(self.name(), before)
+        changes = ("^( *)# .*", r"\1# Other words."), ("zip unzip", "unzip zip"), ("miniz.c [0-9a-f]*", "miniz.c 00")
+        for change in changes:
+            self.change(*change)
+            self.assertEqual(self.name(), before, change)
 
     def test_is_another_with_other_contents(self) -> None:
         changes = (

@@ -1,51 +1,40 @@
-// What the stand-in headers promise and every fuzzer answers in the same way.
+// What the stand-in header promises and every fuzzer answers in the same way.
 #include "tests/fuzz/Demand.h"
 
 #include <windows.h>
 
-#include <cstdarg>
-#include <cstdlib>
+#include <algorithm>
+#include <bit>
+#include <cstring>
 #include <string>
 
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
 
-// The next character of UTF-8 text, which is not empty. Where no character is, the longest piece that could have
-// begun one is taken and stands for a replacement character, as Windows reads it.
+// The next character of UTF-8 text, which is not empty. A byte that begins none stands for a replacement character;
+// where Windows takes several such bytes together, here each gives one.
 char32_t TakeCharacter(std::string_view& rest)
 {
-    const auto byte = [&](size_t n) { return n < rest.size() ? static_cast<unsigned char>(rest[n]) : 0U; };
-    const unsigned nLead = byte(0);
-    size_t nBytes = 1;
-    char32_t ch = nLead;
-    unsigned nLow = 0x80; // the range of the second byte keeps out long forms, surrogates and what lies too high
-    unsigned nHigh = 0xBF;
-    if (nLead >= 0xC2 && nLead <= 0xDF) {
-        nBytes = 2;
-        ch = nLead & 0x1F;
-    } else if (nLead >= 0xE0 && nLead <= 0xEF) {
-        nBytes = 3;
-        ch = nLead & 0x0F;
-        nLow = nLead == 0xE0 ? 0xA0 : 0x80;
-        nHigh = nLead == 0xED ? 0x9F : 0xBF;
-    } else if (nLead >= 0xF0 && nLead <= 0xF4) {
-        nBytes = 4;
-        ch = nLead & 0x07;
-        nLow = nLead == 0xF0 ? 0x90 : 0x80;
-        nHigh = nLead == 0xF4 ? 0x8F : 0xBF;
-    } else if (nLead >= 0x80) {
-        ch = kReplacement;
+    static constexpr char32_t kLeast[] = {0, 0, 0x80, 0x800, 0x10000};
+    const auto nLead = static_cast<unsigned char>(rest[0]);
+    const auto nBytes = static_cast<size_t>(std::countl_one(nLead));
+    rest.remove_prefix(1);
+    if (nBytes == 0) {
+        return nLead;
     }
-    size_t nTaken = 1;
-    while (nTaken < nBytes && byte(nTaken) >= nLow && byte(nTaken) <= nHigh) {
-        ch = (ch << 6) | (byte(nTaken) & 0x3F);
-        nLow = 0x80;
-        nHigh = 0xBF;
-        ++nTaken;
+    const std::string_view more = rest.substr(0, nBytes - 1);
+    char32_t ch = nLead & (0x7FU >> nBytes);
+    for (const char chMore : more) {
+        ch = (ch << 6) | (static_cast<unsigned char>(chMore) & 0x3FU);
     }
-    rest.remove_prefix(nTaken);
-    return nTaken == nBytes ? ch : kReplacement;
+    const bool bWhole = nBytes >= 2 && nBytes <= 4 && more.size() == nBytes - 1 &&
+                        std::ranges::all_of(more, [](char chMore) { return (chMore & 0xC0) == 0x80; });
+    if (!bWhole || ch < kLeast[nBytes] || ch > 0x10FFFF || (ch >= 0xD800 && ch <= 0xDFFF)) {
+        return kReplacement;
+    }
+    rest.remove_prefix(more.size());
+    return ch;
 }
 
 std::wstring Utf16(std::string_view rest)
@@ -64,8 +53,6 @@ std::wstring Utf16(std::string_view rest)
 }
 
 } // namespace
-
-extern "C" {
 
 HANDLE GetProcessHeap()
 {
@@ -86,37 +73,16 @@ BOOL HeapFree(HANDLE /*hHeap*/, DWORD /*dwFlags*/, void* p)
 int MultiByteToWideChar(UINT nCodePage, DWORD dwFlags, const char* pch, int cb, PWSTR pchWide, int cchWide)
 {
     Demand(nCodePage == CP_UTF8 && dwFlags == 0, "text is converted from UTF-8 alone");
-    const std::wstring units = Utf16(cb < 0 ? std::string_view(pch, strlen(pch) + 1) : std::string_view(pch, cb));
-    if (cchWide == 0) {
-        return static_cast<int>(units.size());
+    const std::wstring units = Utf16({pch, cb < 0 ? strlen(pch) + 1 : static_cast<size_t>(cb)});
+    if (cchWide != 0) {
+        Demand(units.size() <= static_cast<size_t>(cchWide), "the converted text has room");
+        wmemcpy(pchWide, units.data(), units.size());
     }
-    if (units.size() > static_cast<size_t>(cchWide)) {
-        return 0;
-    }
-    wmemcpy(pchWide, units.data(), units.size());
     return static_cast<int>(units.size());
 }
 
 // The string class needs the following to format and to load texts; nothing that is fuzzed does either.
-
-HMODULE GetModuleHandleW(PCWSTR /*pszModule*/)
-{
-    Unexpected("GetModuleHandleW");
-}
-
-int LoadStringW(HINSTANCE /*hInstance*/, UINT /*nID*/, PWSTR /*pszText*/, int /*cchText*/)
-{
-    Unexpected("LoadStringW");
-}
-
-int _vscwprintf(PCWSTR /*pszFormat*/, va_list /*args*/)
-{
-    Unexpected("_vscwprintf");
-}
-
-int _vsnwprintf(PWSTR /*pszText*/, size_t /*cchText*/, PCWSTR /*pszFormat*/, va_list /*args*/)
-{
-    Unexpected("_vsnwprintf");
-}
-
-} // extern "C"
+UNEXPECTED(HMODULE GetModuleHandleW(PCWSTR))
+UNEXPECTED(int LoadStringW(HINSTANCE, UINT, PWSTR, int))
+UNEXPECTED(int _vscwprintf(PCWSTR, va_list))
+UNEXPECTED(int _vsnwprintf(PWSTR, size_t, PCWSTR, va_list))

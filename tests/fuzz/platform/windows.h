@@ -1,14 +1,17 @@
-// Stands in for the platform's header of the same name in the native builds of the fuzzed files: the types and
-// functions that they meet, and no more. It serves C as well, for miniz.
+// Stands in for the platform's headers in the native builds of the fuzzed files: the types and functions that they
+// meet, and no more. It serves C as well, for miniz. The build makes the other headers, which lead here.
 //
 // A WCHAR is the native wchar_t, so that the compiler's own library works on it; it holds UTF-16 units all the same.
 // What a function answers stands with the fuzzer that needs the answer, or in System.cpp.
 #pragma once
 
 #include <errno.h>
+#include <netinet/in.h>
 #include <stdarg.h>
 #include <stdint.h>
 #include <stdio.h>
+#include <sys/socket.h>
+#include <utime.h>
 #include <wchar.h>
 #include <wctype.h>
 
@@ -28,6 +31,21 @@ typedef struct HINSTANCE__* HINSTANCE;
 typedef HINSTANCE HMODULE;
 typedef HANDLE HGLOBAL;
 typedef int errno_t;
+typedef LRESULT (*SUBCLASSPROC)(HWND, UINT, WPARAM, LPARAM, UINT_PTR, DWORD_PTR);
+
+typedef struct sockaddr SOCKADDR;
+typedef struct sockaddr_in SOCKADDR_IN;
+typedef struct sockaddr_in6 SOCKADDR_IN6;
+typedef struct in_addr IN_ADDR;
+typedef uint64_t NET_LUID;
+typedef union {
+    SOCKADDR_IN Ipv4;
+    SOCKADDR_IN6 Ipv6;
+} SOCKADDR_INET;
+typedef struct
+{
+    SOCKADDR_INET NextHop;
+} MIB_IPFORWARD_ROW2;
 
 #define CALLBACK
 #define TRUE 1
@@ -42,6 +60,7 @@ typedef int errno_t;
 #define ERROR_NOT_FOUND 1168
 #define E_OUTOFMEMORY ((HRESULT)0x8007000E)
 #define E_INVALIDARG ((HRESULT)0x80070057)
+#define SOCKET_ERROR (-1)
 
 #define CP_UTF8 65001
 #define CF_UNICODETEXT 13
@@ -60,7 +79,6 @@ HANDLE GetProcessHeap(void);
 void* HeapAlloc(HANDLE hHeap, DWORD dwFlags, SIZE_T cb);
 BOOL HeapFree(HANDLE hHeap, DWORD dwFlags, void* p);
 int MultiByteToWideChar(UINT nCodePage, DWORD dwFlags, const char* pch, int cb, PWSTR pchWide, int cchWide);
-BOOL DeleteFileW(PCWSTR pszPath);
 HMODULE GetModuleHandleW(PCWSTR pszModule);
 int LoadStringW(HINSTANCE hInstance, UINT nID, PWSTR pszText, int cchText);
 int _vscwprintf(PCWSTR pszFormat, va_list args);
@@ -69,6 +87,9 @@ int _vsnwprintf(PWSTR pszText, size_t cchText, PCWSTR pszFormat, va_list args);
 int MessageBoxW(HWND hwndOwner, PCWSTR pszText, PCWSTR pszCaption, UINT nType);
 LRESULT SendMessageW(HWND hwnd, UINT nMessage, WPARAM wParam, LPARAM lParam);
 BOOL SetWindowTextW(HWND hwnd, PCWSTR pszText);
+BOOL SetWindowSubclass(HWND hwnd, SUBCLASSPROC pfnSubclass, UINT_PTR nSubclassId, DWORD_PTR dwRefData);
+BOOL RemoveWindowSubclass(HWND hwnd, SUBCLASSPROC pfnSubclass, UINT_PTR nSubclassId);
+LRESULT DefSubclassProc(HWND hwnd, UINT nMessage, WPARAM wParam, LPARAM lParam);
 BOOL IsClipboardFormatAvailable(UINT nFormat);
 BOOL OpenClipboard(HWND hwnd);
 BOOL CloseClipboard(void);
@@ -76,17 +97,23 @@ HANDLE GetClipboardData(UINT nFormat);
 void* GlobalLock(HGLOBAL hMemory);
 BOOL GlobalUnlock(HGLOBAL hMemory);
 
-// The C runtime's functions for files whose names are wide.
-struct _stat64
-{
-    int64_t st_mtime_;
-};
-#define __stat64 _stat64
+INT WSAStringToAddressW(PWSTR pszAddress, INT nFamily, void* pProtocol, SOCKADDR* pAddress, INT* pnLength);
+INT WSAAddressToStringW(SOCKADDR* pAddress, DWORD dwLength, void* pProtocol, PWSTR pszAddress, DWORD* pcchAddress);
+PCWSTR InetNtopW(INT nFamily, const void* pAddress, PWSTR pszAddress, size_t cchAddress);
+DWORD GetBestInterfaceEx(SOCKADDR* pDestination, DWORD* pdwInterface);
+DWORD GetBestRoute2(NET_LUID* pLuid, DWORD dwInterface, const SOCKADDR_INET* pSource, const SOCKADDR_INET* pDestination,
+                    DWORD dwSortOptions, MIB_IPFORWARD_ROW2* pRoute, SOCKADDR_INET* pBestSource);
+
+BOOL DeleteFileW(PCWSTR pszPath);
+int _wmkdir(PCWSTR pszPath);
 errno_t _wfopen_s(FILE** ppFile, PCWSTR pszPath, PCWSTR pszMode);
 errno_t _wfreopen_s(FILE** ppFile, PCWSTR pszPath, PCWSTR pszMode, FILE* pOld);
-int _wstat64(PCWSTR pszPath, struct _stat64* pStatus);
-int64_t _ftelli64(FILE* pFile);
-int _fseeki64(FILE* pFile, int64_t nOffset, int nOrigin);
+struct __stat64;
+int _wstat64(PCWSTR pszPath, struct __stat64* pStatus);
+#define _ftelli64 ftello
+#define _fseeki64 fseeko
+// The native one would look for the path on the machine's disk.
+#define utime(pszPath, pTimes) ((void)(pszPath), (void)(pTimes), 0)
 
 #ifdef __cplusplus
 }
