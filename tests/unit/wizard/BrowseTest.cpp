@@ -290,7 +290,7 @@ protected:
     Dialog m_dialog;
     OpenDialog m_openDialog{m_dialog};
     CWizardData m_data;
-    PageWindow m_page{206, CInstallApkPage::DialogProc, m_data};
+    PageWindow m_page{kInstallApkPage, m_data};
     REPLACED(CoTaskMemFree) m_free;
     REPLACED(CoCreateInstance)
     m_create{[this](REFCLSID, IUnknown*, DWORD, REFIID, void** ppv) { return OnCoCreateInstance(ppv); }};
