@@ -329,39 +329,28 @@ constexpr DWORD kAddress = kVisible | WS_TABSTOP;
 
 constexpr DWORD kNoId = static_cast<DWORD>(-1);
 
-struct CControl
-{
-    std::wstring m_class; // in upper case
-    DWORD m_nId;
-    short m_x, m_y, m_cx, m_cy;
-    DWORD m_nStyle;
-    std::wstring m_text;
-    DWORD m_nExtendedStyle = 0;
-    DWORD m_nHelpId = 0;
-    WORD m_nExtraBytes = 0;
+// Numbers that stand for the classes of windows.
+constexpr PCWSTR kButtonClass = L"#128";
+constexpr PCWSTR kEditClass = L"#129";
+constexpr PCWSTR kStaticClass = L"#130";
+constexpr PCWSTR kAddressClass = L"SysIPAddress32";
 
-    bool operator==(const CControl&) const = default;
-};
-
-void PrintTo(const CControl& control, std::ostream* pStream)
+// All that a template has of a control, in words.
+std::wstring Control(const std::wstring& windowClass, DWORD nId, int x, int y, int cx, int cy, DWORD nStyle,
+                     const std::wstring& text, DWORD nExtendedStyle = 0, DWORD nHelpId = 0, WORD nExtraBytes = 0)
 {
-    *pStream << testing::PrintToString(control.m_class) << " " << static_cast<int>(control.m_nId) << " (" << control.m_x
-             << ", " << control.m_y << ", " << control.m_cx << ", " << control.m_cy << ") style 0x" << std::hex
-             << control.m_nStyle << "/0x" << control.m_nExtendedStyle << std::dec << " "
-             << testing::PrintToString(control.m_text);
+    std::wostringstream words;
+    words << windowClass << L' ' << static_cast<int>(nId) << L" at " << x << L' ' << y << L", size " << cx << L' ' << cy
+          << std::hex << L", style 0x" << nStyle << L", extended style 0x" << nExtendedStyle << std::dec << L", help "
+          << nHelpId << L", extra bytes " << nExtraBytes << L", text '" << text << L'\'';
+    return words.str();
 }
 
 struct CDialog
 {
     std::wstring m_frame; // everything but the controls, in words
-    std::vector<CControl> m_controls;
+    std::vector<std::wstring> m_controls;
 };
-
-std::wstring UpperCase(std::wstring text)
-{
-    CharUpperBuffW(text.data(), static_cast<DWORD>(text.size()));
-    return text;
-}
 
 // A name, or 0xFFFF and a number that stands for one.
 std::wstring TakeNameOrNumber(CReader& reader)
@@ -373,31 +362,20 @@ std::wstring TakeNameOrNumber(CReader& reader)
     return ch == L'\0' ? L"" : ch + reader.TakeText();
 }
 
-std::wstring TakeClass(CReader& reader)
-{
-    static const std::map<std::wstring, std::wstring> names = {
-        {L"#128", L"BUTTON"}, {L"#129", L"EDIT"}, {L"#130", L"STATIC"}};
-    const std::wstring name = TakeNameOrNumber(reader);
-    const auto it = names.find(name);
-    return it == names.end() ? UpperCase(name) : it->second;
-}
-
-CControl TakeControl(CReader& reader)
+std::wstring TakeControl(CReader& reader)
 {
     reader.Align(sizeof(DWORD));
-    CControl control{};
-    control.m_nHelpId = reader.Take<DWORD>();
-    control.m_nExtendedStyle = reader.Take<DWORD>();
-    control.m_nStyle = reader.Take<DWORD>();
-    control.m_x = reader.Take<short>();
-    control.m_y = reader.Take<short>();
-    control.m_cx = reader.Take<short>();
-    control.m_cy = reader.Take<short>();
-    control.m_nId = reader.Take<DWORD>();
-    control.m_class = TakeClass(reader);
-    control.m_text = TakeNameOrNumber(reader);
-    control.m_nExtraBytes = reader.Take<WORD>();
-    return control;
+    const auto nHelpId = reader.Take<DWORD>();
+    const auto nExtendedStyle = reader.Take<DWORD>();
+    const auto nStyle = reader.Take<DWORD>();
+    const auto x = reader.Take<short>();
+    const auto y = reader.Take<short>();
+    const auto cx = reader.Take<short>();
+    const auto cy = reader.Take<short>();
+    const auto nId = reader.Take<DWORD>();
+    const std::wstring windowClass = TakeNameOrNumber(reader);
+    const std::wstring text = TakeNameOrNumber(reader);
+    return Control(windowClass, nId, x, y, cx, cy, nStyle, text, nExtendedStyle, nHelpId, reader.Take<WORD>());
 }
 
 // Reads the newer of the two formats of a dialog template (DIALOGEX) with a font; throws for the older.
@@ -429,57 +407,63 @@ CDialog ReadDialog(Bytes data)
     return dialog;
 }
 
-CControl Label(short x, short y, short cx, PCWSTR pszText, DWORD nId = kNoId)
+std::wstring Label(int x, int y, int cx, PCWSTR pszText, DWORD nId = kNoId)
 {
-    return {L"STATIC", nId, x, y, cx, 8, kStatic, pszText};
+    return Control(kStaticClass, nId, x, y, cx, 8, kStatic, pszText);
 }
 
-CControl Body(DWORD nId, short cy)
+std::wstring Body(DWORD nId, int cy)
 {
-    return {L"STATIC", nId, 7, 7, 353, cy, kStatic, L"Static"};
+    return Control(kStaticClass, nId, 7, 7, 353, cy, kStatic, L"Static");
 }
 
 // A page with a text and a box to tick.
-std::vector<CControl> InstructionPage(DWORD nBody, DWORD nCheck, DWORD nCheckStyle = kCheckBox)
+std::vector<std::wstring> InstructionPage(DWORD nBody, DWORD nCheck, DWORD nCheckStyle = kCheckBox)
 {
-    return {Body(nBody, 173), {L"BUTTON", nCheck, 7, 206, 295, 10, nCheckStyle, L"Check1"}};
+    return {Body(nBody, 173), Control(kButtonClass, nCheck, 7, 206, 295, 10, nCheckStyle, L"Check1")};
 }
 
 using Pages = CProgram;
 
 TEST_F(Pages, AreFourteenOfOneFrameWithTheseControlsInThisOrder)
 {
-    const std::map<int, std::vector<CControl>> pages = {
+    const std::map<int, std::vector<std::wstring>> pages = {
         {202, InstructionPage(1010, 1012)},
         {203, InstructionPage(1014, 1015)},
         {204,
-         {Body(1016, 173),
-          Label(8, 189, 75, L"Watch IP Address"),
-          Label(111, 189, 34, L"Port"),
-          {L"SYSIPADDRESS32", 1018, 7, 201, 100, 15, kAddress, L""},
-          {L"EDIT", 1030, 110, 201, 33, 15, kNumber | ES_AUTOHSCROLL, L""},
-          Label(181, 190, 23, L"Status:"),
-          Label(181, 202, 179, L"Enter watch IP address and port, then press next.", 1031)}},
+         {
+             Body(1016, 173),
+             Label(8, 189, 75, L"Watch IP Address"),
+             Label(111, 189, 34, L"Port"),
+             Control(kAddressClass, 1018, 7, 201, 100, 15, kAddress, L""),
+             Control(kEditClass, 1030, 110, 201, 33, 15, kNumber | ES_AUTOHSCROLL, L""),
+             Label(181, 190, 23, L"Status:"),
+             Label(181, 202, 179, L"Enter watch IP address and port, then press next.", 1031),
+         }},
         {206,
-         {Body(1019, 173),
-          Label(7, 177, 84, L"APK file to install on watch"),
-          {L"EDIT", 1038, 7, 187, 297, 14, kPath, L""},
-          {L"BUTTON", 1022, 310, 186, 50, 14, kButton, L"Browse ..."},
-          Label(7, 208, 23, L"Status:"),
-          Label(34, 208, 326, L"Enter path to APK and then press Next button.", 1021)}},
-        {214, {Body(1028, 193), {L"BUTTON", 1039, 310, 202, 50, 14, kButton, L"About ..."}}},
+         {
+             Body(1019, 173),
+             Label(7, 177, 84, L"APK file to install on watch"),
+             Control(kEditClass, 1038, 7, 187, 297, 14, kPath, L""),
+             Control(kButtonClass, 1022, 310, 186, 50, 14, kButton, L"Browse ..."),
+             Label(7, 208, 23, L"Status:"),
+             Label(34, 208, 326, L"Enter path to APK and then press Next button.", 1021),
+         }},
+        {214, {Body(1028, 193), Control(kButtonClass, 1039, 310, 202, 50, 14, kButton, L"About ...")}},
         {215,
-         {Body(1034, 173),
-          Label(7, 189, 43, L"Pairing Code"),
-          Label(60, 190, 75, L"Watch IP Address"),
-          Label(162, 189, 31, L"Port"),
-          {L"EDIT", 1032, 7, 201, 44, 15, kNumber, L""},
-          {L"SYSIPADDRESS32", 1035, 59, 201, 100, 15, kAddress | WS_DISABLED, L""},
-          {L"EDIT", 1036, 161, 201, 33, 15, kNumber, L""},
-          {L"BUTTON", 1037, 7, 173, 264, 10, kCheckBox,
-           L"Skip this step, the watch is already paired to this workstation."},
-          Label(204, 190, 23, L"Status:"),
-          Label(204, 202, 156, L"Enter port number and pairing code", 1033)}},
+         {
+             Body(1034, 173),
+             Label(7, 189, 43, L"Pairing Code"),
+             Label(60, 190, 75, L"Watch IP Address"),
+             Label(162, 189, 31, L"Port"),
+             Control(kEditClass, 1032, 7, 201, 44, 15, kNumber, L""),
+             Control(kAddressClass, 1035, 59, 201, 100, 15, kAddress | WS_DISABLED, L""),
+             Control(kEditClass, 1036, 161, 201, 33, 15, kNumber, L""),
+             Control(kButtonClass, 1037, 7, 173, 264, 10, kCheckBox,
+                     L"Skip this step, the watch is already paired to this workstation."),
+             Label(204, 190, 23, L"Status:"),
+             Label(204, 202, 156, L"Enter port number and pairing code", 1033),
+         }},
         {216, InstructionPage(1040, 1041, kHiddenCheckBox)},
         {217, InstructionPage(1042, 1043)},
         {218, InstructionPage(1044, 1045)},
@@ -589,53 +573,18 @@ TEST_F(Version, NamesTheMakerTheProductAndTheFile)
     EXPECT_EQ(L"1.4.0.0", Text(L"ProductVersion"));
 }
 
-// The program's manifest as Windows understands it: an activation context made from it.
-class Manifest : public CProgram
-{
-protected:
-    Manifest()
-    {
-        ACTCTXW description{};
-        description.cbSize = sizeof(description);
-        description.dwFlags = ACTCTX_FLAG_RESOURCE_NAME_VALID;
-        description.lpSource = m_path.c_str();
-        description.lpResourceName = MAKEINTRESOURCEW(1);
-        m_hContext = CreateActCtxW(&description);
-        if (m_hContext == INVALID_HANDLE_VALUE) {
-            throw std::runtime_error("the manifest is not well-formed, error " + std::to_string(GetLastError()));
-        }
-    }
-
-    ~Manifest() override
-    {
-        ReleaseActCtx(m_hContext);
-    }
-
-    std::vector<BYTE> Query(ULONG nClass) const
-    {
-        SIZE_T cb = 0;
-        QueryActCtxW(0, m_hContext, nullptr, nClass, nullptr, 0, &cb);
-        std::vector<BYTE> data(cb);
-        EXPECT_TRUE(QueryActCtxW(0, m_hContext, nullptr, nClass, data.data(), data.size(), &cb)) << GetLastError();
-        return data;
-    }
-
-    // Without comments, and without the blanks that only lay it out.
-    std::string BareText() const
-    {
-        const Bytes data = Resource(RT_MANIFEST, 1);
-        const std::string text =
-            std::regex_replace(std::string(data.begin(), data.end()), std::regex("<!--[^]*?-->"), "");
-        return std::regex_replace(std::regex_replace(text, std::regex(R"(\s+)"), " "), std::regex(" ?([<>]) ?"), "$1");
-    }
-
-    HANDLE m_hContext = INVALID_HANDLE_VALUE;
-};
+using Manifest = CProgram;
 
 // Wine forgives what Windows does not: a name space or an attribute that is written otherwise is passed over there, or
 // the program is not started at all.
 TEST_F(Manifest, IsWordForWordWhatWindowsKnows)
 {
+    // Comments count for nothing, nor do the blanks that only lay it out.
+    const Bytes data = Resource(RT_MANIFEST, 1);
+    std::string text(data.begin(), data.end());
+    text = std::regex_replace(text, std::regex("<!--[^]*?-->"), "");
+    text = std::regex_replace(text, std::regex(R"(\s+)"), " ");
+    text = std::regex_replace(text, std::regex(" ?([<>]) ?"), "$1");
     EXPECT_EQ(
         R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>)"
         R"(<assembly xmlns="urn:schemas-microsoft-com:asm.v1" manifestVersion="1.0">)"
@@ -654,55 +603,41 @@ TEST_F(Manifest, IsWordForWordWhatWindowsKnows)
         R"(<application xmlns="urn:schemas-microsoft-com:asm.v3"><windowsSettings>)"
         R"(<dpiAware xmlns="http://schemas.microsoft.com/SMI/2005/WindowsSettings">true</dpiAware>)"
         R"(</windowsSettings></application></assembly>)",
-        BareText());
+        text);
     EXPECT_EQ(std::set<int>{1}, Ids(RT_MANIFEST));
 }
 
-TEST_F(Manifest, ChoosesVersion6OfTheCommonControls)
+TEST_F(Manifest, IsUnderstoodByTheSystem)
 {
+    ACTCTXW description{};
+    description.cbSize = sizeof(description);
+    description.dwFlags = ACTCTX_FLAG_RESOURCE_NAME_VALID;
+    description.lpSource = m_path.c_str();
+    description.lpResourceName = MAKEINTRESOURCEW(1);
+    const HANDLE hContext = CreateActCtxW(&description);
+    ASSERT_NE(INVALID_HANDLE_VALUE, hContext) << "it is not well-formed, error " << GetLastError();
+
     ULONG_PTR nCookie = 0;
-    ASSERT_TRUE(ActivateActCtx(m_hContext, &nCookie));
-    ACTCTX_SECTION_KEYED_DATA data{};
-    data.cbSize = sizeof(data);
-    const BOOL bFound = FindActCtxSectionStringW(0, nullptr, ACTIVATION_CONTEXT_SECTION_WINDOW_CLASS_REDIRECTION,
-                                                 L"SysIPAddress32", &data);
+    ASSERT_TRUE(ActivateActCtx(hContext, &nCookie));
+    ACTCTX_SECTION_KEYED_DATA section{};
+    section.cbSize = sizeof(section);
+    EXPECT_TRUE(FindActCtxSectionStringW(0, nullptr, ACTIVATION_CONTEXT_SECTION_WINDOW_CLASS_REDIRECTION,
+                                         L"SysIPAddress32", &section))
+        << "version 6 of the common controls";
     DeactivateActCtx(0, nCookie);
-    EXPECT_TRUE(bFound);
-}
 
-TEST_F(Manifest, SaysThatWindows10IsSupportedAndNoOther)
-{
-    // COMPATIBILITY_CONTEXT_ELEMENT as Windows has it since build 18362; not all headers have followed.
-    struct CElement
-    {
-        GUID m_id;
-        DWORD m_nType;
-        ULONGLONG m_nMaxVersionTested;
-    };
+    SIZE_T cb = 0;
+    ACTIVATION_CONTEXT_RUN_LEVEL_INFORMATION level{};
+    EXPECT_TRUE(QueryActCtxW(0, hContext, nullptr, RunlevelInformationInActivationContext, &level, sizeof(level), &cb));
+    EXPECT_EQ(ACTCTX_RUN_LEVEL_AS_INVOKER, level.RunLevel);
+    EXPECT_EQ(0U, level.UiAccess);
 
-    const std::vector<BYTE> data = Query(CompatibilityInformationInActivationContext);
-    CReader reader(data);
-    std::vector<GUID> systems;
-    const auto nElements = reader.Take<DWORD>();
-    reader.Align(alignof(CElement));
-    for (DWORD i = 0; i < nElements; i++) {
-        const auto element = reader.Take<CElement>();
-        if (element.m_nType == ACTCTX_COMPATIBILITY_ELEMENT_TYPE_OS) {
-            systems.push_back(element.m_id);
-        }
-    }
+    std::string systems(1024, '\0');
+    EXPECT_TRUE(QueryActCtxW(0, hContext, nullptr, CompatibilityInformationInActivationContext, systems.data(),
+                             systems.size(), &cb));
     const GUID windows10 = {0x8e0f7a12, 0xbfb3, 0x4fe8, {0xb9, 0xa5, 0x48, 0xfd, 0x50, 0xa1, 0x5a, 0x9a}};
-    ASSERT_EQ(1U, systems.size());
-    EXPECT_TRUE(IsEqualGUID(windows10, systems[0]));
-}
-
-TEST_F(Manifest, AsksForNoMoreRightsThanTheUserHas)
-{
-    const std::vector<BYTE> data = Query(RunlevelInformationInActivationContext);
-    CReader reader(data);
-    const auto info = reader.Take<ACTIVATION_CONTEXT_RUN_LEVEL_INFORMATION>();
-    EXPECT_EQ(ACTCTX_RUN_LEVEL_AS_INVOKER, info.RunLevel);
-    EXPECT_EQ(0U, info.UiAccess);
+    EXPECT_NE(std::string::npos, systems.find({reinterpret_cast<const char*>(&windows10), sizeof(windows10)}));
+    ReleaseActCtx(hContext);
 }
 
 using Archive = CProgram;

@@ -17,6 +17,11 @@ struct AdbRun
     bool bExitCode;
 };
 
+// What it prints when it stops its server, or finds none to stop.
+constexpr PCSTR kStopped = "";
+constexpr PCSTR kNoServer =
+    "cannot connect to daemon at tcp:5037: cannot connect to 127.0.0.1:5037: Connection refused. (10061)\r\n";
+
 // The journal's lines of a status text, and of a box of the page or of nobody.
 kit::Lines Status(const std::string& strText);
 kit::Lines Told(const std::string& strCaption, const std::string& strText);

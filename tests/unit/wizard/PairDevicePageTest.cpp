@@ -36,9 +36,6 @@ constexpr PCSTR kCouldNotConnect = "Could not connect to a watch at the IP addre
                                    "3. Run the installer program again.\n";
 constexpr PCSTR kMethod = "CPairDevicePage::OnNotify_PSN_WIZNEXT_Pair";
 
-constexpr PCSTR kStopped = "";
-constexpr PCSTR kNoServer =
-    "cannot connect to daemon at tcp:5037: cannot connect to 127.0.0.1:5037: Connection refused. (10061)\r\n";
 constexpr PCSTR kPaired = "* daemon not running; starting now at tcp:5037\r\n* daemon started successfully\r\n"
                           "Successfully paired to 192.168.1.100:37777 [guid=adb-R5CW-1]\r\n";
 constexpr PCSTR kAlreadyPaired = "";

@@ -106,19 +106,14 @@ TEST_F(TcpProbe, SetsTheSocketUpBeforeItConnects)
         EXPECT_EQ(address.sin_port, 0xCAA8);
         EXPECT_EQ(address.sin_addr.s_addr, 0x6401A8C0u);
         EXPECT_EQ(cb, 16);
-        return 0;
+        SetLastError(WSAECONNREFUSED);
+        return 0; // it stands at once
     });
     Expect(0, 1, {kWritable});
     EXPECT_EQ(m_socket.Arg<0>(), 2);
     EXPECT_EQ(m_socket.Arg<1>(), 1);
     EXPECT_EQ(m_socket.Arg<2>(), 6);
     EXPECT_EQ(JournalOf({"socket", "ioctlsocket", "connect"}), (Lines{"socket", "ioctlsocket", "connect"}));
-}
-
-TEST_F(TcpProbe, GoesOnWhenTheConnectionStandsAtOnce)
-{
-    const REPLACED(connect) connection(Returns(0, WSAECONNREFUSED));
-    Expect(0, 1, {kWritable});
 }
 
 TEST_F(TcpProbe, GivesUpAfterSevenTimeoutsWithoutABox)
@@ -136,26 +131,16 @@ TEST_F(TcpProbe, SucceedsWithTheLastPoll)
     Expect(0, 7, {kTimeout, kTimeout, kTimeout, kTimeout, kTimeout, kRefused, kWritable});
 }
 
-TEST_F(TcpProbe, TakesAConnectionForFailedForTheErrorBitAlone)
+TEST_F(TcpProbe, JudgesAPollByTheReadySocketAndTheErrorBitAlone)
 {
-    for (const SHORT nEvents : std::vector<SHORT>{0x0001, 0x0011, 0x0003, 0x0013}) {
-        SCOPED_TRACE(nEvents);
-        Expect(0, 2, {{1, nEvents}, kWritable});
+    for (const Poll& failed : std::vector<Poll>{{1, 0x0001}, {1, 0x0011}, {1, 0x0003}, {1, 0x0013}, {0, POLLWRNORM}}) {
+        SCOPED_TRACE(failed.nEvents);
+        Expect(0, 2, {failed, kWritable});
     }
-    for (const SHORT nEvents : std::vector<SHORT>{0x0002, 0x0004, 0x0000, 0x0012, 0x0010}) {
-        SCOPED_TRACE(nEvents);
-        Expect(0, 1, {{1, nEvents}, kRefused});
+    for (const Poll& stands : std::vector<Poll>{{1, 2}, {1, 4}, {1, 0}, {1, 0x0012}, {1, 0x0010}, {2, POLLWRNORM}}) {
+        SCOPED_TRACE(stands.nEvents);
+        Expect(0, 1, {stands, kRefused});
     }
-}
-
-TEST_F(TcpProbe, TakesMoreThanOneReadySocketForSuccess)
-{
-    Expect(0, 1, {{2, POLLWRNORM}});
-}
-
-TEST_F(TcpProbe, GoesOnAfterATimeoutThatNamesEvents)
-{
-    Expect(0, 2, {{0, POLLWRNORM}, kWritable});
 }
 
 TEST_F(TcpProbe, WithoutASocketEndsTheProcess)
