@@ -23,6 +23,16 @@ int OnConnect(const SOCKADDR* pAddress)
     return SOCKET_ERROR;
 }
 
+template<typename Outcome>
+Outcome Take(std::vector<Outcome>& outcomes)
+{
+    const Outcome outcome = outcomes.front();
+    if (outcomes.size() > 1) {
+        outcomes.erase(outcomes.begin());
+    }
+    return outcome;
+}
+
 } // namespace
 
 // That the handle cannot be closed is nobody's concern.
@@ -46,7 +56,7 @@ DWORD AnsweringWatch::OnSendEcho(IPAddr destination, const std::string& strPaylo
 {
     Note("ping " + Dotted(destination));
     EXPECT_EQ(strPayload, std::string("Some arbitrary data to send\0", 28));
-    const Echo& echo = m_echoes.Next();
+    const Echo echo = Take(m_echoes);
     std::memset(pReply, 0x33, 92);
     auto& reply = *static_cast<ICMP_ECHO_REPLY*>(pReply);
     reply.Address = echo.pszFrom == nullptr ? destination : MakeAddress(echo.pszFrom, 0).sin_addr.s_addr;
@@ -60,7 +70,7 @@ int AnsweringWatch::OnPoll(WSAPOLLFD* pPoll)
     EXPECT_EQ(pPoll->fd, kSocket);
     EXPECT_EQ(pPoll->events, 0x0010);
     EXPECT_EQ(pPoll->revents, 0);
-    const Poll& poll = m_polls.Next();
+    const Poll poll = Take(m_polls);
     pPoll->revents = poll.nEvents;
     unreplaced::SetLastError(WSAENETDOWN);
     return poll.nReady;

@@ -9,9 +9,7 @@
 
 #include <icmpapi.h>
 
-#include <algorithm>
 #include <string>
-#include <utility>
 #include <vector>
 
 // What one echo request comes to: a number of replies and the first of them, or none and an error.
@@ -64,35 +62,15 @@ public:
     AnsweringWatch(const AnsweringWatch&) = delete;
     AnsweringWatch& operator=(const AnsweringWatch&) = delete;
 
-    // The outcomes from now on, one after the other, the last one for ever. At first the watch answers everything.
-    void AnswerPings(std::vector<Echo> echoes)
-    {
-        m_echoes = {std::move(echoes)};
-    }
-    void AnswerPolls(std::vector<Poll> polls)
-    {
-        m_polls = {std::move(polls)};
-    }
+    // The outcomes one after the other, the last one for ever. At first the watch answers everything.
+    std::vector<Echo> m_echoes = {kAnswer};
+    std::vector<Poll> m_polls = {kWritable};
 
 private:
-    template<typename Outcome>
-    struct Outcomes
-    {
-        const Outcome& Next()
-        {
-            return all[std::min(nNext++, all.size() - 1)];
-        }
-
-        std::vector<Outcome> all;
-        size_t nNext = 0;
-    };
-
     DWORD OnSendEcho(IPAddr destination, const std::string& strPayload, void* pReply);
     int OnPoll(WSAPOLLFD* pPoll);
 
     Sockets m_sockets;
-    Outcomes<Echo> m_echoes = {{kAnswer}};
-    Outcomes<Poll> m_polls = {{kWritable}};
 
     REPLACED(IcmpCreateFile) m_icmpCreateFile;
     REPLACED(IcmpSendEcho2) m_icmpSendEcho2;

@@ -49,7 +49,7 @@ protected:
                 std::source_location where = std::source_location::current())
     {
         const testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()), "the probe expected here");
-        m_watch.AnswerPings(std::move(echoes));
+        m_watch.m_echoes = std::move(echoes);
         m_texts.clear();
         Journal().clear();
         EXPECT_EQ(Ping(), nResult);
@@ -160,7 +160,7 @@ TEST_F(IcmpProbe, TellsAnyOtherErrorWithItsCodeAndKeepsThePage)
 TEST_F(IcmpProbe, WithoutAnIcmpHandleFailsWithItsFirstRequestAndClosesNothing)
 {
     const REPLACED(IcmpCreateFile) create(Returns(INVALID_HANDLE_VALUE, ERROR_ACCESS_DENIED));
-    m_watch.AnswerPings({EchoError(ERROR_INVALID_HANDLE)});
+    m_watch.m_echoes = {EchoError(ERROR_INVALID_HANDLE)};
     EXPECT_EQ(Ping(), -1);
     EXPECT_EQ(m_send.Arg<0>(), INVALID_HANDLE_VALUE);
     ExpectBox(kPage, BoxOfError(6, L"0x00000006"), L"Win32 Error");
@@ -199,7 +199,7 @@ TEST_F(IcmpProbe, FreesTheReplyBeforeItClosesTheHandle)
 
 TEST_F(IcmpProbe, KeepsTheReasonOfAFailedRequestInTheLastError)
 {
-    m_watch.AnswerPings({EchoError(11005)});
+    m_watch.m_echoes = {EchoError(11005)};
     CIcmpEcho echo;
     EXPECT_EQ(echo.SendEchoRequest(MakeAddress(L"192.168.1.100", 0).sin_addr.s_addr), 0u);
     EXPECT_EQ(GetLastError(), 11005u);

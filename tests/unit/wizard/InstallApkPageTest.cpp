@@ -298,7 +298,7 @@ TEST_F(InstallApkPage, RefusesAnAddressThatHasNoText)
 
 TEST_F(InstallApkPage, StaysWhenTheWatchDoesNotAnswer)
 {
-    m_watch.AnswerPings({kSilence});
+    m_watch.m_echoes = {kSilence};
     ExpectNext(-1, {}, {NoAnswer()});
 }
 

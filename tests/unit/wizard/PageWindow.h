@@ -53,7 +53,10 @@ public:
     LRESULT Command(int nControlId, int nNotification);
 
     // What the page returns for any other message.
-    INT_PTR Send(UINT nMessage, WPARAM wParam = 0, LPARAM lParam = 0);
+    INT_PTR Send(UINT nMessage)
+    {
+        return m_pfnDialogProc(m_hwndPage, nMessage, 0, 0);
+    }
 
     // Dispatches what was posted.
     void Pump();
@@ -61,7 +64,7 @@ public:
     // What the page told the frame since the last call, posted messages included.
     ButtonsList TakeButtons();
 
-    // The last of them.
+    // The last of them; none when there was nothing.
     Buttons LastButtons();
 
     std::wstring Text(int nControlId) const;

@@ -24,6 +24,13 @@ class EveryPage : public PageTest, public testing::WithParamInterface<Page>
 {
 protected:
     EveryPage() : PageTest(GetParam()) {}
+
+    // The page, shown for the first time.
+    PageWindow& Shown()
+    {
+        Open({kWatchAddress}).TakeButtons();
+        return *m_page;
+    }
 };
 
 TEST_P(EveryPage, LoadsItsTextsAndKeepsTheData)
@@ -60,8 +67,7 @@ TEST_P(EveryPage, ShowsItsButtonsAtFirstAndWhenTheUserComesBack)
 
 TEST_P(EveryPage, AnswersAnyOtherNotificationWithoutDoingAnything)
 {
-    PageWindow& page = Open({kWatchAddress});
-    page.TakeButtons();
+    PageWindow& page = Shown();
     for (const UINT nCode : {PSN_WIZNEXT, PSN_WIZBACK, PSN_WIZFINISH, PSN_QUERYCANCEL, PSN_KILLACTIVE, PSN_RESET,
                              PSN_APPLY, PSN_HELP, NM_CLICK}) {
         if (!m_row.heard.contains(nCode)) {
@@ -74,8 +80,7 @@ TEST_P(EveryPage, AnswersAnyOtherNotificationWithoutDoingAnything)
 
 TEST_P(EveryPage, AnswersACommandOfAnyOtherControlWithoutDoingAnything)
 {
-    PageWindow& page = Open({kWatchAddress});
-    page.TakeButtons();
+    PageWindow& page = Shown();
     for (const int nControlId : {m_row.body.nControlId, IDOK, IDCANCEL, kAbout}) {
         if (page.Control(kAbout) == nullptr || nControlId != kAbout) {
             EXPECT_EQ(page.Command(nControlId, BN_CLICKED), 0);
@@ -87,8 +92,7 @@ TEST_P(EveryPage, AnswersACommandOfAnyOtherControlWithoutDoingAnything)
 
 TEST_P(EveryPage, LeavesAnyOtherMessageToTheSystem)
 {
-    PageWindow& page = Open({kWatchAddress});
-    page.TakeButtons();
+    PageWindow& page = Shown();
     for (const UINT nMessage :
          {WM_CLOSE, WM_TIMER, WM_SIZE, WM_SHOWWINDOW, WM_SYSCOMMAND, WM_NEXTDLGCTL, WM_USER, WM_DESTROY}) {
         EXPECT_EQ(page.Send(nMessage), FALSE);
@@ -160,8 +164,7 @@ TEST_P(InstructionPage, DoesWithoutItsControls)
 
 TEST_P(InstructionPage, ShowsNextWhileItsBoxIsTicked)
 {
-    PageWindow& page = Open();
-    page.TakeButtons();
+    PageWindow& page = Shown();
     for (const Buttons& buttons : {m_row.ticked, m_row.first, m_row.ticked}) {
         page.Click(m_row.check.nControlId);
         EXPECT_EQ(page.TakeButtons(), ButtonsList{buttons});
@@ -183,8 +186,7 @@ TEST_P(InstructionPage, ShowsNextAtOnceWhenTheUserComesBackToATickedBox)
 
 TEST_P(InstructionPage, TakesAHalfTickedBoxForNotTicked)
 {
-    PageWindow& page = Open();
-    page.TakeButtons();
+    PageWindow& page = Shown();
     const HWND hwndBox = page.Control(m_row.check.nControlId);
     const LONG nStyle = GetWindowLongW(hwndBox, GWL_STYLE);
     SetWindowLongW(hwndBox, GWL_STYLE, (nStyle & ~BS_TYPEMASK) | BS_AUTO3STATE);
@@ -196,8 +198,7 @@ TEST_P(InstructionPage, TakesAHalfTickedBoxForNotTicked)
 
 TEST_P(InstructionPage, MindsNothingButAClickOnItsBox)
 {
-    PageWindow& page = Open();
-    page.TakeButtons();
+    PageWindow& page = Shown();
     for (const int nNotification : {BN_DOUBLECLICKED, BN_SETFOCUS, EN_CHANGE}) {
         EXPECT_EQ(page.Command(m_row.check.nControlId, nNotification), 0);
     }
@@ -206,7 +207,7 @@ TEST_P(InstructionPage, MindsNothingButAClickOnItsBox)
 
 TEST_P(InstructionPage, ShowsItsBoxUnlessItIsTheLast)
 {
-    PageWindow& page = Open();
+    PageWindow& page = Shown();
     page.Notify(PSN_SETACTIVE);
     const bool bVisible = (GetWindowLongW(page.Control(m_row.check.nControlId), GWL_STYLE) & WS_VISIBLE) != 0;
     EXPECT_EQ(bVisible, m_row.nDialogId != 216);

@@ -100,17 +100,13 @@ TEST_F(NewPairDevicePage, EndsTheProcessForAnAddressOtherThanIpv4)
     EXPECT_EQ(subclass.Calls(), 0u);
 }
 
-TEST_F(NewPairDevicePage, DoesNotMindTheFamilyWithoutAnAddressControl)
+TEST_F(NewPairDevicePage, DoesWithoutItsControls)
 {
+    EXPECT_EQ(Open({kPort, kCode}).TakeButtons(), ButtonsList{kWithoutNext});
+    EXPECT_EQ(m_page->InitResult(), TRUE);
+    // Without a place for the address nobody minds its family.
     m_data.m_saWatchAddress.ss_family = AF_INET6;
     EXPECT_EQ(Open({kAddress}).InitResult(), TRUE);
-}
-
-TEST_F(NewPairDevicePage, DoesWithoutItsEdits)
-{
-    PageWindow& page = Open({kPort, kCode});
-    EXPECT_EQ(page.InitResult(), TRUE);
-    EXPECT_EQ(page.TakeButtons(), ButtonsList{kWithoutNext});
 }
 
 TEST_F(NewPairDevicePage, MakesPortAndCodeEmptyFieldsOfFiveAndSixDigits)
@@ -375,7 +371,7 @@ TEST_F(PairDevicePage, StaysWhenTheServerCannotBeStopped)
 
 TEST_F(PairDevicePage, StaysWhenTheWatchDoesNotAnswer)
 {
-    m_watch.AnswerPings({kSilence});
+    m_watch.m_echoes = {kSilence};
     ExpectNext(-1, {kStopped}, {Stopping(), NoAnswer()});
     EXPECT_STREQ(m_data.m_szPairingCode, L"000000");
 }

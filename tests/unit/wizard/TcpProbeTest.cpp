@@ -35,7 +35,7 @@ protected:
                 std::source_location where = std::source_location::current())
     {
         const testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()), "the probe expected here");
-        m_watch.AnswerPolls(std::move(polls));
+        m_watch.m_polls = std::move(polls);
         m_texts.clear();
         Journal().clear();
         EXPECT_EQ(Connect(), nResult);

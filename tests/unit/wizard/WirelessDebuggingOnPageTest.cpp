@@ -335,14 +335,14 @@ TEST_F(WirelessDebuggingOnPage, LeavesTheWorthOfAnAddressToTheProbes)
 
 TEST_F(WirelessDebuggingOnPage, StaysWhenTheWatchDoesNotAnswerAndDoesNotTryItsPort)
 {
-    m_watch.AnswerPings({kSilence});
+    m_watch.m_echoes = {kSilence};
     ExpectNext(-1, {}, {NoAnswer()});
     EXPECT_TRUE(IsAddressUntouched());
 }
 
 TEST_F(WirelessDebuggingOnPage, StaysWhenTheWatchDoesNotAcceptTheConnection)
 {
-    m_watch.AnswerPolls({kRefused});
+    m_watch.m_polls = {kRefused};
     ExpectNext(-1, {},
                {Ping(), Connecting("192.168.1.100:43210", 7), Status("Could not connect to 192.168.1.100:43210"),
                 Told("Wireless Debugging Connection", kCouldNotConnect)});
@@ -357,9 +357,9 @@ TEST_F(WirelessDebuggingOnPage, KeepsAnEarlierAddressWhenALaterTryFails)
     Enter(L"192.168.1.101", L"1023");
     EXPECT_EQ(m_page->Notify(PSN_WIZNEXT), -1);
     Enter(L"192.168.1.101", L"43211");
-    m_watch.AnswerPolls({kRefused});
+    m_watch.m_polls = {kRefused};
     EXPECT_EQ(m_page->Notify(PSN_WIZNEXT), -1);
-    m_watch.AnswerPings({kSilence});
+    m_watch.m_echoes = {kSilence};
     EXPECT_EQ(m_page->Notify(PSN_WIZNEXT), -1);
     for (const PCWSTR pszCaption : {L"Invalid Port Value", L"Wireless Debugging Connection", L"Invalid IP address"}) {
         EXPECT_EQ(TakeBox().strCaption, pszCaption);
