@@ -167,16 +167,6 @@ TEST_F(IntegerEdit, LetsControlCharactersThrough)
     EXPECT_EQ(Journal(), (Lines{"WM_CHAR 8", "WM_CHAR 31", "WM_CHAR 1", "WM_CHAR 3", "WM_NCDESTROY"}));
 }
 
-TEST_F(IntegerEdit, IsAnOrdinaryEditOtherwise)
-{
-    const DigitsEdit edit(5);
-    edit.Type(L"4321");
-    EXPECT_EQ(edit.Send(WM_GETTEXTLENGTH), 4);
-    EXPECT_EQ(edit.Send(EM_GETLIMITTEXT), 5);
-    edit.Send(EM_SETSEL, 1, 3);
-    EXPECT_EQ(edit.Send(EM_GETSEL), MAKELONG(1, 3));
-}
-
 TEST_F(IntegerEdit, PastesToItsLimitAndInsertsAgainWhatStillFits)
 {
     for (const DWORD dwStyle : std::vector<DWORD>{0, ES_NUMBER}) {

@@ -132,14 +132,6 @@ TEST_F(WelcomePage, ShowsTheAboutBoxWhenItsButtonIsPressed)
     }
 }
 
-TEST_F(WelcomePage, AnswersAnyOtherCommandWithoutABox)
-{
-    PageWindow& page = Open();
-    EXPECT_EQ(page.Command(kAbout, BN_DOUBLECLICKED), 0);
-    EXPECT_EQ(page.Command(kAbout, BN_SETFOCUS), 0);
-    EXPECT_EQ(page.TakeButtons().size(), 1u);
-}
-
 // A page that only tells the user what to do on the watch.
 class InstructionPage : public EveryPage
 {

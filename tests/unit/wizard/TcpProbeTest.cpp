@@ -82,15 +82,6 @@ TEST_F(TcpProbe, SucceedsWhenTheConnectionStandsAndEndsItAtOnce)
     EXPECT_EQ(m_shutdown.Arg<1>(), 2); // both directions
 }
 
-TEST_F(TcpProbe, PollsOneSocketForTwoSeconds)
-{
-    Expect(0, 2, {kTimeout, kWritable});
-    for (const size_t n : {0u, 1u}) {
-        EXPECT_EQ(m_poll.Arg<1>(n), 1u);
-        EXPECT_EQ(m_poll.Arg<2>(n), 2000);
-    }
-}
-
 TEST_F(TcpProbe, SetsTheSocketUpBeforeItConnects)
 {
     const REPLACED(ioctlsocket) mode([](SOCKET nSocket, long nCommand, u_long* pnMode) {
