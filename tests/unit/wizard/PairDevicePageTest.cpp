@@ -148,12 +148,12 @@ protected:
     }
 
     // The texts of both edits and whether they can be changed.
-    void ExpectEdits(PCWSTR pszPort, PCWSTR pszCode, BOOL bEnabled)
+    void ExpectEdits(PCWSTR pszPort, PCWSTR pszCode, bool bEnabled)
     {
         EXPECT_EQ(m_page->Text(kPort), pszPort);
         EXPECT_EQ(m_page->Text(kCode), pszCode);
-        EXPECT_EQ(IsWindowEnabled(m_page->Control(kPort)), bEnabled);
-        EXPECT_EQ(IsWindowEnabled(m_page->Control(kCode)), bEnabled);
+        EXPECT_EQ(IsWindowEnabled(m_page->Control(kPort)) != FALSE, bEnabled);
+        EXPECT_EQ(IsWindowEnabled(m_page->Control(kCode)) != FALSE, bEnabled);
         EXPECT_FALSE(IsWindowEnabled(m_page->Control(kAddress)));
     }
 
@@ -212,19 +212,19 @@ TEST_F(PairDevicePage, ShowsNextWithTheLastDigitOfTheCode)
 TEST_F(PairDevicePage, EmptiesAndDisablesItsEditsWhileTheStepIsSkipped)
 {
     m_page->Click(kSkip);
-    ExpectEdits(L"", L"", FALSE);
+    ExpectEdits(L"", L"", false);
     EXPECT_EQ(m_page->LastButtons(), kWithNext);
     EXPECT_EQ(m_page->Notify(PSN_SETACTIVE), 0);
     EXPECT_EQ(m_page->TakeButtons(), ButtonsList{kWithNext});
     m_page->Click(kSkip);
-    ExpectEdits(L"", L"", TRUE);
+    ExpectEdits(L"", L"", true);
     EXPECT_EQ(m_page->TakeButtons(), ButtonsList{kWithoutNext});
 }
 
 TEST_F(PairDevicePage, LeavesTheTextsWhenTheBoxIsUnticked)
 {
     EXPECT_EQ(m_page->Command(kSkip, BN_CLICKED), 0);
-    ExpectEdits(L"37777", L"123456", TRUE);
+    ExpectEdits(L"37777", L"123456", true);
     EXPECT_EQ(m_page->TakeButtons(), ButtonsList{kWithNext});
 }
 
@@ -246,7 +246,7 @@ TEST_F(PairDevicePage, AnswersAnyOtherCommandWithoutDoingAnything)
     EXPECT_EQ(m_page->Command(kSkip, BN_DOUBLECLICKED), 0);
     EXPECT_EQ(m_page->Command(kSkip, EN_CHANGE), 0);
     EXPECT_EQ(m_page->Command(kAddress, EN_CHANGE), 0);
-    ExpectEdits(L"37777", L"123456", TRUE);
+    ExpectEdits(L"37777", L"123456", true);
     EXPECT_EQ(m_page->TakeButtons(), ButtonsList{});
 }
 
