@@ -66,15 +66,6 @@ public:
         return text;
     }
 
-    std::wstring TakeText(size_t nLength)
-    {
-        std::wstring text;
-        for (size_t i = 0; i < nLength; i++) {
-            text += Take<WCHAR>();
-        }
-        return text;
-    }
-
     void Align(size_t nUnit)
     {
         m_iNext = (m_iNext + nUnit - 1) / nUnit * nUnit;
@@ -307,8 +298,12 @@ TEST_F(Texts, AreTheseAndNoOthers)
     for (const int nBlock : Ids(RT_STRING)) {
         CReader reader(Resource(RT_STRING, nBlock));
         for (int i = 0; i < 16; i++) {
-            if (const auto nLength = reader.Take<WORD>()) {
-                texts[((nBlock - 1) * 16) + i] = reader.TakeText(nLength);
+            std::wstring text(reader.Take<WORD>(), L'\0');
+            for (WCHAR& ch : text) {
+                ch = reader.Take<WCHAR>();
+            }
+            if (!text.empty()) {
+                texts[((nBlock - 1) * 16) + i] = text;
             }
         }
     }
@@ -523,34 +518,16 @@ TEST_F(Icon, IsTheOnlyOneAndHasAnImageThatWindowsCanShowInAllUsualSizes)
     EXPECT_EQ((std::vector<int>{16, 20, 24, 32, 40, 48, 64, 96, 128, 256}), sizes);
 }
 
-class Version : public CProgram
+using Version = CProgram;
+
+TEST_F(Version, Is1400AndNamesTheMakerTheProductAndTheFile)
 {
-protected:
-    Version()
-    {
-        DWORD nHandle = 0;
-        m_data.resize(GetFileVersionInfoSizeExW(0, m_path.c_str(), &nHandle));
-        if (!GetFileVersionInfoExW(0, m_path.c_str(), nHandle, static_cast<DWORD>(m_data.size()), m_data.data())) {
-            throw std::runtime_error("the program has no version");
-        }
-    }
-
-    std::wstring Text(const std::wstring& name)
-    {
-        const std::wstring path = L"\\StringFileInfo\\040904b0\\" + name;
-        void* pText = nullptr;
-        UINT nLength = 0;
-        return VerQueryValueW(m_data.data(), path.c_str(), &pText, &nLength) ? static_cast<PCWSTR>(pText) : L"(absent)";
-    }
-
-    std::vector<BYTE> m_data;
-};
-
-TEST_F(Version, Is1400)
-{
+    DWORD nHandle = 0;
+    std::vector<BYTE> data(GetFileVersionInfoSizeExW(0, m_path.c_str(), &nHandle));
+    ASSERT_TRUE(GetFileVersionInfoExW(0, m_path.c_str(), nHandle, static_cast<DWORD>(data.size()), data.data()));
     void* pBlock = nullptr;
     UINT cb = 0;
-    ASSERT_TRUE(VerQueryValueW(m_data.data(), L"\\", &pBlock, &cb));
+    ASSERT_TRUE(VerQueryValueW(data.data(), L"\\", &pBlock, &cb));
     ASSERT_EQ(sizeof(VS_FIXEDFILEINFO), cb);
     const auto* pInfo = static_cast<const VS_FIXEDFILEINFO*>(pBlock);
     EXPECT_EQ(0xFEEF04BD, pInfo->dwSignature);
@@ -561,16 +538,20 @@ TEST_F(Version, Is1400)
     EXPECT_EQ(0U, pInfo->dwFileFlags & pInfo->dwFileFlagsMask);
     EXPECT_EQ(static_cast<DWORD>(VOS_NT_WINDOWS32), pInfo->dwFileOS);
     EXPECT_EQ(static_cast<DWORD>(VFT_APP), pInfo->dwFileType);
-}
 
-TEST_F(Version, NamesTheMakerTheProductAndTheFile)
-{
-    EXPECT_EQ(L"KALVO", Text(L"CompanyName"));
-    EXPECT_EQ(L"KALVO Solvane Android Watch Installer", Text(L"FileDescription"));
-    EXPECT_EQ(L"KALVO Solvane Android Watch Installer", Text(L"ProductName"));
-    EXPECT_EQ(L"KalvoApkInstaller.exe", Text(L"OriginalFilename"));
-    EXPECT_EQ(L"1.4.0.0", Text(L"FileVersion"));
-    EXPECT_EQ(L"1.4.0.0", Text(L"ProductVersion"));
+    const std::pair<std::wstring, std::wstring> texts[] = {
+        {L"CompanyName", L"KALVO"},
+        {L"FileDescription", L"KALVO Solvane Android Watch Installer"},
+        {L"ProductName", L"KALVO Solvane Android Watch Installer"},
+        {L"OriginalFilename", L"KalvoApkInstaller.exe"},
+        {L"FileVersion", L"1.4.0.0"},
+        {L"ProductVersion", L"1.4.0.0"},
+    };
+    for (const auto& [name, expected] : texts) {
+        void* pText = nullptr;
+        ASSERT_TRUE(VerQueryValueW(data.data(), (L"\\StringFileInfo\\040904b0\\" + name).c_str(), &pText, &cb)) << name;
+        EXPECT_EQ(expected, static_cast<PCWSTR>(pText));
+    }
 }
 
 using Manifest = CProgram;
@@ -707,15 +688,11 @@ protected:
     IMAGE_NT_HEADERS64* m_pHeaders = nullptr;
 };
 
-TEST_F(ProgramFile, IsFor64BitWindowsWithoutAConsole)
+TEST_F(ProgramFile, IsFor64BitWindowsWithoutAConsoleAndExecutesNoDataWhereverItLies)
 {
     EXPECT_EQ(IMAGE_FILE_MACHINE_AMD64, m_pHeaders->FileHeader.Machine);
     EXPECT_EQ(IMAGE_NT_OPTIONAL_HDR64_MAGIC, m_pHeaders->OptionalHeader.Magic);
     EXPECT_EQ(IMAGE_SUBSYSTEM_WINDOWS_GUI, m_pHeaders->OptionalHeader.Subsystem);
-}
-
-TEST_F(ProgramFile, LetsWindowsPlaceItAnywhereAndExecutesNoData)
-{
     constexpr WORD kWanted = IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE | IMAGE_DLLCHARACTERISTICS_HIGH_ENTROPY_VA |
                              IMAGE_DLLCHARACTERISTICS_NX_COMPAT;
     EXPECT_EQ(kWanted, m_pHeaders->OptionalHeader.DllCharacteristics & kWanted);

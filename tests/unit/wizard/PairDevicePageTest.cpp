@@ -250,9 +250,15 @@ TEST_F(PairDevicePage, AnswersAnyOtherCommandWithoutDoingAnything)
     EXPECT_EQ(m_page->TakeButtons(), ButtonsList{});
 }
 
+// Whether or not there was a server to stop.
 TEST_F(PairDevicePage, PairsAndStoresTheCode)
 {
-    ExpectPairing(0, {kPaired}, {Pairing(1), Status("Pairing to 192.168.1.100:37777 | 123456")}, L"123456");
+    for (const PCSTR pszStop : {kStopped, kNoServer}) {
+        ExpectNext(0, {pszStop, kPaired},
+                   {Stopping(), Ping(), Pairing(1), Status("Pairing to 192.168.1.100:37777 | 123456")});
+        EXPECT_STREQ(m_data.m_szPairingCode, L"123456");
+        m_data.m_szPairingCode[0] = L'\0';
+    }
 }
 
 TEST_F(PairDevicePage, PairsWithTheWatchsAddressAndThePairingPort)
@@ -277,12 +283,6 @@ TEST_F(PairDevicePage, TakesTheHighestPort)
 TEST_F(PairDevicePage, TakesAWatchThatIsAlreadyPairedForSuccess)
 {
     ExpectPairing(0, {kAlreadyPaired}, {Pairing(1), Status("Pairing to 192.168.1.100:37777 | 123456")}, L"123456");
-}
-
-TEST_F(PairDevicePage, DoesNotMindThatThereIsNoServerToStop)
-{
-    ExpectNext(0, {kNoServer, kPaired},
-               {Stopping(), Ping(), Pairing(1), Status("Pairing to 192.168.1.100:37777 | 123456")});
 }
 
 TEST_F(PairDevicePage, TriesThreeTimesAndThenTellsOnce)
