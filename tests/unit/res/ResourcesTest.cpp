@@ -324,12 +324,6 @@ constexpr DWORD kAddress = kVisible | WS_TABSTOP;
 
 constexpr DWORD kNoId = static_cast<DWORD>(-1);
 
-// Numbers that stand for the classes of windows.
-constexpr PCWSTR kButtonClass = L"#128";
-constexpr PCWSTR kEditClass = L"#129";
-constexpr PCWSTR kStaticClass = L"#130";
-constexpr PCWSTR kAddressClass = L"SysIPAddress32";
-
 // All that a template has of a control, in words.
 std::wstring Control(const std::wstring& windowClass, DWORD nId, int x, int y, int cx, int cy, DWORD nStyle,
                      const std::wstring& text, DWORD nExtendedStyle = 0, DWORD nHelpId = 0, WORD nExtraBytes = 0)
@@ -357,6 +351,17 @@ std::wstring TakeNameOrNumber(CReader& reader)
     return ch == L'\0' ? L"" : ch + reader.TakeText();
 }
 
+// In upper case; a compiler of resources writes a usual class as its number or as its name.
+std::wstring TakeClass(CReader& reader)
+{
+    static const std::map<std::wstring, std::wstring> names = {
+        {L"#128", L"BUTTON"}, {L"#129", L"EDIT"}, {L"#130", L"STATIC"}};
+    std::wstring name = TakeNameOrNumber(reader);
+    CharUpperBuffW(name.data(), static_cast<DWORD>(name.size()));
+    const auto it = names.find(name);
+    return it == names.end() ? name : it->second;
+}
+
 std::wstring TakeControl(CReader& reader)
 {
     reader.Align(sizeof(DWORD));
@@ -368,7 +373,7 @@ std::wstring TakeControl(CReader& reader)
     const auto cx = reader.Take<short>();
     const auto cy = reader.Take<short>();
     const auto nId = reader.Take<DWORD>();
-    const std::wstring windowClass = TakeNameOrNumber(reader);
+    const std::wstring windowClass = TakeClass(reader);
     const std::wstring text = TakeNameOrNumber(reader);
     return Control(windowClass, nId, x, y, cx, cy, nStyle, text, nExtendedStyle, nHelpId, reader.Take<WORD>());
 }
@@ -404,18 +409,18 @@ CDialog ReadDialog(Bytes data)
 
 std::wstring Label(int x, int y, int cx, PCWSTR pszText, DWORD nId = kNoId)
 {
-    return Control(kStaticClass, nId, x, y, cx, 8, kStatic, pszText);
+    return Control(L"STATIC", nId, x, y, cx, 8, kStatic, pszText);
 }
 
 std::wstring Body(DWORD nId, int cy)
 {
-    return Control(kStaticClass, nId, 7, 7, 353, cy, kStatic, L"Static");
+    return Control(L"STATIC", nId, 7, 7, 353, cy, kStatic, L"Static");
 }
 
 // A page with a text and a box to tick.
 std::vector<std::wstring> InstructionPage(DWORD nBody, DWORD nCheck, DWORD nCheckStyle = kCheckBox)
 {
-    return {Body(nBody, 173), Control(kButtonClass, nCheck, 7, 206, 295, 10, nCheckStyle, L"Check1")};
+    return {Body(nBody, 173), Control(L"BUTTON", nCheck, 7, 206, 295, 10, nCheckStyle, L"Check1")};
 }
 
 using Pages = CProgram;
@@ -430,8 +435,8 @@ TEST_F(Pages, AreFourteenOfOneFrameWithTheseControlsInThisOrder)
              Body(1016, 173),
              Label(8, 189, 75, L"Watch IP Address"),
              Label(111, 189, 34, L"Port"),
-             Control(kAddressClass, 1018, 7, 201, 100, 15, kAddress, L""),
-             Control(kEditClass, 1030, 110, 201, 33, 15, kNumber | ES_AUTOHSCROLL, L""),
+             Control(L"SYSIPADDRESS32", 1018, 7, 201, 100, 15, kAddress, L""),
+             Control(L"EDIT", 1030, 110, 201, 33, 15, kNumber | ES_AUTOHSCROLL, L""),
              Label(181, 190, 23, L"Status:"),
              Label(181, 202, 179, L"Enter watch IP address and port, then press next.", 1031),
          }},
@@ -439,22 +444,22 @@ TEST_F(Pages, AreFourteenOfOneFrameWithTheseControlsInThisOrder)
          {
              Body(1019, 173),
              Label(7, 177, 84, L"APK file to install on watch"),
-             Control(kEditClass, 1038, 7, 187, 297, 14, kPath, L""),
-             Control(kButtonClass, 1022, 310, 186, 50, 14, kButton, L"Browse ..."),
+             Control(L"EDIT", 1038, 7, 187, 297, 14, kPath, L""),
+             Control(L"BUTTON", 1022, 310, 186, 50, 14, kButton, L"Browse ..."),
              Label(7, 208, 23, L"Status:"),
              Label(34, 208, 326, L"Enter path to APK and then press Next button.", 1021),
          }},
-        {214, {Body(1028, 193), Control(kButtonClass, 1039, 310, 202, 50, 14, kButton, L"About ...")}},
+        {214, {Body(1028, 193), Control(L"BUTTON", 1039, 310, 202, 50, 14, kButton, L"About ...")}},
         {215,
          {
              Body(1034, 173),
              Label(7, 189, 43, L"Pairing Code"),
              Label(60, 190, 75, L"Watch IP Address"),
              Label(162, 189, 31, L"Port"),
-             Control(kEditClass, 1032, 7, 201, 44, 15, kNumber, L""),
-             Control(kAddressClass, 1035, 59, 201, 100, 15, kAddress | WS_DISABLED, L""),
-             Control(kEditClass, 1036, 161, 201, 33, 15, kNumber, L""),
-             Control(kButtonClass, 1037, 7, 173, 264, 10, kCheckBox,
+             Control(L"EDIT", 1032, 7, 201, 44, 15, kNumber, L""),
+             Control(L"SYSIPADDRESS32", 1035, 59, 201, 100, 15, kAddress | WS_DISABLED, L""),
+             Control(L"EDIT", 1036, 161, 201, 33, 15, kNumber, L""),
+             Control(L"BUTTON", 1037, 7, 173, 264, 10, kCheckBox,
                      L"Skip this step, the watch is already paired to this workstation."),
              Label(204, 190, 23, L"Status:"),
              Label(204, 202, 156, L"Enter port number and pairing code", 1033),

@@ -385,6 +385,11 @@ struct Refusal
     PCSTR pszOutcome = nullptr;
 };
 
+void PrintTo(const Refusal& refusal, std::ostream* pOut)
+{
+    *pOut << refusal.pszName;
+}
+
 class InstallApkRefusal : public InstallApkPage, public testing::WithParamInterface<Refusal>
 {
 };

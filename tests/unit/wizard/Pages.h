@@ -8,6 +8,7 @@
 #include "wizard/WelcomePage.h"
 #include "wizard/WirelessDebuggingOnPage.h"
 
+#include <ostream>
 #include <set>
 #include <string>
 #include <vector>
@@ -48,6 +49,11 @@ struct Page
     std::set<UINT> heard = {}; // the notifications upon which it does something, but for PSN_SETACTIVE
     Buttons ticked = kWithNext;
 };
+
+inline void PrintTo(const Page& page, std::ostream* pOut)
+{
+    *pOut << page.pszName;
+}
 
 inline const std::set<UINT> kNextAndAddress = {PSN_WIZNEXT, IPN_FIELDCHANGED};
 

@@ -52,13 +52,13 @@ TEST_P(EveryPage, KeepsTheTextsOfTheTemplateWhenNoneCanBeLoaded)
     EXPECT_EQ(page.Text(m_row.check.nControlId), m_row.check.nControlId != 0 ? L"Check1" : L"");
     EXPECT_EQ(load.Calls(), m_row.check.nControlId != 0 ? 2u : 1u);
     EXPECT_EQ(load.Arg<1>(), m_row.body.nStringId);
-    EXPECT_EQ(page.TakeButtons(), ButtonsList{m_row.first});
+    EXPECT_EQ(page.LastButtons(), m_row.first);
 }
 
 TEST_P(EveryPage, ShowsItsButtonsAtFirstAndWhenTheUserComesBack)
 {
     PageWindow& page = Open({kWatchAddress});
-    EXPECT_EQ(page.TakeButtons(), ButtonsList{m_row.first});
+    EXPECT_EQ(page.LastButtons(), m_row.first);
     EXPECT_EQ(page.Notify(PSN_SETACTIVE), 0);
     EXPECT_EQ(page.TakeButtons(), ButtonsList{m_row.first});
     EXPECT_EQ(page.Notify(IPN_FIELDCHANGED), 0);
@@ -139,10 +139,11 @@ class InstructionPage : public EveryPage
 
 TEST_P(InstructionPage, LoadsTheTextOfItsBoxAlsoWhenThatOfItsBodyIsMissing)
 {
+    const std::wstring strCheck = StringOf(m_row.check.nStringId);
     const REPLACED(LoadStringW) load(InTurn(Returns(0), PassOn()));
     const PageWindow& page = Open();
     EXPECT_EQ(page.Text(m_row.body.nControlId), L"Static");
-    EXPECT_EQ(page.Text(m_row.check.nControlId), StringOf(m_row.check.nStringId));
+    EXPECT_EQ(page.Text(m_row.check.nControlId), strCheck);
 }
 
 TEST_P(InstructionPage, DoesWithoutItsControls)
