@@ -54,7 +54,7 @@ constexpr PCWSTR kNotFound =
     L"2. Power the watch off and then turn it on again.\n"
     L"3. Run the installer program again.\n";
 
-// Looks at what each request and each poll is asked with. Each echo request leaves "ping 192.168.1.100" in the journal,
+// Each echo request leaves "ping 192.168.1.100" in the journal,
 // each connection "connect 192.168.1.100:43210".
 class AnsweringWatch
 {
@@ -68,7 +68,7 @@ public:
     std::vector<Poll> m_polls = {kWritable};
 
 private:
-    DWORD OnSendEcho(IPAddr destination, void* pReply);
+    DWORD OnSendEcho(IPAddr destination, const std::string& strPayload, void* pReply);
     int OnPoll(WSAPOLLFD* pPoll);
 
     Sockets m_sockets;

@@ -90,8 +90,15 @@ TEST_F(IcmpProbe, GivesUpAfterSixSilences)
     ASSERT_EQ(m_send.Calls(), 6u);
     for (size_t n = 0; n < 6; ++n) {
         EXPECT_EQ(m_send.Arg<0>(n), kIcmp);
+        EXPECT_EQ(m_send.Arg<1>(n), nullptr);
+        EXPECT_EQ(m_send.Arg<2>(n), nullptr);
+        EXPECT_EQ(m_send.Arg<3>(n), nullptr);
         EXPECT_EQ(m_send.Arg<4>(n), 0x6401A8C0u);
-        EXPECT_EQ(m_send.Arg<8>(n), m_send.Arg<8>(0)) << "a buffer of its own";
+        // The payload is the watch's to look at.
+        EXPECT_EQ(m_send.Arg<7>(n), nullptr);
+        EXPECT_EQ(m_send.Arg<8>(n), m_send.Arg<8>(0));
+        EXPECT_EQ(m_send.Arg<9>(n), 92u);
+        EXPECT_EQ(m_send.Arg<10>(n), 1000u);
     }
 }
 

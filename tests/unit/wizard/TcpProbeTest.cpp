@@ -51,6 +51,10 @@ protected:
                   nResult == 0 ? (Lines{"socket", "shutdown", "closesocket"}) : (Lines{"socket", "closesocket"}));
         EXPECT_EQ(JournalOf({"connect"}).size(), 1u);
         EXPECT_EQ(m_close.Arg<0>(m_close.Calls() - 1), kSocket);
+        for (size_t n = 0; n < m_poll.Calls(); ++n) {
+            EXPECT_EQ(m_poll.Arg<1>(n), 1u);
+            EXPECT_EQ(m_poll.Arg<2>(n), 2000);
+        }
     }
 
     // The probe ends the process with this code, after a box that tells the step.
