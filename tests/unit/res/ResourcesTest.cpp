@@ -5,9 +5,8 @@
 // The program is the one that the environment variable KALVO_EXE names, else KalvoApkInstaller.exe beside this test.
 #include <windows.h>
 
-#include <algorithm>
-#include <cctype>
-#include <cstddef>
+#include <dbghelp.h>
+
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -16,9 +15,10 @@
 #include <regex>
 #include <set>
 #include <span>
+#include <sstream>
 #include <stdexcept>
 #include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -27,8 +27,6 @@
 namespace {
 
 using Bytes = std::span<const BYTE>;
-
-constexpr WORD kEnglish = MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US);
 
 std::wstring ProgramPath()
 {
@@ -68,15 +66,6 @@ public:
         return text;
     }
 
-    std::wstring TakeText(size_t nLength)
-    {
-        std::wstring text;
-        for (size_t i = 0; i < nLength; i++) {
-            text += Take<WCHAR>();
-        }
-        return text;
-    }
-
     void Align(size_t nUnit)
     {
         m_iNext = (m_iNext + nUnit - 1) / nUnit * nUnit;
@@ -96,23 +85,23 @@ private:
 class CProgram : public testing::Test
 {
 protected:
-    void SetUp() override
+    CProgram()
     {
-        m_hModule = LoadLibraryExW(m_path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE);
-        ASSERT_NE(nullptr, m_hModule) << "cannot open the program, error " << GetLastError();
-    }
-
-    void TearDown() override
-    {
-        if (m_hModule != nullptr) {
-            FreeLibrary(m_hModule);
+        if (m_hModule == nullptr) {
+            throw std::runtime_error("cannot open the program, error " + std::to_string(GetLastError()));
         }
     }
 
-    // A resource in US English; throws when there is none.
-    Bytes Resource(PCWSTR pszType, WORD nId, WORD nLanguage = kEnglish) const
+    ~CProgram() override
     {
-        const HRSRC hResource = FindResourceExW(m_hModule, pszType, MAKEINTRESOURCEW(nId), nLanguage);
+        FreeLibrary(m_hModule);
+    }
+
+    // A resource in US English; throws when there is none.
+    Bytes Resource(PCWSTR pszType, int nId) const
+    {
+        const HRSRC hResource =
+            FindResourceExW(m_hModule, pszType, MAKEINTRESOURCEW(nId), MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US));
         const HGLOBAL hData = hResource == nullptr ? nullptr : LoadResource(m_hModule, hResource);
         if (hData == nullptr) {
             throw std::runtime_error("there is no resource " + std::to_string(nId));
@@ -134,12 +123,11 @@ protected:
     }
 
     const std::wstring m_path = ProgramPath();
-    HMODULE m_hModule = nullptr;
+    const HMODULE m_hModule =
+        LoadLibraryExW(m_path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE);
 };
 
-class Resources : public CProgram
-{
-};
+using Resources = CProgram;
 
 TEST_F(Resources, AreOfTheseTypesOnly)
 {
@@ -155,13 +143,7 @@ TEST_F(Resources, AreOfTheseTypesOnly)
               types);
 }
 
-struct CText
-{
-    int m_nId;
-    PCWSTR m_pszText;
-};
-
-constexpr CText kTexts[] = {
+constexpr std::pair<int, PCWSTR> kTexts[] = {
     // clang-format off
     {201, L"KALVO Solvane Android Watch Installer"},
     {202, L"Turn on Wireless debugging"},
@@ -307,56 +289,28 @@ constexpr CText kTexts[] = {
     // clang-format on
 };
 
-class Texts : public CProgram
-{
-protected:
-    // A block of the string table holds sixteen texts, absent ones with length 0.
-    static constexpr int kBlockSize = 16;
+using Texts = CProgram;
 
-    std::map<int, std::wstring> TextsInBlock(int nBlock) const
-    {
-        std::map<int, std::wstring> texts;
-        CReader reader(Resource(RT_STRING, static_cast<WORD>(nBlock)));
-        for (int i = 0; i < kBlockSize; i++) {
-            if (const auto nLength = reader.Take<WORD>()) {
-                texts[((nBlock - 1) * kBlockSize) + i] = reader.TakeText(nLength);
+TEST_F(Texts, AreTheseAndNoOthers)
+{
+    // A block of the string table holds sixteen texts, absent ones with length 0.
+    std::map<int, std::wstring> texts;
+    for (const int nBlock : Ids(RT_STRING)) {
+        CReader reader(Resource(RT_STRING, nBlock));
+        for (int i = 0; i < 16; i++) {
+            std::wstring text(reader.Take<WORD>(), L'\0');
+            for (WCHAR& ch : text) {
+                ch = reader.Take<WCHAR>();
+            }
+            if (!text.empty()) {
+                texts[((nBlock - 1) * 16) + i] = text;
             }
         }
-        return texts;
     }
-
-    std::map<int, std::wstring> AllTexts() const
-    {
-        std::map<int, std::wstring> texts;
-        for (const int nBlock : Ids(RT_STRING)) {
-            texts.merge(TextsInBlock(nBlock));
-        }
-        return texts;
+    for (const auto& [nId, pszText] : kTexts) {
+        EXPECT_EQ(pszText, texts[nId]) << nId;
     }
-};
-
-TEST_F(Texts, AreExactlyThese)
-{
-    const std::map<int, std::wstring> texts = AllTexts();
-    for (const CText& expected : kTexts) {
-        const auto it = texts.find(expected.m_nId);
-        ASSERT_NE(texts.end(), it) << expected.m_nId;
-        EXPECT_EQ(expected.m_pszText, it->second) << expected.m_nId;
-    }
-}
-
-TEST_F(Texts, AreNumberedFrom201To241AndNoOtherIsThere)
-{
-    std::vector<int> expected;
-    for (int i = 201; i <= 241; i++) {
-        expected.push_back(i);
-    }
-    std::vector<int> found;
-    for (const auto& [nId, text] : AllTexts()) {
-        found.push_back(nId);
-    }
-    EXPECT_EQ(expected, found);
-    EXPECT_EQ(expected.size(), std::size(kTexts)) << "this test's own table";
+    EXPECT_EQ(std::size(kTexts), texts.size());
 }
 
 constexpr DWORD kVisible = WS_CHILD | WS_VISIBLE;
@@ -370,48 +324,22 @@ constexpr DWORD kAddress = kVisible | WS_TABSTOP;
 
 constexpr DWORD kNoId = static_cast<DWORD>(-1);
 
-struct CControl
+// All that a template has of a control, in words.
+std::wstring Control(const std::wstring& windowClass, DWORD nId, int x, int y, int cx, int cy, DWORD nStyle,
+                     const std::wstring& text, DWORD nExtendedStyle = 0, DWORD nHelpId = 0, WORD nExtraBytes = 0)
 {
-    std::wstring m_class; // in upper case
-    DWORD m_nId;
-    short m_x, m_y, m_cx, m_cy;
-    DWORD m_nStyle;
-    std::wstring m_text;
-    DWORD m_nExtendedStyle = 0;
-    DWORD m_nHelpId = 0;
-    WORD m_nExtraBytes = 0;
-
-    bool operator==(const CControl&) const = default;
-};
-
-void PrintTo(const CControl& control, std::ostream* pStream)
-{
-    *pStream << testing::PrintToString(control.m_class) << " " << static_cast<int>(control.m_nId) << " (" << control.m_x
-             << ", " << control.m_y << ", " << control.m_cx << ", " << control.m_cy << ") style 0x" << std::hex
-             << control.m_nStyle << "/0x" << control.m_nExtendedStyle << std::dec << " "
-             << testing::PrintToString(control.m_text);
+    std::wostringstream words;
+    words << windowClass << L' ' << static_cast<int>(nId) << L" at " << x << L' ' << y << L", size " << cx << L' ' << cy
+          << std::hex << L", style 0x" << nStyle << L", extended style 0x" << nExtendedStyle << std::dec << L", help "
+          << nHelpId << L", extra bytes " << nExtraBytes << L", text '" << text << L'\'';
+    return words.str();
 }
 
 struct CDialog
 {
-    DWORD m_nHelpId = 0;
-    DWORD m_nStyle = 0;
-    DWORD m_nExtendedStyle = 0;
-    short m_x = 0, m_y = 0, m_cx = 0, m_cy = 0;
-    std::wstring m_menu, m_class, m_title;
-    WORD m_nPoints = 0;
-    WORD m_nWeight = 0;
-    BYTE m_bItalic = 0;
-    BYTE m_nCharset = 0;
-    std::wstring m_font;
-    std::vector<CControl> m_controls;
+    std::wstring m_frame; // everything but the controls, in words
+    std::vector<std::wstring> m_controls;
 };
-
-std::wstring UpperCase(std::wstring text)
-{
-    CharUpperBuffW(text.data(), static_cast<DWORD>(text.size()));
-    return text;
-}
 
 // A name, or 0xFFFF and a number that stands for one.
 std::wstring TakeNameOrNumber(CReader& reader)
@@ -423,34 +351,34 @@ std::wstring TakeNameOrNumber(CReader& reader)
     return ch == L'\0' ? L"" : ch + reader.TakeText();
 }
 
+// In upper case; a compiler of resources writes a usual class as its number or as its name.
 std::wstring TakeClass(CReader& reader)
 {
     static const std::map<std::wstring, std::wstring> names = {
         {L"#128", L"BUTTON"}, {L"#129", L"EDIT"}, {L"#130", L"STATIC"}};
-    const std::wstring name = TakeNameOrNumber(reader);
+    std::wstring name = TakeNameOrNumber(reader);
+    CharUpperBuffW(name.data(), static_cast<DWORD>(name.size()));
     const auto it = names.find(name);
-    return it == names.end() ? UpperCase(name) : it->second;
+    return it == names.end() ? name : it->second;
 }
 
-CControl TakeControl(CReader& reader)
+std::wstring TakeControl(CReader& reader)
 {
     reader.Align(sizeof(DWORD));
-    CControl control{};
-    control.m_nHelpId = reader.Take<DWORD>();
-    control.m_nExtendedStyle = reader.Take<DWORD>();
-    control.m_nStyle = reader.Take<DWORD>();
-    control.m_x = reader.Take<short>();
-    control.m_y = reader.Take<short>();
-    control.m_cx = reader.Take<short>();
-    control.m_cy = reader.Take<short>();
-    control.m_nId = reader.Take<DWORD>();
-    control.m_class = TakeClass(reader);
-    control.m_text = TakeNameOrNumber(reader);
-    control.m_nExtraBytes = reader.Take<WORD>();
-    return control;
+    const auto nHelpId = reader.Take<DWORD>();
+    const auto nExtendedStyle = reader.Take<DWORD>();
+    const auto nStyle = reader.Take<DWORD>();
+    const auto x = reader.Take<short>();
+    const auto y = reader.Take<short>();
+    const auto cx = reader.Take<short>();
+    const auto cy = reader.Take<short>();
+    const auto nId = reader.Take<DWORD>();
+    const std::wstring windowClass = TakeClass(reader);
+    const std::wstring text = TakeNameOrNumber(reader);
+    return Control(windowClass, nId, x, y, cx, cy, nStyle, text, nExtendedStyle, nHelpId, reader.Take<WORD>());
 }
 
-// Reads the newer of the two formats of a dialog template (DIALOGEX); throws for the older.
+// Reads the newer of the two formats of a dialog template (DIALOGEX) with a font; throws for the older.
 CDialog ReadDialog(Bytes data)
 {
     CReader reader(data);
@@ -458,24 +386,17 @@ CDialog ReadDialog(Bytes data)
         throw std::runtime_error("not a DLGTEMPLATEEX");
     }
     CDialog dialog;
-    dialog.m_nHelpId = reader.Take<DWORD>();
-    dialog.m_nExtendedStyle = reader.Take<DWORD>();
-    dialog.m_nStyle = reader.Take<DWORD>();
+    std::wostringstream frame;
+    frame << L"help " << reader.Take<DWORD>() << std::hex << L", extended style 0x" << reader.Take<DWORD>();
+    frame << L", style 0x" << reader.Take<DWORD>() << std::dec;
     const auto nControls = reader.Take<WORD>();
-    dialog.m_x = reader.Take<short>();
-    dialog.m_y = reader.Take<short>();
-    dialog.m_cx = reader.Take<short>();
-    dialog.m_cy = reader.Take<short>();
-    dialog.m_menu = TakeNameOrNumber(reader);
-    dialog.m_class = TakeNameOrNumber(reader);
-    dialog.m_title = reader.TakeText();
-    if (dialog.m_nStyle & DS_SETFONT) {
-        dialog.m_nPoints = reader.Take<WORD>();
-        dialog.m_nWeight = reader.Take<WORD>();
-        dialog.m_bItalic = reader.Take<BYTE>();
-        dialog.m_nCharset = reader.Take<BYTE>();
-        dialog.m_font = reader.TakeText();
-    }
+    frame << L", at " << reader.Take<short>() << L' ' << reader.Take<short>();
+    frame << L", size " << reader.Take<short>() << L' ' << reader.Take<short>();
+    frame << L", menu '" << TakeNameOrNumber(reader) << L"', class '" << TakeNameOrNumber(reader);
+    frame << L"', title '" << reader.TakeText() << L"', points " << reader.Take<WORD>();
+    frame << L", weight " << reader.Take<WORD>() << L", italic " << int{reader.Take<BYTE>()};
+    frame << L", charset " << int{reader.Take<BYTE>()} << L", font '" << reader.TakeText() << L'\'';
+    dialog.m_frame = frame.str();
     for (int i = 0; i < nControls; i++) {
         dialog.m_controls.push_back(TakeControl(reader));
     }
@@ -486,55 +407,63 @@ CDialog ReadDialog(Bytes data)
     return dialog;
 }
 
-CControl Label(short x, short y, short cx, PCWSTR pszText, DWORD nId = kNoId)
+std::wstring Label(int x, int y, int cx, PCWSTR pszText, DWORD nId = kNoId)
 {
-    return {L"STATIC", nId, x, y, cx, 8, kStatic, pszText};
+    return Control(L"STATIC", nId, x, y, cx, 8, kStatic, pszText);
 }
 
-CControl Body(DWORD nId, short cy)
+std::wstring Body(DWORD nId, int cy)
 {
-    return {L"STATIC", nId, 7, 7, 353, cy, kStatic, L"Static"};
+    return Control(L"STATIC", nId, 7, 7, 353, cy, kStatic, L"Static");
 }
 
 // A page with a text and a box to tick.
-std::vector<CControl> InstructionPage(DWORD nBody, DWORD nCheck, DWORD nCheckStyle = kCheckBox)
+std::vector<std::wstring> InstructionPage(DWORD nBody, DWORD nCheck, DWORD nCheckStyle = kCheckBox)
 {
-    return {Body(nBody, 173), {L"BUTTON", nCheck, 7, 206, 295, 10, nCheckStyle, L"Check1"}};
+    return {Body(nBody, 173), Control(L"BUTTON", nCheck, 7, 206, 295, 10, nCheckStyle, L"Check1")};
 }
 
-const std::map<int, std::vector<CControl>>& ExpectedPages()
+using Pages = CProgram;
+
+TEST_F(Pages, AreFourteenOfOneFrameWithTheseControlsInThisOrder)
 {
-    static const std::map<int, std::vector<CControl>> pages = {
+    const std::map<int, std::vector<std::wstring>> pages = {
         {202, InstructionPage(1010, 1012)},
         {203, InstructionPage(1014, 1015)},
         {204,
-         {Body(1016, 173),
-          Label(8, 189, 75, L"Watch IP Address"),
-          Label(111, 189, 34, L"Port"),
-          {L"SYSIPADDRESS32", 1018, 7, 201, 100, 15, kAddress, L""},
-          {L"EDIT", 1030, 110, 201, 33, 15, kNumber | ES_AUTOHSCROLL, L""},
-          Label(181, 190, 23, L"Status:"),
-          Label(181, 202, 179, L"Enter watch IP address and port, then press next.", 1031)}},
+         {
+             Body(1016, 173),
+             Label(8, 189, 75, L"Watch IP Address"),
+             Label(111, 189, 34, L"Port"),
+             Control(L"SYSIPADDRESS32", 1018, 7, 201, 100, 15, kAddress, L""),
+             Control(L"EDIT", 1030, 110, 201, 33, 15, kNumber | ES_AUTOHSCROLL, L""),
+             Label(181, 190, 23, L"Status:"),
+             Label(181, 202, 179, L"Enter watch IP address and port, then press next.", 1031),
+         }},
         {206,
-         {Body(1019, 173),
-          Label(7, 177, 84, L"APK file to install on watch"),
-          {L"EDIT", 1038, 7, 187, 297, 14, kPath, L""},
-          {L"BUTTON", 1022, 310, 186, 50, 14, kButton, L"Browse ..."},
-          Label(7, 208, 23, L"Status:"),
-          Label(34, 208, 326, L"Enter path to APK and then press Next button.", 1021)}},
-        {214, {Body(1028, 193), {L"BUTTON", 1039, 310, 202, 50, 14, kButton, L"About ..."}}},
+         {
+             Body(1019, 173),
+             Label(7, 177, 84, L"APK file to install on watch"),
+             Control(L"EDIT", 1038, 7, 187, 297, 14, kPath, L""),
+             Control(L"BUTTON", 1022, 310, 186, 50, 14, kButton, L"Browse ..."),
+             Label(7, 208, 23, L"Status:"),
+             Label(34, 208, 326, L"Enter path to APK and then press Next button.", 1021),
+         }},
+        {214, {Body(1028, 193), Control(L"BUTTON", 1039, 310, 202, 50, 14, kButton, L"About ...")}},
         {215,
-         {Body(1034, 173),
-          Label(7, 189, 43, L"Pairing Code"),
-          Label(60, 190, 75, L"Watch IP Address"),
-          Label(162, 189, 31, L"Port"),
-          {L"EDIT", 1032, 7, 201, 44, 15, kNumber, L""},
-          {L"SYSIPADDRESS32", 1035, 59, 201, 100, 15, kAddress | WS_DISABLED, L""},
-          {L"EDIT", 1036, 161, 201, 33, 15, kNumber, L""},
-          {L"BUTTON", 1037, 7, 173, 264, 10, kCheckBox,
-           L"Skip this step, the watch is already paired to this workstation."},
-          Label(204, 190, 23, L"Status:"),
-          Label(204, 202, 156, L"Enter port number and pairing code", 1033)}},
+         {
+             Body(1034, 173),
+             Label(7, 189, 43, L"Pairing Code"),
+             Label(60, 190, 75, L"Watch IP Address"),
+             Label(162, 189, 31, L"Port"),
+             Control(L"EDIT", 1032, 7, 201, 44, 15, kNumber, L""),
+             Control(L"SYSIPADDRESS32", 1035, 59, 201, 100, 15, kAddress | WS_DISABLED, L""),
+             Control(L"EDIT", 1036, 161, 201, 33, 15, kNumber, L""),
+             Control(L"BUTTON", 1037, 7, 173, 264, 10, kCheckBox,
+                     L"Skip this step, the watch is already paired to this workstation."),
+             Label(204, 190, 23, L"Status:"),
+             Label(204, 202, 156, L"Enter port number and pairing code", 1033),
+         }},
         {216, InstructionPage(1040, 1041, kHiddenCheckBox)},
         {217, InstructionPage(1042, 1043)},
         {218, InstructionPage(1044, 1045)},
@@ -544,167 +473,66 @@ const std::map<int, std::vector<CControl>>& ExpectedPages()
         {222, InstructionPage(1052, 1053)},
         {224, {Body(1054, 193)}},
     };
-    return pages;
-}
-
-class Pages : public CProgram
-{
-};
-
-TEST_F(Pages, AreFourteenAndNoLayoutSketchIsAmongThem)
-{
-    std::set<int> expected;
-    for (const auto& [nId, controls] : ExpectedPages()) {
-        expected.insert(nId);
-    }
-    EXPECT_EQ(14U, expected.size()) << "this test's own table";
-    EXPECT_EQ(expected, Ids(RT_DIALOG));
-    EXPECT_FALSE(Ids(RT_DIALOG).contains(201));
-    EXPECT_FALSE(Ids(RT_DIALOG).contains(213));
-}
-
-TEST_F(Pages, HaveOneSizeStyleAndFont)
-{
-    for (const auto& [nId, controls] : ExpectedPages()) {
+    std::set<int> numbers;
+    for (const auto& [nId, controls] : pages) {
         SCOPED_TRACE(nId);
-        const CDialog dialog = ReadDialog(Resource(RT_DIALOG, static_cast<WORD>(nId)));
-        EXPECT_EQ(static_cast<DWORD>(WS_CHILD | WS_CAPTION | DS_SETFONT | DS_FIXEDSYS), dialog.m_nStyle);
-        EXPECT_EQ(0U, dialog.m_nExtendedStyle);
-        EXPECT_EQ(0U, dialog.m_nHelpId);
-        EXPECT_EQ(0, dialog.m_x);
-        EXPECT_EQ(0, dialog.m_y);
-        EXPECT_EQ(367, dialog.m_cx);
-        EXPECT_EQ(223, dialog.m_cy);
-        EXPECT_EQ(L"", dialog.m_menu);
-        EXPECT_EQ(L"", dialog.m_class);
-        EXPECT_EQ(L"", dialog.m_title);
-        EXPECT_EQ(9, dialog.m_nPoints);
-        EXPECT_EQ(FW_NORMAL, dialog.m_nWeight);
-        EXPECT_EQ(0, dialog.m_bItalic);
-        EXPECT_EQ(DEFAULT_CHARSET, dialog.m_nCharset);
-        EXPECT_EQ(L"MS Shell Dlg", dialog.m_font);
+        numbers.insert(nId);
+        const CDialog dialog = ReadDialog(Resource(RT_DIALOG, nId));
+        EXPECT_EQ(L"help 0, extended style 0x0, style 0x40c00048, at 0 0, size 367 223, menu '', class '', title '', "
+                  L"points 9, weight 400, italic 0, charset 1, font 'MS Shell Dlg'",
+                  dialog.m_frame);
+        EXPECT_EQ(controls, dialog.m_controls);
     }
+    EXPECT_EQ(numbers, Ids(RT_DIALOG));
 }
 
-TEST_F(Pages, HaveTheseControlsInThisOrder)
-{
-    for (const auto& [nId, controls] : ExpectedPages()) {
-        SCOPED_TRACE(nId);
-        EXPECT_EQ(controls, ReadDialog(Resource(RT_DIALOG, static_cast<WORD>(nId))).m_controls);
-    }
-}
+using Icon = CProgram;
 
-TEST_F(Pages, KeepTheirControlsInside)
-{
-    for (const auto& [nId, controls] : ExpectedPages()) {
-        const CDialog dialog = ReadDialog(Resource(RT_DIALOG, static_cast<WORD>(nId)));
-        for (const CControl& control : dialog.m_controls) {
-            EXPECT_LE(control.m_x + control.m_cx, dialog.m_cx) << nId << " " << testing::PrintToString(control);
-            EXPECT_LE(control.m_y + control.m_cy, dialog.m_cy) << nId << " " << testing::PrintToString(control);
-        }
-    }
-}
-
-struct CIconImage
-{
-    int m_nSize;
-    WORD m_nBitsPerPixel;
-    DWORD m_cb;
-    WORD m_nId;
-};
-
-class Icon : public CProgram
-{
-protected:
-    std::vector<CIconImage> Images() const
-    {
-        CReader reader(Resource(RT_GROUP_ICON, 206));
-        EXPECT_EQ(0, reader.Take<WORD>());
-        EXPECT_EQ(1, reader.Take<WORD>()) << "an icon, not a cursor";
-        const auto nImages = reader.Take<WORD>();
-        std::vector<CIconImage> images;
-        for (int i = 0; i < nImages; i++) {
-            const auto nWidth = reader.Take<BYTE>();
-            const auto nHeight = reader.Take<BYTE>();
-            EXPECT_EQ(nWidth, nHeight);
-            reader.Take<WORD>(); // colours and a reserved byte
-            reader.Take<WORD>(); // planes
-            CIconImage image{};
-            image.m_nSize = nWidth == 0 ? 256 : nWidth;
-            image.m_nBitsPerPixel = reader.Take<WORD>();
-            image.m_cb = reader.Take<DWORD>();
-            image.m_nId = reader.Take<WORD>();
-            images.push_back(image);
-        }
-        EXPECT_FALSE(images.empty());
-        return images;
-    }
-};
-
-TEST_F(Icon, IsTheOnlyOneAndHasAllUsualSizes)
+TEST_F(Icon, IsTheOnlyOneAndHasAnImageThatWindowsCanShowInAllUsualSizes)
 {
     EXPECT_EQ(std::set<int>{206}, Ids(RT_GROUP_ICON));
+    CReader reader(Resource(RT_GROUP_ICON, 206));
+    EXPECT_EQ(0, reader.Take<WORD>());
+    EXPECT_EQ(1, reader.Take<WORD>()) << "an icon, not a cursor";
+    const auto nImages = reader.Take<WORD>();
     std::vector<int> sizes;
-    for (const CIconImage& image : Images()) {
-        sizes.push_back(image.m_nSize);
-        EXPECT_EQ(32, image.m_nBitsPerPixel) << image.m_nSize;
-    }
-    EXPECT_EQ((std::vector<int>{16, 20, 24, 32, 40, 48, 64, 96, 128, 256}), sizes);
-}
-
-TEST_F(Icon, HasAnImageThatWindowsCanShowInEverySize)
-{
-    for (const CIconImage& image : Images()) {
-        SCOPED_TRACE(image.m_nSize);
-        const Bytes data = Resource(RT_ICON, image.m_nId);
-        EXPECT_EQ(image.m_cb, data.size());
-        const HICON hIcon = CreateIconFromResourceEx(const_cast<BYTE*>(data.data()), static_cast<DWORD>(data.size()),
-                                                     TRUE, 0x00030000, 0, 0, 0);
+    for (int i = 0; i < nImages; i++) {
+        const auto nWidth = reader.Take<BYTE>();
+        EXPECT_EQ(nWidth, reader.Take<BYTE>());
+        reader.Take<WORD>(); // colours and a reserved byte
+        reader.Take<WORD>(); // planes
+        const int nSize = nWidth == 0 ? 256 : nWidth;
+        SCOPED_TRACE(nSize);
+        sizes.push_back(nSize);
+        EXPECT_EQ(32, reader.Take<WORD>()) << "bits per pixel";
+        const auto cb = reader.Take<DWORD>();
+        const Bytes data = Resource(RT_ICON, reader.Take<WORD>());
+        EXPECT_EQ(cb, data.size());
+        const HICON hIcon = CreateIconFromResourceEx(const_cast<BYTE*>(data.data()), cb, TRUE, 0x00030000, 0, 0, 0);
         ASSERT_NE(nullptr, hIcon);
         ICONINFO info{};
         ASSERT_TRUE(GetIconInfo(hIcon, &info));
         BITMAP bitmap{};
         EXPECT_NE(0, GetObjectW(info.hbmColor, sizeof(bitmap), &bitmap));
-        EXPECT_EQ(image.m_nSize, bitmap.bmWidth);
-        EXPECT_EQ(image.m_nSize, bitmap.bmHeight);
+        EXPECT_EQ(nSize, bitmap.bmWidth);
+        EXPECT_EQ(nSize, bitmap.bmHeight);
         DeleteObject(info.hbmColor);
         DeleteObject(info.hbmMask);
         DestroyIcon(hIcon);
     }
+    EXPECT_EQ((std::vector<int>{16, 20, 24, 32, 40, 48, 64, 96, 128, 256}), sizes);
 }
 
-class Version : public CProgram
+using Version = CProgram;
+
+TEST_F(Version, Is1400AndNamesTheMakerTheProductAndTheFile)
 {
-protected:
-    void SetUp() override
-    {
-        CProgram::SetUp();
-        if (HasFatalFailure()) {
-            return;
-        }
-        DWORD nHandle = 0;
-        m_data.resize(GetFileVersionInfoSizeExW(0, m_path.c_str(), &nHandle));
-        ASSERT_FALSE(m_data.empty());
-        ASSERT_TRUE(
-            GetFileVersionInfoExW(0, m_path.c_str(), nHandle, static_cast<DWORD>(m_data.size()), m_data.data()));
-    }
-
-    std::wstring Text(PCWSTR pszName)
-    {
-        const std::wstring path = std::wstring(L"\\StringFileInfo\\040904b0\\") + pszName;
-        void* pText = nullptr;
-        UINT nLength = 0;
-        return VerQueryValueW(m_data.data(), path.c_str(), &pText, &nLength) ? static_cast<PCWSTR>(pText) : L"(absent)";
-    }
-
-    std::vector<BYTE> m_data;
-};
-
-TEST_F(Version, Is1400)
-{
+    DWORD nHandle = 0;
+    std::vector<BYTE> data(GetFileVersionInfoSizeExW(0, m_path.c_str(), &nHandle));
+    ASSERT_TRUE(GetFileVersionInfoExW(0, m_path.c_str(), nHandle, static_cast<DWORD>(data.size()), data.data()));
     void* pBlock = nullptr;
     UINT cb = 0;
-    ASSERT_TRUE(VerQueryValueW(m_data.data(), L"\\", &pBlock, &cb));
+    ASSERT_TRUE(VerQueryValueW(data.data(), L"\\", &pBlock, &cb));
     ASSERT_EQ(sizeof(VS_FIXEDFILEINFO), cb);
     const auto* pInfo = static_cast<const VS_FIXEDFILEINFO*>(pBlock);
     EXPECT_EQ(0xFEEF04BD, pInfo->dwSignature);
@@ -715,74 +543,34 @@ TEST_F(Version, Is1400)
     EXPECT_EQ(0U, pInfo->dwFileFlags & pInfo->dwFileFlagsMask);
     EXPECT_EQ(static_cast<DWORD>(VOS_NT_WINDOWS32), pInfo->dwFileOS);
     EXPECT_EQ(static_cast<DWORD>(VFT_APP), pInfo->dwFileType);
+
+    const std::pair<std::wstring, std::wstring> texts[] = {
+        {L"CompanyName", L"KALVO"},
+        {L"FileDescription", L"KALVO Solvane Android Watch Installer"},
+        {L"ProductName", L"KALVO Solvane Android Watch Installer"},
+        {L"OriginalFilename", L"KalvoApkInstaller.exe"},
+        {L"FileVersion", L"1.4.0.0"},
+        {L"ProductVersion", L"1.4.0.0"},
+    };
+    for (const auto& [name, expected] : texts) {
+        void* pText = nullptr;
+        ASSERT_TRUE(VerQueryValueW(data.data(), (L"\\StringFileInfo\\040904b0\\" + name).c_str(), &pText, &cb)) << name;
+        EXPECT_EQ(expected, static_cast<PCWSTR>(pText));
+    }
 }
 
-TEST_F(Version, NamesTheMakerTheProductAndTheFile)
-{
-    EXPECT_EQ(L"KALVO", Text(L"CompanyName"));
-    EXPECT_EQ(L"KALVO Solvane Android Watch Installer", Text(L"FileDescription"));
-    EXPECT_EQ(L"KALVO Solvane Android Watch Installer", Text(L"ProductName"));
-    EXPECT_EQ(L"KalvoApkInstaller.exe", Text(L"OriginalFilename"));
-    EXPECT_EQ(L"1.4.0.0", Text(L"FileVersion"));
-    EXPECT_EQ(L"1.4.0.0", Text(L"ProductVersion"));
-}
-
-// The program's manifest as Windows understands it: an activation context made from it.
-class Manifest : public CProgram
-{
-protected:
-    void SetUp() override
-    {
-        CProgram::SetUp();
-        if (HasFatalFailure()) {
-            return;
-        }
-        ACTCTXW description{};
-        description.cbSize = sizeof(description);
-        description.dwFlags = ACTCTX_FLAG_RESOURCE_NAME_VALID;
-        description.lpSource = m_path.c_str();
-        description.lpResourceName = MAKEINTRESOURCEW(1);
-        m_hContext = CreateActCtxW(&description);
-        ASSERT_NE(INVALID_HANDLE_VALUE, m_hContext) << "the manifest is not well-formed, error " << GetLastError();
-    }
-
-    void TearDown() override
-    {
-        if (m_hContext != INVALID_HANDLE_VALUE) {
-            ReleaseActCtx(m_hContext);
-        }
-        CProgram::TearDown();
-    }
-
-    std::vector<BYTE> Query(ULONG nClass) const
-    {
-        SIZE_T cb = 0;
-        QueryActCtxW(0, m_hContext, nullptr, nClass, nullptr, 0, &cb);
-        std::vector<BYTE> data(cb);
-        EXPECT_TRUE(QueryActCtxW(0, m_hContext, nullptr, nClass, data.data(), data.size(), &cb)) << GetLastError();
-        return data;
-    }
-
-    std::string Text() const
-    {
-        const Bytes data = Resource(RT_MANIFEST, 1);
-        return {data.begin(), data.end()};
-    }
-
-    // Without comments, and without the blanks that only lay it out.
-    std::string BareText() const
-    {
-        const std::string text = std::regex_replace(Text(), std::regex("<!--[^]*?-->"), "");
-        return std::regex_replace(std::regex_replace(text, std::regex(R"(\s+)"), " "), std::regex(" ?([<>]) ?"), "$1");
-    }
-
-    HANDLE m_hContext = INVALID_HANDLE_VALUE;
-};
+using Manifest = CProgram;
 
 // Wine forgives what Windows does not: a name space or an attribute that is written otherwise is passed over there, or
 // the program is not started at all.
 TEST_F(Manifest, IsWordForWordWhatWindowsKnows)
 {
+    // Comments count for nothing, nor do the blanks that only lay it out.
+    const Bytes data = Resource(RT_MANIFEST, 1);
+    std::string text(data.begin(), data.end());
+    text = std::regex_replace(text, std::regex("<!--[^]*?-->"), "");
+    text = std::regex_replace(text, std::regex(R"(\s+)"), " ");
+    text = std::regex_replace(text, std::regex(" ?([<>]) ?"), "$1");
     EXPECT_EQ(
         R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>)"
         R"(<assembly xmlns="urn:schemas-microsoft-com:asm.v1" manifestVersion="1.0">)"
@@ -801,227 +589,118 @@ TEST_F(Manifest, IsWordForWordWhatWindowsKnows)
         R"(<application xmlns="urn:schemas-microsoft-com:asm.v3"><windowsSettings>)"
         R"(<dpiAware xmlns="http://schemas.microsoft.com/SMI/2005/WindowsSettings">true</dpiAware>)"
         R"(</windowsSettings></application></assembly>)",
-        BareText());
-}
-
-TEST_F(Manifest, IsTheOnlyOne)
-{
+        text);
     EXPECT_EQ(std::set<int>{1}, Ids(RT_MANIFEST));
 }
 
-TEST_F(Manifest, ChoosesVersion6OfTheCommonControls)
+TEST_F(Manifest, IsUnderstoodByTheSystem)
 {
+    ACTCTXW description{};
+    description.cbSize = sizeof(description);
+    description.dwFlags = ACTCTX_FLAG_RESOURCE_NAME_VALID;
+    description.lpSource = m_path.c_str();
+    description.lpResourceName = MAKEINTRESOURCEW(1);
+    const HANDLE hContext = CreateActCtxW(&description);
+    ASSERT_NE(INVALID_HANDLE_VALUE, hContext) << "it is not well-formed, error " << GetLastError();
+
     ULONG_PTR nCookie = 0;
-    ASSERT_TRUE(ActivateActCtx(m_hContext, &nCookie));
-    ACTCTX_SECTION_KEYED_DATA data{};
-    data.cbSize = sizeof(data);
-    const BOOL bFound = FindActCtxSectionStringW(0, nullptr, ACTIVATION_CONTEXT_SECTION_WINDOW_CLASS_REDIRECTION,
-                                                 L"SysIPAddress32", &data);
+    ASSERT_TRUE(ActivateActCtx(hContext, &nCookie));
+    ACTCTX_SECTION_KEYED_DATA section{};
+    section.cbSize = sizeof(section);
+    EXPECT_TRUE(FindActCtxSectionStringW(0, nullptr, ACTIVATION_CONTEXT_SECTION_WINDOW_CLASS_REDIRECTION,
+                                         L"SysIPAddress32", &section))
+        << "version 6 of the common controls";
     DeactivateActCtx(0, nCookie);
-    EXPECT_TRUE(bFound);
-    EXPECT_NE(std::string::npos, Text().find("name=\"Microsoft.Windows.Common-Controls\" version=\"6.0.0.0\""));
-}
 
-TEST_F(Manifest, SaysThatWindows10IsSupportedAndNoOther)
-{
-    // COMPATIBILITY_CONTEXT_ELEMENT as Windows has it since build 18362; not all headers have followed.
-    struct CElement
-    {
-        GUID m_id;
-        DWORD m_nType;
-        ULONGLONG m_nMaxVersionTested;
-    };
+    SIZE_T cb = 0;
+    ACTIVATION_CONTEXT_RUN_LEVEL_INFORMATION level{};
+    EXPECT_TRUE(QueryActCtxW(0, hContext, nullptr, RunlevelInformationInActivationContext, &level, sizeof(level), &cb));
+    EXPECT_EQ(ACTCTX_RUN_LEVEL_AS_INVOKER, level.RunLevel);
+    EXPECT_EQ(0U, level.UiAccess);
 
-    const std::vector<BYTE> data = Query(CompatibilityInformationInActivationContext);
-    CReader reader(data);
-    std::vector<GUID> systems;
-    const auto nElements = reader.Take<DWORD>();
-    reader.Align(alignof(CElement));
-    for (DWORD i = 0; i < nElements; i++) {
-        const auto element = reader.Take<CElement>();
-        if (element.m_nType == ACTCTX_COMPATIBILITY_ELEMENT_TYPE_OS) {
-            systems.push_back(element.m_id);
-        }
-    }
+    std::string systems(1024, '\0');
+    EXPECT_TRUE(QueryActCtxW(0, hContext, nullptr, CompatibilityInformationInActivationContext, systems.data(),
+                             systems.size(), &cb));
     const GUID windows10 = {0x8e0f7a12, 0xbfb3, 0x4fe8, {0xb9, 0xa5, 0x48, 0xfd, 0x50, 0xa1, 0x5a, 0x9a}};
-    ASSERT_EQ(1U, systems.size());
-    EXPECT_TRUE(IsEqualGUID(windows10, systems[0]));
+    EXPECT_NE(std::string::npos, systems.find({reinterpret_cast<const char*>(&windows10), sizeof(windows10)}));
+    ReleaseActCtx(hContext);
 }
 
-TEST_F(Manifest, AsksForNoMoreRightsThanTheUserHas)
-{
-    const std::vector<BYTE> data = Query(RunlevelInformationInActivationContext);
-    CReader reader(data);
-    const auto info = reader.Take<ACTIVATION_CONTEXT_RUN_LEVEL_INFORMATION>();
-    EXPECT_EQ(ACTCTX_RUN_LEVEL_AS_INVOKER, info.RunLevel);
-    EXPECT_EQ(0U, info.UiAccess);
-}
+using Archive = CProgram;
 
-TEST_F(Manifest, KnowsOfTheDisplaysResolution)
-{
-    EXPECT_NE(std::string::npos, Text().find(">true</dpiAware>"));
-}
-
-TEST_F(Manifest, KeepsTheSystemsOwnAnsiCodePage)
-{
-    EXPECT_EQ(std::string::npos, Text().find("<activeCodePage"));
-}
-
-class Archive : public CProgram
-{
-protected:
-    void SetUp() override
-    {
-        CProgram::SetUp();
-        if (HasFatalFailure()) {
-            return;
-        }
-        m_data = Resource(RT_RCDATA, 223);
-        mz_zip_zero_struct(&m_zip);
-        ASSERT_TRUE(mz_zip_reader_init_mem(&m_zip, m_data.data(), m_data.size(), 0));
-    }
-
-    void TearDown() override
-    {
-        mz_zip_reader_end(&m_zip);
-        CProgram::TearDown();
-    }
-
-    std::vector<mz_zip_archive_file_stat> Members()
-    {
-        std::vector<mz_zip_archive_file_stat> members;
-        for (mz_uint i = 0; i < mz_zip_reader_get_num_files(&m_zip); i++) {
-            mz_zip_archive_file_stat member;
-            EXPECT_TRUE(mz_zip_reader_file_stat(&m_zip, i, &member));
-            members.push_back(member);
-        }
-        EXPECT_FALSE(members.empty());
-        return members;
-    }
-
-    Bytes m_data;
-    mz_zip_archive m_zip{};
-};
-
-TEST_F(Archive, IsTheOnlyRawData)
+TEST_F(Archive, HoldsTheThreeToolsInTheirFolderAllDeflatedPlainAndWhole)
 {
     EXPECT_EQ(std::set<int>{223}, Ids(RT_RCDATA));
-}
-
-TEST_F(Archive, HoldsTheThreeToolsInTheirFolderAllDeflated)
-{
+    const Bytes data = Resource(RT_RCDATA, 223);
+    mz_zip_archive zip{};
+    ASSERT_TRUE(mz_zip_reader_init_mem(&zip, data.data(), data.size(), 0));
     std::vector<std::string> names;
-    for (const mz_zip_archive_file_stat& member : Members()) {
+    mz_uint64 cb = 22; // the end of the directory
+    for (mz_uint i = 0; i < mz_zip_reader_get_num_files(&zip); i++) {
+        mz_zip_archive_file_stat member;
+        ASSERT_TRUE(mz_zip_reader_file_stat(&zip, i, &member));
         names.emplace_back(member.m_filename);
-        EXPECT_EQ(8, member.m_method) << member.m_filename;
-        EXPECT_FALSE(member.m_is_encrypted) << member.m_filename;
-        EXPECT_LT(member.m_comp_size, member.m_uncomp_size) << member.m_filename;
+        SCOPED_TRACE(names.back());
+        EXPECT_EQ(8, member.m_method);
+        EXPECT_FALSE(member.m_is_encrypted);
+        EXPECT_EQ(0, member.m_bit_flag);
+        EXPECT_LT(member.m_comp_size, member.m_uncomp_size);
+        cb += 30 + names.back().size() + member.m_comp_size + 46 + names.back().size();
+
+        // Extraction compares the checksum.
+        std::vector<BYTE> file(static_cast<size_t>(member.m_uncomp_size));
+        EXPECT_TRUE(mz_zip_reader_extract_to_mem(&zip, i, file.data(), file.size(), 0));
+        EXPECT_EQ(IMAGE_DOS_SIGNATURE, CReader(file).Take<WORD>());
     }
     EXPECT_EQ((std::vector<std::string>{"platform-tools/adb.exe", "platform-tools/AdbWinApi.dll",
                                         "platform-tools/AdbWinUsbApi.dll"}),
               names);
-}
-
-TEST_F(Archive, IsPlain)
-{
-    mz_uint64 cb = 22; // the end of the directory
-    for (const mz_zip_archive_file_stat& member : Members()) {
-        const size_t nNameLength = strlen(member.m_filename);
-        cb += 30 + nNameLength + member.m_comp_size + 46 + nNameLength;
-        EXPECT_EQ(0, member.m_bit_flag) << member.m_filename;
-    }
-    EXPECT_EQ(cb, m_data.size()) << "extra fields, comments or something between the members";
-}
-
-TEST_F(Archive, UnpacksToProgramFilesWithTheRightChecksums)
-{
-    for (const mz_zip_archive_file_stat& member : Members()) {
-        SCOPED_TRACE(member.m_filename);
-        std::vector<BYTE> file(static_cast<size_t>(member.m_uncomp_size));
-        ASSERT_TRUE(mz_zip_reader_extract_to_mem(&m_zip, member.m_file_index, file.data(), file.size(), 0));
-        CReader reader(file);
-        EXPECT_EQ(IMAGE_DOS_SIGNATURE, reader.Take<WORD>());
-    }
+    EXPECT_EQ(cb, data.size()) << "extra fields, comments or something between the members";
+    mz_zip_reader_end(&zip);
 }
 
 // The program as it lies on disk.
 class ProgramFile : public testing::Test
 {
 protected:
-    void SetUp() override
+    ProgramFile()
     {
         std::ifstream file(std::filesystem::path(ProgramPath()), std::ios::binary);
-        const std::istreambuf_iterator<char> begin(file);
-        m_data.assign(begin, std::istreambuf_iterator<char>());
-        const auto dos = At<IMAGE_DOS_HEADER>(0);
-        ASSERT_EQ(IMAGE_DOS_SIGNATURE, dos.e_magic);
-        m_headers = At<IMAGE_NT_HEADERS64>(static_cast<size_t>(dos.e_lfanew));
-        ASSERT_EQ(static_cast<DWORD>(IMAGE_NT_SIGNATURE), m_headers.Signature);
-        const size_t iSections = static_cast<size_t>(dos.e_lfanew) + offsetof(IMAGE_NT_HEADERS64, OptionalHeader) +
-                                 m_headers.FileHeader.SizeOfOptionalHeader;
-        for (size_t i = 0; i < m_headers.FileHeader.NumberOfSections; i++) {
-            m_sections.push_back(At<IMAGE_SECTION_HEADER>(iSections + (i * sizeof(IMAGE_SECTION_HEADER))));
+        m_data.assign(std::istreambuf_iterator<char>(file), {});
+        m_pHeaders = m_data.empty() ? nullptr : ImageNtHeader(m_data.data());
+        if (m_pHeaders == nullptr) {
+            throw std::runtime_error("not a program of Windows");
         }
-    }
-
-    template<typename Value>
-    Value At(size_t iOffset) const
-    {
-        return CReader(Bytes(m_data).subspan(std::min(iOffset, m_data.size()))).Take<Value>();
-    }
-
-    // Where in the file an address of the mapped program lies.
-    size_t Offset(DWORD nAddress) const
-    {
-        for (const IMAGE_SECTION_HEADER& section : m_sections) {
-            if (nAddress >= section.VirtualAddress && nAddress - section.VirtualAddress < section.SizeOfRawData) {
-                return nAddress - section.VirtualAddress + section.PointerToRawData;
-            }
-        }
-        throw std::out_of_range("an address outside the sections");
-    }
-
-    std::string Text(DWORD nAddress) const
-    {
-        std::string text;
-        size_t i = Offset(nAddress);
-        while (const auto ch = At<char>(i++)) {
-            text += static_cast<char>(std::tolower(static_cast<unsigned char>(ch)));
-        }
-        return text;
     }
 
     // The libraries, in lower case, that must be there for the program to start.
-    std::set<std::string> ImportedLibraries() const
+    std::set<std::string> ImportedLibraries()
     {
         std::set<std::string> libraries;
-        const DWORD nAddress = m_headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
-        for (size_t i = Offset(nAddress);; i += sizeof(IMAGE_IMPORT_DESCRIPTOR)) {
-            const auto import = At<IMAGE_IMPORT_DESCRIPTOR>(i);
-            if (import.Name == 0) {
-                return libraries;
-            }
-            libraries.insert(Text(import.Name));
+        ULONG cb = 0;
+        const auto* pImport = static_cast<const IMAGE_IMPORT_DESCRIPTOR*>(
+            ImageDirectoryEntryToData(m_data.data(), FALSE, IMAGE_DIRECTORY_ENTRY_IMPORT, &cb));
+        for (; pImport->Name != 0; pImport++) {
+            std::string name =
+                static_cast<const char*>(ImageRvaToVa(m_pHeaders, m_data.data(), pImport->Name, nullptr));
+            CharLowerA(name.data());
+            libraries.insert(name);
         }
+        return libraries;
     }
 
-    std::vector<BYTE> m_data;
-    IMAGE_NT_HEADERS64 m_headers{};
-    std::vector<IMAGE_SECTION_HEADER> m_sections;
+    std::vector<char> m_data;
+    IMAGE_NT_HEADERS64* m_pHeaders = nullptr;
 };
 
-TEST_F(ProgramFile, IsFor64BitWindowsWithoutAConsole)
+TEST_F(ProgramFile, IsFor64BitWindowsWithoutAConsoleAndExecutesNoDataWhereverItLies)
 {
-    EXPECT_EQ(IMAGE_FILE_MACHINE_AMD64, m_headers.FileHeader.Machine);
-    EXPECT_EQ(IMAGE_NT_OPTIONAL_HDR64_MAGIC, m_headers.OptionalHeader.Magic);
-    EXPECT_EQ(IMAGE_SUBSYSTEM_WINDOWS_GUI, m_headers.OptionalHeader.Subsystem);
-}
-
-TEST_F(ProgramFile, LetsWindowsPlaceItAnywhereAndExecutesNoData)
-{
+    EXPECT_EQ(IMAGE_FILE_MACHINE_AMD64, m_pHeaders->FileHeader.Machine);
+    EXPECT_EQ(IMAGE_NT_OPTIONAL_HDR64_MAGIC, m_pHeaders->OptionalHeader.Magic);
+    EXPECT_EQ(IMAGE_SUBSYSTEM_WINDOWS_GUI, m_pHeaders->OptionalHeader.Subsystem);
     constexpr WORD kWanted = IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE | IMAGE_DLLCHARACTERISTICS_HIGH_ENTROPY_VA |
                              IMAGE_DLLCHARACTERISTICS_NX_COMPAT;
-    EXPECT_EQ(kWanted, m_headers.OptionalHeader.DllCharacteristics & kWanted);
+    EXPECT_EQ(kWanted, m_pHeaders->OptionalHeader.DllCharacteristics & kWanted);
 }
 
 TEST_F(ProgramFile, NeedsOnlyLibrariesThatWindows10Has)
@@ -1040,7 +719,7 @@ TEST_F(ProgramFile, NeedsOnlyLibrariesThatWindows10Has)
     for (const std::string& library : libraries) {
         EXPECT_TRUE(known.contains(library) || library.starts_with("api-ms-win-crt-")) << library;
     }
-    const auto& delayed = m_headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_DELAY_IMPORT];
+    const auto& delayed = m_pHeaders->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_DELAY_IMPORT];
     EXPECT_EQ(0U, delayed.VirtualAddress) << "nothing is looked for later either";
 }
 

@@ -1,5 +1,7 @@
 #include "tests/unit/wizard/AnsweringWatch.h"
 
+#include <cstring>
+
 using namespace kit;
 
 namespace {
@@ -13,42 +15,7 @@ std::string Dotted(ULONG nAddress)
     return Narrow(szAddress);
 }
 
-} // namespace
-
-AnsweringWatch::AnsweringWatch()
-    : m_icmpCreateFile(Returns(reinterpret_cast<HANDLE>(0x1C39))),
-      m_icmpSendEcho2([this](HANDLE, HANDLE, auto, void*, IPAddr destination, void*, WORD, IP_OPTION_INFORMATION*,
-                             void* pReply, DWORD, DWORD) { return OnSendEcho(destination, pReply); }),
-      m_icmpCloseHandle(Returns(TRUE)), m_socket(Returns(SOCKET(0x50C))), m_ioctlsocket(Returns(0)),
-      m_connect([this](SOCKET, const SOCKADDR* pAddress, int) { return OnConnect(pAddress); }),
-      m_wsaPoll([this](WSAPOLLFD* pPoll, ULONG, INT) { return OnPoll(pPoll); }), m_shutdown(Returns(0)),
-      m_closesocket(Returns(0))
-{
-    m_icmpCreateFile.Optional().Unnoted();
-    m_icmpSendEcho2.Optional().Unnoted();
-    m_icmpCloseHandle.Optional().Unnoted();
-    m_socket.Optional().Unnoted();
-    m_ioctlsocket.Optional().Unnoted();
-    m_connect.Optional().Unnoted();
-    m_wsaPoll.Optional().Unnoted();
-    m_shutdown.Optional().Unnoted();
-    m_closesocket.Optional().Unnoted();
-}
-
-DWORD AnsweringWatch::OnSendEcho(IPAddr destination, void* pReply) const
-{
-    Note("ping " + Dotted(destination));
-    if (m_bSilent) {
-        unreplaced::SetLastError(IP_REQ_TIMED_OUT);
-        return 0;
-    }
-    auto& reply = *static_cast<ICMP_ECHO_REPLY*>(pReply);
-    reply = {};
-    reply.Address = destination;
-    return 1;
-}
-
-int AnsweringWatch::OnConnect(const SOCKADDR* pAddress) const
+int OnConnect(const SOCKADDR* pAddress)
 {
     const auto& address = *reinterpret_cast<const SOCKADDR_IN*>(pAddress);
     Note("connect " + Dotted(address.sin_addr.s_addr) + ':' + std::to_string(ntohs(address.sin_port)));
@@ -56,18 +23,55 @@ int AnsweringWatch::OnConnect(const SOCKADDR* pAddress) const
     return SOCKET_ERROR;
 }
 
-int AnsweringWatch::OnPoll(WSAPOLLFD* pPoll) const
+template<typename Outcome>
+Outcome Take(std::vector<Outcome>& outcomes)
 {
-    pPoll->revents = m_bPortClosed ? POLLERR | POLLHUP : POLLWRNORM;
-    return 1;
+    const Outcome outcome = outcomes.front();
+    if (outcomes.size() > 1) {
+        outcomes.erase(outcomes.begin());
+    }
+    return outcome;
 }
 
-Lines SixPings(const std::string& strAddress)
+} // namespace
+
+// That the handle cannot be closed is nobody's concern.
+AnsweringWatch::AnsweringWatch()
+    : m_icmpCreateFile(Returns(kIcmp)),
+      m_icmpSendEcho2([this](HANDLE, HANDLE, auto, void*, IPAddr destination, void* pRequest, WORD cbRequest,
+                             IP_OPTION_INFORMATION*, void* pReply, DWORD, DWORD) {
+          return OnSendEcho(destination, {static_cast<const char*>(pRequest), cbRequest}, pReply);
+      }),
+      m_icmpCloseHandle(Returns(FALSE, ERROR_INVALID_HANDLE)), m_socket(Returns(kSocket)), m_ioctlsocket(Returns(0)),
+      m_connect([](SOCKET, const SOCKADDR* pAddress, int) { return OnConnect(pAddress); }),
+      m_wsaPoll([this](WSAPOLLFD* pPoll, ULONG, INT) { return OnPoll(pPoll); }), m_shutdown(Returns(0)),
+      m_closesocket(Returns(0))
 {
-    Lines lines;
-    for (const char ch : {'1', '2', '3', '4', '5', '6'}) {
-        lines.push_back("status \"Pinging " + strAddress + " (" + ch + " of 6)\"");
-        lines.push_back("ping " + strAddress);
-    }
-    return lines;
+    const auto unnoted = [](auto&... replaced) { (replaced.Optional().Unnoted(), ...); };
+    unnoted(m_icmpCreateFile, m_icmpSendEcho2, m_icmpCloseHandle, m_socket, m_ioctlsocket, m_connect, m_wsaPoll,
+            m_shutdown, m_closesocket);
+}
+
+DWORD AnsweringWatch::OnSendEcho(IPAddr destination, const std::string& strPayload, void* pReply)
+{
+    Note("ping " + Dotted(destination));
+    EXPECT_EQ(strPayload, std::string("Some arbitrary data to send\0", 28));
+    const Echo echo = Take(m_echoes);
+    std::memset(pReply, 0x33, 92);
+    auto& reply = *static_cast<ICMP_ECHO_REPLY*>(pReply);
+    reply.Address = echo.pszFrom == nullptr ? destination : MakeAddress(echo.pszFrom, 0).sin_addr.s_addr;
+    reply.Status = echo.nStatus;
+    unreplaced::SetLastError(echo.dwError);
+    return echo.nReplies;
+}
+
+int AnsweringWatch::OnPoll(WSAPOLLFD* pPoll)
+{
+    EXPECT_EQ(pPoll->fd, kSocket);
+    EXPECT_EQ(pPoll->events, 0x0010);
+    EXPECT_EQ(pPoll->revents, 0);
+    const Poll poll = Take(m_polls);
+    pPoll->revents = poll.nEvents;
+    unreplaced::SetLastError(WSAENETDOWN);
+    return poll.nReady;
 }

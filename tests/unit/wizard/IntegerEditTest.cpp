@@ -21,6 +21,7 @@ public:
     {
         s_pfnEditProc =
             reinterpret_cast<WNDPROC>(SetWindowLongPtrW(m_hwnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&EditProc)));
+        Journal().clear();
     }
 
     ~Edit()
@@ -30,6 +31,11 @@ public:
 
     Edit(const Edit&) = delete;
     Edit& operator=(const Edit&) = delete;
+
+    void Attach(UINT nLimit) const
+    {
+        CIntegerEdit::Attach(m_hwnd, nLimit, L"Caller()", L"Failure");
+    }
 
     HWND Window() const
     {
@@ -58,27 +64,19 @@ public:
 private:
     static LRESULT CALLBACK EditProc(HWND hwnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
     {
-        switch (nMessage) {
-        case WM_CHAR:
+        const auto text = [lParam] { return Narrow(reinterpret_cast<PCWSTR>(lParam)); };
+        if (nMessage == WM_CHAR) {
             Note("WM_CHAR " + std::to_string(wParam));
-            break;
-        case WM_PASTE:
+        } else if (nMessage == WM_PASTE) {
             Note("WM_PASTE");
-            break;
-        case EM_REPLACESEL:
-            Note("EM_REPLACESEL " + std::to_string(wParam) + ' ' + Narrow(reinterpret_cast<PCWSTR>(lParam)));
-            break;
-        case EM_LIMITTEXT:
+        } else if (nMessage == EM_REPLACESEL) {
+            Note("EM_REPLACESEL " + std::to_string(wParam) + ' ' + text());
+        } else if (nMessage == EM_LIMITTEXT) {
             Note("EM_LIMITTEXT " + std::to_string(wParam));
-            break;
-        case WM_SETTEXT:
-            Note("WM_SETTEXT " + Narrow(reinterpret_cast<PCWSTR>(lParam)));
-            break;
-        case WM_NCDESTROY:
+        } else if (nMessage == WM_SETTEXT) {
+            Note("WM_SETTEXT " + text());
+        } else if (nMessage == WM_NCDESTROY) {
             Note("WM_NCDESTROY");
-            break;
-        default:
-            break;
         }
         return CallWindowProcW(s_pfnEditProc, hwnd, nMessage, wParam, lParam);
     }
@@ -87,53 +85,48 @@ private:
     HWND m_hwnd;
 };
 
-class IntegerEdit : public Test
+// One that takes so many digits and nothing else.
+class DigitsEdit : public Edit
 {
-protected:
-    static void Attach(const Edit& edit, UINT nLimit = 5)
+public:
+    explicit DigitsEdit(UINT nLimit, DWORD dwStyle = 0) : Edit(dwStyle)
     {
-        CIntegerEdit::Attach(edit.Window(), nLimit, L"Caller()", L"Failure");
+        Attach(nLimit);
         Journal().clear();
     }
+};
 
-    // Only the texts of the tests are on the clipboard.
-    static void Copy(const std::wstring& strText)
-    {
-        const size_t cb = (strText.size() + 1) * sizeof(WCHAR);
-        const HGLOBAL hText = GlobalAlloc(GMEM_MOVEABLE, cb);
-        std::memcpy(GlobalLock(hText), strText.c_str(), cb);
-        GlobalUnlock(hText);
-        SetClipboard(CF_UNICODETEXT, hText);
-    }
+// Only this is on the clipboard.
+void SetClipboard(UINT nFormat, HANDLE hData)
+{
+    ASSERT_TRUE(OpenClipboard(nullptr));
+    ASSERT_TRUE(EmptyClipboard());
+    ASSERT_NE(SetClipboardData(nFormat, hData), nullptr);
+    ASSERT_TRUE(CloseClipboard());
+}
 
-    static void CopyBitmap()
-    {
-        SetClipboard(CF_BITMAP, CreateBitmap(4, 4, 1, 1, nullptr));
-    }
+void Copy(const std::wstring& strText)
+{
+    const size_t cb = (strText.size() + 1) * sizeof(WCHAR);
+    const HGLOBAL hText = GlobalAlloc(GMEM_MOVEABLE, cb);
+    std::memcpy(GlobalLock(hText), strText.c_str(), cb);
+    GlobalUnlock(hText);
+    SetClipboard(CF_UNICODETEXT, hText);
+}
 
-private:
-    static void SetClipboard(UINT nFormat, HANDLE hData)
-    {
-        ASSERT_TRUE(OpenClipboard(nullptr));
-        ASSERT_TRUE(EmptyClipboard());
-        ASSERT_NE(SetClipboardData(nFormat, hData), nullptr);
-        ASSERT_TRUE(CloseClipboard());
-    }
+class IntegerEdit : public Test
+{
 };
 
 TEST_F(IntegerEdit, IsSubclassedUnderItsOwnHandleThenLimitedThenEmptied)
 {
     const Edit edit;
-    Journal().clear();
-    {
-        const REPLACED(SetWindowSubclass) subclass;
-        CIntegerEdit::Attach(edit.Window(), 6, L"Caller()", L"Failure");
-        ASSERT_EQ(subclass.Calls(), 1u);
-        EXPECT_EQ(subclass.Arg<0>(), edit.Window());
-        EXPECT_EQ(subclass.Arg<1>(), &CIntegerEdit::SubclassProc);
-        EXPECT_EQ(subclass.Arg<2>(), reinterpret_cast<UINT_PTR>(edit.Window()));
-        EXPECT_EQ(subclass.Arg<3>(), 0u);
-    }
+    const REPLACED(SetWindowSubclass) subclass;
+    edit.Attach(6);
+    EXPECT_EQ(subclass.Arg<0>(), edit.Window());
+    EXPECT_EQ(subclass.Arg<1>(), &CIntegerEdit::SubclassProc);
+    EXPECT_EQ(subclass.Arg<2>(), reinterpret_cast<UINT_PTR>(edit.Window()));
+    EXPECT_EQ(subclass.Arg<3>(), 0u);
     EXPECT_EQ(Journal(), (Lines{"SetWindowSubclass", "EM_LIMITTEXT 6", "WM_SETTEXT "}));
     EXPECT_EQ(edit.Text(), L"");
 }
@@ -141,36 +134,26 @@ TEST_F(IntegerEdit, IsSubclassedUnderItsOwnHandleThenLimitedThenEmptied)
 TEST_F(IntegerEdit, ThatCannotBeSubclassedEndsTheProcess)
 {
     const REPLACED(SetWindowSubclass) subclass(Returns(FALSE));
-    EXPECT_EQ(ExitCodeOf([] {
-                  const Edit edit;
-                  Journal().clear();
-                  CIntegerEdit::Attach(edit.Window(), 5, L"Caller()", L"Failure");
-              }),
-              1u);
+    EXPECT_EQ(ExitCodeOf([] { DigitsEdit(5); }), 1u);
     ExpectBox(L"Caller()\nFailure", L"Error");
     EXPECT_EQ(Journal(), (Lines{"SetWindowSubclass", "box \"Caller()\nFailure\"", "exit 1"}));
 }
 
-TEST_F(IntegerEdit, TakesDigits)
+TEST_F(IntegerEdit, TakesDigitsUpToItsLimitAndBackspace)
 {
-    const Edit edit;
-    Attach(edit, 10);
-    edit.Type(L"0123456789");
-    EXPECT_EQ(edit.Text(), L"0123456789");
-}
-
-TEST_F(IntegerEdit, StopsAtItsLimit)
-{
-    const Edit edit;
-    Attach(edit, 5);
-    edit.Type(L"432109");
-    EXPECT_EQ(edit.Text(), L"43210");
+    const DigitsEdit ten(10);
+    ten.Type(L"0123456789");
+    EXPECT_EQ(ten.Text(), L"0123456789");
+    const DigitsEdit five(5);
+    five.Type(L"432109");
+    EXPECT_EQ(five.Text(), L"43210");
+    five.Type(L"\b\b\b2a\b");
+    EXPECT_EQ(five.Text(), L"43");
 }
 
 TEST_F(IntegerEdit, DropsEverythingElseThatIsTyped)
 {
-    const Edit edit;
-    Attach(edit, 30);
+    const DigitsEdit edit(30);
     for (const WCHAR ch : std::wstring(L" !\"#$%&'()*+,-./:;<=>?@AZ[\\]^_`az{|}~\x7F\xBD\xE4\x20AC")) {
         EXPECT_EQ(edit.Send(WM_CHAR, ch, 1), 0);
     }
@@ -180,107 +163,68 @@ TEST_F(IntegerEdit, DropsEverythingElseThatIsTyped)
 
 TEST_F(IntegerEdit, LetsControlCharactersThrough)
 {
-    const Edit edit;
-    Attach(edit);
-    edit.Type(std::wstring(L"\x08\x1F\x20\x01\x03", 5));
-    EXPECT_EQ(Journal(), (Lines{"WM_CHAR 8", "WM_CHAR 31", "WM_CHAR 1", "WM_CHAR 3"}));
+    DigitsEdit(5).Type(std::wstring(L"\x08\x1F\x20\x01\x03", 5));
+    EXPECT_EQ(Journal(), (Lines{"WM_CHAR 8", "WM_CHAR 31", "WM_CHAR 1", "WM_CHAR 3", "WM_NCDESTROY"}));
 }
 
-TEST_F(IntegerEdit, TakesBackspace)
+TEST_F(IntegerEdit, PastesToItsLimitAndInsertsAgainWhatStillFits)
 {
-    const Edit edit;
-    Attach(edit);
-    edit.Type(L"43\b2a\b");
-    EXPECT_EQ(edit.Text(), L"4");
+    for (const DWORD dwStyle : std::vector<DWORD>{0, ES_NUMBER}) {
+        SCOPED_TRACE(dwStyle);
+        Copy(L"43210");
+        const DigitsEdit full(5, dwStyle);
+        full.Send(WM_PASTE);
+        EXPECT_EQ(full.Text(), L"43210");
+
+        Copy(L"12");
+        const DigitsEdit edit(6, dwStyle);
+        edit.Send(WM_PASTE);
+        EXPECT_EQ(edit.Text(), L"1212");
+        edit.Send(WM_PASTE);
+        EXPECT_EQ(edit.Text(), L"121212");
+    }
 }
-
-TEST_F(IntegerEdit, IsAnOrdinaryEditOtherwise)
-{
-    const Edit edit;
-    Attach(edit);
-    edit.Type(L"4321");
-    EXPECT_EQ(edit.Send(WM_GETTEXTLENGTH), 4);
-    EXPECT_EQ(edit.Send(EM_GETLIMITTEXT), 5);
-    edit.Send(EM_SETSEL, 1, 3);
-    EXPECT_EQ(edit.Send(EM_GETSEL), MAKELONG(1, 3));
-}
-
-class IntegerEditPaste : public IntegerEdit, public testing::WithParamInterface<DWORD>
-{
-};
-
-TEST_P(IntegerEditPaste, FillsAFieldToItsLimit)
-{
-    Copy(L"43210");
-    const Edit edit(GetParam());
-    Attach(edit, 5);
-    edit.Send(WM_PASTE);
-    EXPECT_EQ(edit.Text(), L"43210");
-}
-
-TEST_P(IntegerEditPaste, InsertsAgainWhatStillFits)
-{
-    Copy(L"12");
-    const Edit edit(GetParam());
-    Attach(edit, 6);
-    edit.Send(WM_PASTE);
-    EXPECT_EQ(edit.Text(), L"1212");
-    edit.Send(WM_PASTE);
-    EXPECT_EQ(edit.Text(), L"121212");
-}
-
-INSTANTIATE_TEST_SUITE_P(PlainAndNumbersOnly, IntegerEditPaste, testing::Values(0, ES_NUMBER));
 
 TEST_F(IntegerEdit, PastesTheDigitsOfAMixedTextAndThenTheTextItself)
 {
     Copy(L" 1a\t2\r\n3\b");
-    const Edit edit;
-    Attach(edit, 5);
+    const DigitsEdit edit(5);
     edit.Send(WM_PASTE);
     EXPECT_EQ(Journal(), (Lines{"EM_REPLACESEL 0 123", "WM_PASTE"}));
     EXPECT_EQ(edit.Text(), L"123 1");
+
+    Copy(L"abc");
+    Journal().clear();
+    edit.Send(WM_PASTE);
+    EXPECT_EQ(Journal(), (Lines{"EM_REPLACESEL 0 ", "WM_PASTE"}));
 }
 
 TEST_F(IntegerEdit, PastesOverTheSelection)
 {
     Copy(L"77");
-    const Edit edit;
-    Attach(edit, 4);
+    const DigitsEdit edit(4);
     edit.Type(L"1234");
     edit.Send(EM_SETSEL, 0, -1);
     edit.Send(WM_PASTE);
     EXPECT_EQ(edit.Text(), L"7777");
 }
 
-TEST_F(IntegerEdit, PastesNothingOfATextWithoutDigitsButTheTextItself)
-{
-    Copy(L"abc");
-    const Edit edit;
-    Attach(edit, 6);
-    edit.Send(WM_PASTE);
-    EXPECT_EQ(Journal(), (Lines{"EM_REPLACESEL 0 ", "WM_PASTE"}));
-}
-
 TEST_F(IntegerEdit, PastesNothingOfABitmap)
 {
-    CopyBitmap();
-    const Edit edit;
-    Attach(edit);
+    SetClipboard(CF_BITMAP, CreateBitmap(4, 4, 1, 1, nullptr));
+    const DigitsEdit edit(5);
     edit.Type(L"4");
-    Journal().clear();
     REPLACED(OpenClipboard) open;
     open.Optional();
     EXPECT_EQ(edit.Send(WM_PASTE), 0);
     EXPECT_EQ(edit.Text(), L"4");
-    EXPECT_EQ(Journal(), Lines{});
-    EXPECT_EQ(open.Calls(), 0u);
+    EXPECT_EQ(Journal(), Lines{"WM_CHAR 52"});
 }
 
 TEST_F(IntegerEdit, AsksForTextBeforeItOpensTheClipboard)
 {
     Copy(L"12");
-    const Edit edit;
-    Attach(edit, 6);
+    const DigitsEdit edit(6);
     const REPLACED(IsClipboardFormatAvailable) available;
     const REPLACED(OpenClipboard) open;
     const REPLACED(GetClipboardData) data;
@@ -300,8 +244,7 @@ TEST_F(IntegerEdit, AsksForTextBeforeItOpensTheClipboard)
 TEST_F(IntegerEdit, PastesNothingWhenTheClipboardCannotBeOpened)
 {
     Copy(L"12");
-    const Edit edit;
-    Attach(edit);
+    const DigitsEdit edit(5);
     const REPLACED(OpenClipboard) open(Returns(FALSE));
     REPLACED(CloseClipboard) close;
     close.Optional();
@@ -310,31 +253,25 @@ TEST_F(IntegerEdit, PastesNothingWhenTheClipboardCannotBeOpened)
     EXPECT_EQ(Journal(), Lines{"OpenClipboard"});
 }
 
-TEST_F(IntegerEdit, LeavesThePasteToTheControlWhenThereIsNoData)
+TEST_F(IntegerEdit, LeavesThePasteToTheControlWhenTheDataCannotBeHad)
 {
     Copy(L"12");
-    const Edit edit;
-    Attach(edit);
+    const REPLACED(CloseClipboard) close;
+    {
+        const DigitsEdit edit(5);
+        const REPLACED(GlobalLock) lock(Returns(PVOID(nullptr)));
+        REPLACED(GlobalUnlock) unlock;
+        unlock.Optional();
+        edit.Send(WM_PASTE);
+        EXPECT_EQ(Journal(), (Lines{"GlobalLock", "CloseClipboard", "WM_PASTE"}));
+        EXPECT_EQ(edit.Text(), L"12");
+    }
+    const DigitsEdit edit(5);
     const REPLACED(GetClipboardData) data(Returns(HANDLE(nullptr)));
     REPLACED(GlobalLock) lock;
     lock.Optional();
-    const REPLACED(CloseClipboard) close;
     edit.Send(WM_PASTE);
     EXPECT_EQ(Journal(), (Lines{"GetClipboardData", "CloseClipboard", "WM_PASTE"}));
-    EXPECT_EQ(edit.Text(), L"12");
-}
-
-TEST_F(IntegerEdit, LeavesThePasteToTheControlWhenTheDataCannotBeLocked)
-{
-    Copy(L"12");
-    const Edit edit;
-    Attach(edit);
-    const REPLACED(GlobalLock) lock(Returns(PVOID(nullptr)));
-    REPLACED(GlobalUnlock) unlock;
-    unlock.Optional();
-    const REPLACED(CloseClipboard) close;
-    edit.Send(WM_PASTE);
-    EXPECT_EQ(Journal(), (Lines{"GlobalLock", "CloseClipboard", "WM_PASTE"}));
     EXPECT_EQ(edit.Text(), L"12");
 }
 
@@ -343,11 +280,9 @@ TEST_F(IntegerEdit, IsNoneAnyMoreBeforeItsControlIsDestroyed)
     const REPLACED(RemoveWindowSubclass) remove;
     HWND hwnd = nullptr;
     {
-        const Edit edit;
+        const DigitsEdit edit(5);
         hwnd = edit.Window();
-        Attach(edit);
     }
-    ASSERT_EQ(remove.Calls(), 1u);
     EXPECT_EQ(remove.Arg<0>(), hwnd);
     EXPECT_EQ(remove.Arg<1>(), &CIntegerEdit::SubclassProc);
     EXPECT_EQ(remove.Arg<2>(), reinterpret_cast<UINT_PTR>(hwnd));

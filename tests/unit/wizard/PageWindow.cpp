@@ -25,8 +25,8 @@ std::ostream& operator<<(std::ostream& out, const Buttons& buttons)
     return out << "0x" << std::hex << buttons.nShown << " of 0x" << buttons.nAffected << std::dec;
 }
 
-PageWindow::PageWindow(int nDialogId, DLGPROC pfnDialogProc, CWizardData& data, std::vector<int> missing)
-    : m_pfnDialogProc(pfnDialogProc), m_missing(std::move(missing))
+PageWindow::PageWindow(const Page& page, CWizardData& data, std::vector<int> missing)
+    : m_pfnDialogProc(page.pfnDialogProc), m_missing(std::move(missing))
 {
     INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_INTERNET_CLASSES | ICC_STANDARD_CLASSES};
     InitCommonControlsEx(&controls);
@@ -42,7 +42,7 @@ PageWindow::PageWindow(int nDialogId, DLGPROC pfnDialogProc, CWizardData& data, 
     m_record.lParam = reinterpret_cast<LPARAM>(&data);
     m_hwndFrame = CreateWindowExW(0, kFrameClass, L"", WS_OVERLAPPEDWINDOW, 0, 0, 800, 600, nullptr, nullptr,
                                   frameClass.hInstance, nullptr);
-    m_hwndPage = CreateDialogParamW(frameClass.hInstance, MAKEINTRESOURCEW(nDialogId), m_hwndFrame, DialogProc,
+    m_hwndPage = CreateDialogParamW(frameClass.hInstance, MAKEINTRESOURCEW(page.nDialogId), m_hwndFrame, DialogProc,
                                     reinterpret_cast<LPARAM>(&m_record));
     if (m_hwndPage == nullptr) {
         throw std::runtime_error("no page");
@@ -76,14 +76,14 @@ LRESULT CALLBACK PageWindow::ControlProc(HWND hwnd, UINT nMessage, WPARAM wParam
             Note("status \"" + Narrow(message.strText) + '"');
         }
     }
-    page.m_controlMessages.push_back(message);
+    page.m_messages.push_back(message);
     return CallWindowProcW(page.m_controlProcs[hwnd], hwnd, nMessage, wParam, lParam);
 }
 
 INT_PTR CALLBACK PageWindow::DialogProc(HWND hwnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
 {
     PageWindow& page = *s_pCurrent;
-    page.m_pageMessages.push_back({hwnd, nMessage, wParam, lParam, 0, {}});
+    page.m_messages.push_back({0, nMessage, wParam, lParam, {}});
     if (nMessage == WM_INITDIALOG) {
         page.PrepareControls(hwnd);
     }
@@ -129,11 +129,6 @@ LRESULT PageWindow::Answered(INT_PTR nResult) const
     return GetWindowLongPtrW(m_hwndPage, DWLP_MSGRESULT);
 }
 
-INT_PTR PageWindow::Send(UINT nMessage, WPARAM wParam, LPARAM lParam)
-{
-    return m_pfnDialogProc(m_hwndPage, nMessage, wParam, lParam);
-}
-
 void PageWindow::Pump()
 {
     m_bPumping = true;
@@ -153,11 +148,7 @@ ButtonsList PageWindow::TakeButtons()
 Buttons PageWindow::LastButtons()
 {
     const ButtonsList all = TakeButtons();
-    if (all.empty()) {
-        ADD_FAILURE() << "the page told the frame nothing";
-        return {};
-    }
-    return all.back();
+    return all.empty() ? Buttons{} : all.back();
 }
 
 std::wstring PageWindow::Text(int nControlId) const
@@ -187,7 +178,7 @@ void PageWindow::Click(int nControlId) const
 std::vector<ControlMessage> PageWindow::MessagesTo(int nControlId, const std::set<UINT>& kinds) const
 {
     std::vector<ControlMessage> found;
-    std::ranges::copy_if(m_controlMessages, std::back_inserter(found), [&](const ControlMessage& message) {
+    std::ranges::copy_if(m_messages, std::back_inserter(found), [&](const ControlMessage& message) {
         return message.nControlId == nControlId && kinds.contains(message.nMessage);
     });
     return found;
@@ -196,16 +187,8 @@ std::vector<ControlMessage> PageWindow::MessagesTo(int nControlId, const std::se
 std::vector<std::wstring> PageWindow::TextsOf(int nControlId) const
 {
     std::vector<std::wstring> texts;
-    for (const ControlMessage& message : MessagesTo(nControlId, WM_SETTEXT)) {
+    for (const ControlMessage& message : MessagesTo(nControlId, {WM_SETTEXT})) {
         texts.push_back(message.strText);
     }
     return texts;
-}
-
-std::vector<MSG> PageWindow::MessagesToPage(UINT nMessage) const
-{
-    std::vector<MSG> found;
-    std::ranges::copy_if(m_pageMessages, std::back_inserter(found),
-                         [=](const MSG& message) { return message.message == nMessage; });
-    return found;
 }

@@ -1,31 +1,17 @@
 // A page of the wizard as a real dialog, in a plain window that stands for the frame.
 #pragma once
 
-#include "wizard/WizardPage.h"
-
 #include "tests/kit/Test.h"
+#include "tests/unit/wizard/Pages.h"
 
 #include <map>
 #include <set>
 #include <string>
 #include <vector>
 
-// What a page told the frame: which of which buttons to show.
-struct Buttons
-{
-    WPARAM nShown;
-    LPARAM nAffected;
-    bool operator==(const Buttons&) const = default;
-};
 std::ostream& operator<<(std::ostream& out, const Buttons& buttons);
 
-// The usual ones, as literal bits: Back 1, Next 2, Finish 4, Cancel 16.
-constexpr Buttons kWithNext = {0x13, 0x13};
-constexpr Buttons kWithoutNext = {0x11, 0x13};
-
-using ButtonsList = std::vector<Buttons>;
-
-// A message that a control of the page got.
+// A message that a control of the page got, or, as that of control 0, the page itself.
 struct ControlMessage
 {
     int nControlId;
@@ -42,7 +28,7 @@ class PageWindow
 {
 public:
     // Leaves out the controls with these ids.
-    PageWindow(int nDialogId, DLGPROC pfnDialogProc, CWizardData& data, std::vector<int> missing = {});
+    PageWindow(const Page& page, CWizardData& data, std::vector<int> missing = {});
     ~PageWindow();
     PageWindow(const PageWindow&) = delete;
     PageWindow& operator=(const PageWindow&) = delete;
@@ -50,10 +36,6 @@ public:
     HWND Window() const
     {
         return m_hwndPage;
-    }
-    HWND Frame() const
-    {
-        return m_hwndFrame;
     }
     HWND Control(int nControlId) const
     {
@@ -71,7 +53,10 @@ public:
     LRESULT Command(int nControlId, int nNotification);
 
     // What the page returns for any other message.
-    INT_PTR Send(UINT nMessage, WPARAM wParam = 0, LPARAM lParam = 0);
+    INT_PTR Send(UINT nMessage)
+    {
+        return m_pfnDialogProc(m_hwndPage, nMessage, 0, 0);
+    }
 
     // Dispatches what was posted.
     void Pump();
@@ -79,7 +64,7 @@ public:
     // What the page told the frame since the last call, posted messages included.
     ButtonsList TakeButtons();
 
-    // The last of them.
+    // The last of them; none when there was nothing.
     Buttons LastButtons();
 
     std::wstring Text(int nControlId) const;
@@ -89,16 +74,9 @@ public:
 
     // The messages of these kinds that the control got since the page was created, in their order.
     std::vector<ControlMessage> MessagesTo(int nControlId, const std::set<UINT>& kinds) const;
-    std::vector<ControlMessage> MessagesTo(int nControlId, UINT nMessage) const
-    {
-        return MessagesTo(nControlId, std::set{nMessage});
-    }
 
     // The texts that were set into the control since the page was created.
     std::vector<std::wstring> TextsOf(int nControlId) const;
-
-    // The posted messages of this kind that the page itself got.
-    std::vector<MSG> MessagesToPage(UINT nMessage) const;
 
 private:
     static LRESULT CALLBACK FrameProc(HWND hwnd, UINT nMessage, WPARAM wParam, LPARAM lParam);
@@ -118,6 +96,5 @@ private:
     INT_PTR m_nInitResult = -77;
     bool m_bPumping = false;
     ButtonsList m_buttons;
-    std::vector<ControlMessage> m_controlMessages;
-    std::vector<MSG> m_pageMessages;
+    std::vector<ControlMessage> m_messages;
 };

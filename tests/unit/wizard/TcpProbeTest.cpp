@@ -1,369 +1,200 @@
 // The TCP probe of the wireless debugging page.
 
-#include "wizard/WirelessDebuggingOnPage.h"
-
-#include "tests/kit/Test.h"
-#include "tests/unit/net/Sockets.h"
 #include "tests/unit/net/SoiledStack.h"
-#include "tests/unit/wizard/StatusLine.h"
+#include "tests/unit/wizard/AnsweringWatch.h"
+#include "tests/unit/wizard/ProbeTest.h"
 
 using namespace kit;
 
 namespace {
 
-const HWND kPage = reinterpret_cast<HWND>(0x9A6E);
-constexpr SOCKET kSocket = 0x50C;
+LRESULT Connect(const SOCKADDR_IN& address = MakeAddress(L"192.168.1.100", 43210))
+{
+    SoilStack();
+    return CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_TcpConnect(kPage, &address, kStatusLine);
+}
 
-constexpr PCWSTR kSocketStep = L"CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_TcpConnect() > socket.Socket()";
-constexpr PCWSTR kModeStep = L"CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_TcpConnect() > socket.Ioctlsocket()";
-constexpr PCWSTR kConnectStep = L"CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_TcpConnect() > socket.Connect()";
-constexpr PCWSTR kShutdownStep = L"CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_TcpConnect() > socket.Shutdown()";
-constexpr PCWSTR kCloseStep = L"CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_TcpConnect() > socket.CloseSocket()";
+std::wstring Step(const std::wstring& strCall)
+{
+    return L"CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_TcpConnect() > socket." + strCall + L"()";
+}
 
-class TcpProbe : public Test
+class TcpProbe : public ProbeTest
 {
 protected:
     TcpProbe()
     {
         // Whoever reads the reason of a failure only after its box is too late.
         WhenBoxShows([](const Box&) { unreplaced::SetLastError(99); });
+        const auto optional = [](auto&... replaced) { (replaced.Optional(), ...); };
+        optional(m_socket, m_connect, m_poll, m_shutdown, m_close);
     }
 
-    static LRESULT Run(const SOCKADDR_IN& address)
+    // With these outcomes of its polls the probe has this result and needs so many of them, on one socket.
+    void Expect(LRESULT nResult, int nPolls, std::vector<Poll> polls,
+                std::source_location where = std::source_location::current())
     {
-        SoilStack();
-        return CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_TcpConnect(kPage, &address, StatusLine::Window());
+        const testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()), "the probe expected here");
+        m_watch.m_polls = std::move(polls);
+        m_texts.clear();
+        Journal().clear();
+        EXPECT_EQ(Connect(), nResult);
+        EXPECT_EQ(m_texts,
+                  Attempts("Connecting to 192.168.1.100:43210", nPolls, 7, nResult == 0 ? Lines{""} : Lines{}));
+        Lines waits;
+        for (int n = 0; n < nPolls; ++n) {
+            waits.emplace_back("sleep 200");
+            waits.emplace_back("WSAPoll");
+        }
+        EXPECT_EQ(JournalOf({"sleep 200", "WSAPoll"}), waits);
+        EXPECT_EQ(JournalOf({"socket", "shutdown", "closesocket"}),
+                  nResult == 0 ? (Lines{"socket", "shutdown", "closesocket"}) : (Lines{"socket", "closesocket"}));
+        EXPECT_EQ(JournalOf({"connect"}).size(), 1u);
+        EXPECT_EQ(m_close.Arg<0>(m_close.Calls() - 1), kSocket);
+        for (size_t n = 0; n < m_poll.Calls(); ++n) {
+            EXPECT_EQ(m_poll.Arg<1>(n), 1u);
+            EXPECT_EQ(m_poll.Arg<2>(n), 2000);
+        }
     }
 
-    static LRESULT Run()
+    // The probe ends the process with this code, after a box that tells the step.
+    void ExpectEnd(UINT nExitCode, HWND hwndOwner, const std::wstring& strStep,
+                   std::source_location where = std::source_location::current())
     {
-        return Run(MakeAddress(L"192.168.1.100", 43210));
+        Journal().clear();
+        EXPECT_EQ(ExitCodeOf([] { Connect(); }), nExitCode);
+        ExpectBox(hwndOwner, strStep, L"WSA Error", where);
+        EXPECT_EQ(Lines(Journal().end() - 2, Journal().end()),
+                  (Lines{"box \"" + Narrow(strStep) + '"', "exit " + std::to_string(nExitCode)}));
     }
 
-    std::optional<UINT> ExitCode()
-    {
-        return ExitCodeOf([] { Run(); });
-    }
-
-    StatusLine m_status;
-
-private:
-    Sockets m_sockets;
-};
-
-// What one poll comes to.
-struct Poll
-{
-    int nReady;
-    SHORT nEvents;
-};
-
-constexpr Poll kTimeout = {0, 0};
-constexpr Poll kWritable = {1, POLLWRNORM};
-constexpr Poll kRefused = {1, POLLERR | POLLHUP};
-
-// Windows Sockets that start a connection and give the outcomes of its polls one after the other,
-// the last one for ever.
-class Connection
-{
-public:
-    explicit Connection(std::vector<Poll> polls, int nConnect = SOCKET_ERROR, DWORD dwConnectError = WSAEWOULDBLOCK)
-        : m_polls(std::move(polls)), m_socket(Returns(kSocket)), m_mode(Returns(0)),
-          m_connect(Returns(nConnect, dwConnectError)), m_poll([this](WSAPOLLFD* pPoll, ULONG, INT) {
-              EXPECT_EQ(pPoll->fd, kSocket);
-              EXPECT_EQ(pPoll->events, 0x0010);
-              EXPECT_EQ(pPoll->revents, 0);
-              const Poll& poll = m_polls[std::min(m_poll.Calls(), m_polls.size()) - 1];
-              pPoll->revents = poll.nEvents;
-              unreplaced::SetLastError(WSAENETDOWN);
-              return poll.nReady;
-          }),
-          m_shutdown(Returns(0)), m_close(Returns(0))
-    {
-        m_shutdown.Optional();
-        m_mode.Unnoted();
-    }
-
-    REPLACED(WSAPoll) & Polls()
-    {
-        return m_poll;
-    }
-
-    REPLACED(connect) & Connects()
-    {
-        return m_connect;
-    }
-
-    size_t Shutdowns() const
-    {
-        return m_shutdown.Calls();
-    }
-
-    void ExpectClosedOnce() const
-    {
-        EXPECT_EQ(m_close.Calls(), 1u);
-        EXPECT_EQ(m_close.Arg<0>(), kSocket);
-        EXPECT_EQ(m_socket.Calls(), 1u);
-    }
-
-private:
-    std::vector<Poll> m_polls;
+    AnsweringWatch m_watch;
     REPLACED(socket) m_socket;
-    REPLACED(ioctlsocket) m_mode;
     REPLACED(connect) m_connect;
     REPLACED(WSAPoll) m_poll;
     REPLACED(shutdown) m_shutdown;
     REPLACED(closesocket) m_close;
 };
 
-// The first n of the status texts of 192.168.1.100:43210.
-std::vector<std::wstring> Connecting(int nAttempts)
-{
-    const std::vector<std::wstring> all = {
-        L"Connecting to 192.168.1.100:43210 (1 of 7)", L"Connecting to 192.168.1.100:43210 (2 of 7)",
-        L"Connecting to 192.168.1.100:43210 (3 of 7)", L"Connecting to 192.168.1.100:43210 (4 of 7)",
-        L"Connecting to 192.168.1.100:43210 (5 of 7)", L"Connecting to 192.168.1.100:43210 (6 of 7)",
-        L"Connecting to 192.168.1.100:43210 (7 of 7)"};
-    return {all.begin(), all.begin() + nAttempts};
-}
-
-std::vector<std::wstring> ConnectingThenNothing(int nAttempts)
-{
-    std::vector<std::wstring> texts = Connecting(nAttempts);
-    texts.emplace_back();
-    return texts;
-}
-
 TEST_F(TcpProbe, SucceedsWhenTheConnectionStandsAndEndsItAtOnce)
 {
-    const Connection connection({kWritable});
-    EXPECT_EQ(Run(), 0);
-    EXPECT_EQ(m_status.Texts(), ConnectingThenNothing(1));
-    EXPECT_EQ(Journal(), (Lines{"socket", "connect", "status \"Connecting to 192.168.1.100:43210 (1 of 7)\"",
-                                "sleep 200", "WSAPoll", "status \"\"", "shutdown", "closesocket"}));
-    connection.ExpectClosedOnce();
-}
-
-TEST_F(TcpProbe, PollsOneSocketForTwoSeconds)
-{
-    Connection connection({kTimeout, kWritable});
-    EXPECT_EQ(Run(), 0);
-    ASSERT_EQ(connection.Polls().Calls(), 2u);
-    for (const size_t n : {0u, 1u}) {
-        EXPECT_EQ(connection.Polls().Arg<1>(n), 1u);
-        EXPECT_EQ(connection.Polls().Arg<2>(n), 2000);
-    }
-    EXPECT_EQ(m_status.Texts(), ConnectingThenNothing(2));
-    EXPECT_EQ(Sleeps(), (std::vector<DWORD>{200, 200}));
+    Expect(0, 1, {kWritable});
+    EXPECT_EQ(Journal(), (Lines{"socket", "connect", "connect 192.168.1.100:43210",
+                                "status \"Connecting to 192.168.1.100:43210 (1 of 7)\"", "sleep 200", "WSAPoll",
+                                "status \"\"", "shutdown", "closesocket"}));
+    EXPECT_EQ(m_shutdown.Arg<0>(), kSocket);
+    EXPECT_EQ(m_shutdown.Arg<1>(), 2); // both directions
 }
 
 TEST_F(TcpProbe, SetsTheSocketUpBeforeItConnects)
 {
-    const REPLACED(socket) open(Returns(kSocket));
-    REPLACED(ioctlsocket)
-    mode([](SOCKET nSocket, long nCommand, u_long* pnMode) {
+    const REPLACED(ioctlsocket) mode([](SOCKET nSocket, long nCommand, u_long* pnMode) {
         EXPECT_EQ(nSocket, kSocket);
         EXPECT_EQ(static_cast<u_long>(nCommand), 0x8004667Eu);
         EXPECT_EQ(*pnMode, 1u);
         return 0;
     });
-    REPLACED(connect)
-    connection([](SOCKET nSocket, const SOCKADDR* pAddress, int cb) {
+    const REPLACED(connect) connection([](SOCKET nSocket, const SOCKADDR* pAddress, int cb) {
         const auto& address = *reinterpret_cast<const SOCKADDR_IN*>(pAddress);
         EXPECT_EQ(nSocket, kSocket);
         EXPECT_EQ(address.sin_family, 2);
         EXPECT_EQ(address.sin_port, 0xCAA8);
         EXPECT_EQ(address.sin_addr.s_addr, 0x6401A8C0u);
         EXPECT_EQ(cb, 16);
-        return SetLastError(WSAENETUNREACH), SOCKET_ERROR;
+        SetLastError(WSAECONNREFUSED);
+        return 0; // it stands at once
     });
-    const REPLACED(closesocket) close(Returns(0));
-    EXPECT_EQ(Run(), -1);
-    TakeBox();
-    EXPECT_EQ(open.Arg<0>(), 2);
-    EXPECT_EQ(open.Arg<1>(), 1);
-    EXPECT_EQ(open.Arg<2>(), 6);
+    Expect(0, 1, {kWritable});
+    EXPECT_EQ(m_socket.Arg<0>(), 2);
+    EXPECT_EQ(m_socket.Arg<1>(), 1);
+    EXPECT_EQ(m_socket.Arg<2>(), 6);
     EXPECT_EQ(JournalOf({"socket", "ioctlsocket", "connect"}), (Lines{"socket", "ioctlsocket", "connect"}));
-}
-
-TEST_F(TcpProbe, EndsTheConnectionInBothDirections)
-{
-    const Connection connection({kWritable});
-    const REPLACED(shutdown) end(Returns(0));
-    EXPECT_EQ(Run(), 0);
-    EXPECT_EQ(end.Arg<0>(), kSocket);
-    EXPECT_EQ(end.Arg<1>(), 2);
-}
-
-TEST_F(TcpProbe, GoesOnWhenTheConnectionStandsAtOnce)
-{
-    const Connection connection({kWritable}, 0, WSAECONNREFUSED);
-    EXPECT_EQ(Run(), 0);
-    EXPECT_EQ(m_status.Texts(), ConnectingThenNothing(1));
 }
 
 TEST_F(TcpProbe, GivesUpAfterSevenTimeoutsWithoutABox)
 {
-    Connection connection({kTimeout});
-    EXPECT_EQ(Run(), -1);
-    EXPECT_EQ(m_status.Texts(), Connecting(7));
-    EXPECT_EQ(Sleeps(), std::vector<DWORD>(7, 200));
-    EXPECT_EQ(connection.Polls().Calls(), 7u);
-    EXPECT_EQ(connection.Shutdowns(), 0u);
-    EXPECT_EQ(connection.Connects().Calls(), 1u);
-    connection.ExpectClosedOnce();
-}
-
-TEST_F(TcpProbe, SucceedsWithTheLastPoll)
-{
-    const Connection connection({kTimeout, kTimeout, kTimeout, kTimeout, kTimeout, kRefused, kWritable});
-    EXPECT_EQ(Run(), 0);
-    EXPECT_EQ(m_status.Texts(), ConnectingThenNothing(7));
+    Expect(-1, 7, {kTimeout});
 }
 
 TEST_F(TcpProbe, PollsARefusedConnectionAgainOnTheSameSocket)
 {
-    Connection connection({kRefused});
-    EXPECT_EQ(Run(), -1);
-    EXPECT_EQ(m_status.Texts(), Connecting(7));
-    EXPECT_EQ(connection.Polls().Calls(), 7u);
-    EXPECT_EQ(connection.Connects().Calls(), 1u);
-    connection.ExpectClosedOnce();
+    Expect(-1, 7, {kRefused});
 }
 
-class TcpProbePoll : public TcpProbe, public testing::WithParamInterface<std::pair<SHORT, bool>>
+TEST_F(TcpProbe, SucceedsWithTheLastPoll)
 {
-};
-
-TEST_P(TcpProbePoll, FailsForTheErrorBitAlone)
-{
-    const auto [nEvents, bConnected] = GetParam();
-    const Connection connection({{1, nEvents}, kWritable});
-    EXPECT_EQ(Run(), 0);
-    EXPECT_EQ(m_status.Texts(), ConnectingThenNothing(bConnected ? 1 : 2));
+    Expect(0, 7, {kTimeout, kTimeout, kTimeout, kTimeout, kTimeout, kRefused, kWritable});
 }
 
-INSTANTIATE_TEST_SUITE_P(Events, TcpProbePoll,
-                         testing::Values(std::pair<SHORT, bool>(0x0001, false), std::pair<SHORT, bool>(0x0011, false),
-                                         std::pair<SHORT, bool>(0x0003, false), std::pair<SHORT, bool>(0x0013, false),
-                                         std::pair<SHORT, bool>(0x0002, true), std::pair<SHORT, bool>(0x0004, true),
-                                         std::pair<SHORT, bool>(0x0000, true), std::pair<SHORT, bool>(0x0012, true),
-                                         std::pair<SHORT, bool>(0x0010, true)));
-
-TEST_F(TcpProbe, TakesMoreThanOneReadySocketForSuccess)
+TEST_F(TcpProbe, JudgesAPollByTheReadySocketAndTheErrorBitAlone)
 {
-    const Connection connection({{2, POLLWRNORM}});
-    EXPECT_EQ(Run(), 0);
-    EXPECT_EQ(m_status.Texts(), ConnectingThenNothing(1));
-}
-
-TEST_F(TcpProbe, GoesOnAfterATimeoutThatNamesEvents)
-{
-    const Connection connection({{0, POLLWRNORM}, kWritable});
-    EXPECT_EQ(Run(), 0);
-    EXPECT_EQ(m_status.Texts(), ConnectingThenNothing(2));
+    for (const Poll& failed : std::vector<Poll>{{1, 0x0001}, {1, 0x0011}, {1, 0x0003}, {1, 0x0013}, {0, POLLWRNORM}}) {
+        SCOPED_TRACE(failed.nEvents);
+        Expect(0, 2, {failed, kWritable});
+    }
+    for (const Poll& stands : std::vector<Poll>{{1, 2}, {1, 4}, {1, 0}, {1, 0x0012}, {1, 0x0010}, {2, POLLWRNORM}}) {
+        SCOPED_TRACE(stands.nEvents);
+        Expect(0, 1, {stands, kRefused});
+    }
 }
 
 TEST_F(TcpProbe, WithoutASocketEndsTheProcess)
 {
     const REPLACED(socket) open(Returns(INVALID_SOCKET, WSAEMFILE));
-    EXPECT_EQ(ExitCode(), 10024u);
-    ExpectBox(kPage, kSocketStep, L"WSA Error");
-    EXPECT_EQ(Journal(), (Lines{"socket", std::string("box \"") + Narrow(kSocketStep) + '"', "exit 10024"}));
+    ExpectEnd(10024, kPage, Step(L"Socket"));
+    EXPECT_EQ(Journal().size(), 3u); // it is closed by nobody
 }
 
 TEST_F(TcpProbe, WithASocketThatBlocksEndsTheProcess)
 {
-    const REPLACED(socket) open(Returns(kSocket));
     const REPLACED(ioctlsocket) mode(Returns(SOCKET_ERROR, WSAENETDOWN));
-    EXPECT_EQ(ExitCode(), 10050u);
-    ExpectBox(kPage, kModeStep, L"WSA Error");
-    EXPECT_EQ(Journal(),
-              (Lines{"socket", "ioctlsocket", std::string("box \"") + Narrow(kModeStep) + '"', "exit 10050"}));
+    ExpectEnd(10050, kPage, Step(L"Ioctlsocket"));
+    EXPECT_EQ(Journal().size(), 4u);
 }
 
 TEST_F(TcpProbe, TellsWhenTheConnectionCannotEvenStart)
 {
-    const REPLACED(socket) open(Returns(kSocket));
-    const REPLACED(ioctlsocket) mode(Returns(0));
-    const REPLACED(connect) at(Returns(SOCKET_ERROR, WSAENETUNREACH));
-    const REPLACED(closesocket) close(Returns(0));
-    EXPECT_EQ(Run(), -1);
-    ExpectBox(kPage, kConnectStep, L"WSA Error");
-    EXPECT_TRUE(m_status.Texts().empty());
-    EXPECT_EQ(Journal(), (Lines{"socket", "ioctlsocket", "connect", std::string("box \"") + Narrow(kConnectStep) + '"',
-                                "closesocket"}));
-}
-
-TEST_F(TcpProbe, TakesOnlyWouldBlockForAStartedConnection)
-{
-    for (const DWORD dwError : {WSAEINPROGRESS, WSAEALREADY, WSAEINTR, WSAECONNREFUSED}) {
-        const REPLACED(socket) open(Returns(kSocket));
-        const REPLACED(ioctlsocket) mode(Returns(0));
-        const REPLACED(connect) at(Returns(SOCKET_ERROR, dwError));
-        const REPLACED(closesocket) close(Returns(0));
-        EXPECT_EQ(Run(), -1);
-        ExpectBox(kPage, kConnectStep, L"WSA Error");
+    // Only "would block" is a start.
+    for (const DWORD dwError : {WSAENETUNREACH, WSAEINPROGRESS, WSAEALREADY, WSAEINTR, WSAECONNREFUSED}) {
+        SCOPED_TRACE(dwError);
+        const REPLACED(connect) connection(Returns(SOCKET_ERROR, dwError));
+        Expect(-1, 0, {kWritable});
+        ExpectBox(kPage, Step(L"Connect"), L"WSA Error");
+        EXPECT_EQ(Journal(), (Lines{"socket", "connect", "box \"" + Narrow(Step(L"Connect")) + '"', "closesocket"}));
     }
 }
 
 TEST_F(TcpProbe, TellsWhenItCannotPoll)
 {
-    Connection connection({kTimeout, {SOCKET_ERROR, POLLWRNORM}});
-    EXPECT_EQ(Run(), -1);
-    ExpectBox(kPage, kConnectStep, L"WSA Error");
-    EXPECT_EQ(m_status.Texts(), Connecting(2));
-    EXPECT_EQ(connection.Polls().Calls(), 2u);
-    EXPECT_EQ(connection.Shutdowns(), 0u);
-    connection.ExpectClosedOnce();
+    Expect(-1, 2, {kTimeout, {SOCKET_ERROR, POLLWRNORM}});
+    ExpectBox(kPage, Step(L"Connect"), L"WSA Error");
 }
 
 TEST_F(TcpProbe, ThatCannotEndTheConnectionEndsTheProcess)
 {
-    const REPLACED(socket) open(Returns(kSocket));
-    const REPLACED(ioctlsocket) mode(Returns(0));
-    const REPLACED(connect) at(Returns(0));
-    const REPLACED(WSAPoll) poll(Returns(1));
-    const REPLACED(shutdown) end(Returns(SOCKET_ERROR, WSAENOTCONN));
-    EXPECT_EQ(ExitCode(), 10057u);
-    ExpectBox(kShutdownStep, L"WSA Error");
-    EXPECT_EQ(m_status.Texts(), ConnectingThenNothing(1));
-    EXPECT_EQ(Journal().back(), "exit 10057");
-}
-
-TEST_F(TcpProbe, ThatHasAnyOtherResultThanZeroForTheEndEndsTheProcess)
-{
-    const REPLACED(socket) open(Returns(kSocket));
-    const REPLACED(ioctlsocket) mode(Returns(0));
-    const REPLACED(connect) at(Returns(0));
-    const REPLACED(WSAPoll) poll(Returns(1));
-    const REPLACED(shutdown) end(Returns(1, WSAENETDOWN));
-    EXPECT_EQ(ExitCode(), 10050u);
-    ExpectBox(kShutdownStep, L"WSA Error");
+    // With anything else than 0.
+    for (const int nResult : {SOCKET_ERROR, 1}) {
+        SCOPED_TRACE(nResult);
+        const REPLACED(shutdown) end(Returns(nResult, WSAENOTCONN));
+        ExpectEnd(10057, nullptr, Step(L"Shutdown"));
+        EXPECT_EQ(m_texts.back(), "");
+    }
 }
 
 TEST_F(TcpProbe, ThatCannotCloseTheSocketEndsTheProcess)
 {
-    const REPLACED(socket) open(Returns(kSocket));
-    const REPLACED(ioctlsocket) mode(Returns(0));
-    const REPLACED(connect) at(Returns(0));
-    const REPLACED(WSAPoll) poll(Returns(1));
-    const REPLACED(shutdown) end(Returns(0));
     const REPLACED(closesocket) close(Returns(SOCKET_ERROR, WSAENETDOWN));
-    EXPECT_EQ(ExitCode(), 10050u);
-    ExpectBox(kCloseStep, L"WSA Error");
+    ExpectEnd(10050, nullptr, Step(L"CloseSocket"));
     EXPECT_EQ(close.Calls(), 1u);
     EXPECT_EQ(close.Arg<0>(), kSocket);
 }
 
 TEST_F(TcpProbe, ThatCannotCloseTheSocketAfterAFailureEndsTheProcess)
 {
-    const REPLACED(socket) open(Returns(kSocket));
-    const REPLACED(ioctlsocket) mode(Returns(0));
-    const REPLACED(connect) at(Returns(SOCKET_ERROR, WSAENETUNREACH));
+    const REPLACED(connect) connection(Returns(SOCKET_ERROR, WSAENETUNREACH));
     const REPLACED(closesocket) close(Returns(SOCKET_ERROR, WSAENOTSOCK));
-    EXPECT_EQ(ExitCode(), 10038u);
-    ExpectBox(kPage, kConnectStep, L"WSA Error");
+    EXPECT_EQ(ExitCodeOf([] { Connect(); }), 10038u);
+    ExpectBox(kPage, Step(L"Connect"), L"WSA Error");
     ExpectBox(L"~CSocket()", L"WSA Error");
 }
 
@@ -397,10 +228,9 @@ public:
         return m_address;
     }
 
-    std::wstring Connecting(int nAttempt) const
+    Lines Connecting(int nAttempts, const Lines& behind) const
     {
-        return L"Connecting to 127.0.0.1:" + std::to_wstring(ntohs(m_address.sin_port)) + L" (" +
-               std::to_wstring(nAttempt) + L" of 7)";
+        return Attempts("Connecting to 127.0.0.1:" + std::to_string(ntohs(m_address.sin_port)), nAttempts, 7, behind);
     }
 
 private:
@@ -408,12 +238,16 @@ private:
     SOCKADDR_IN m_address;
 };
 
-TEST_F(TcpProbe, FindsAListeningPortAndSendsNothing)
+class TcpProbeForReal : public ProbeTest
+{
+};
+
+TEST_F(TcpProbeForReal, FindsAListeningPortAndSendsNothing)
 {
     Port port;
     const SOCKET nListening = port.Listen();
-    EXPECT_EQ(Run(port.Address()), 0);
-    EXPECT_EQ(m_status.Texts(), (std::vector<std::wstring>{port.Connecting(1), L""}));
+    EXPECT_EQ(Connect(port.Address()), 0);
+    EXPECT_EQ(m_texts, port.Connecting(1, {""}));
 
     const SOCKET nAccepted = accept(nListening, nullptr, nullptr);
     ASSERT_NE(nAccepted, INVALID_SOCKET);
@@ -422,15 +256,11 @@ TEST_F(TcpProbe, FindsAListeningPortAndSendsNothing)
     closesocket(nAccepted);
 }
 
-TEST_F(TcpProbe, FindsNothingOnAClosedPort)
+TEST_F(TcpProbeForReal, FindsNothingOnAClosedPort)
 {
     const Port port;
-    EXPECT_EQ(Run(port.Address()), -1);
-    std::vector<std::wstring> expected;
-    for (int n = 1; n <= 7; ++n) {
-        expected.push_back(port.Connecting(n));
-    }
-    EXPECT_EQ(m_status.Texts(), expected);
+    EXPECT_EQ(Connect(port.Address()), -1);
+    EXPECT_EQ(m_texts, port.Connecting(7, {}));
     EXPECT_EQ(Sleeps(), std::vector<DWORD>(7, 200));
 }
 

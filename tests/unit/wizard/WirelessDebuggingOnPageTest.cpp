@@ -1,14 +1,10 @@
 // The page that finds the watch.
 
-#include "wizard/WirelessDebuggingOnPage.h"
-
-#include "wizard/IntegerEdit.h"
-
-#include "tests/unit/wizard/AnsweringWatch.h"
-#include "tests/unit/wizard/PageWindow.h"
+#include "tests/unit/wizard/PageTest.h"
 
 #include <netioapi.h>
 
+#include <algorithm>
 #include <cstring>
 
 using namespace kit;
@@ -20,17 +16,27 @@ constexpr int kAddress = 1018;
 constexpr int kPort = 1030;
 constexpr int kStatus = 1031;
 
-constexpr PCWSTR kCouldNotConnect = L"Could not connect to a watch at the IP address and port you entered.\n"
-                                    L"Please verify your workstation and watch are on the same network.\n"
-                                    L"Also verify you entered the correct IP address and port.\n\n"
-                                    L"If the above does not work, Steps to restart installation:\n"
-                                    L"1. Close this installer program.\n"
-                                    L"2. Power the watch off and then turn it on again.\n"
-                                    L"3. Run the installer program again.\n";
+constexpr PCSTR kBadAddress = "Please enter a valid IP Address, e.g. 192.168.1.100";
+constexpr PCSTR kCouldNotConnect = "Could not connect to a watch at the IP address and port you entered.\n"
+                                   "Please verify your workstation and watch are on the same network.\n"
+                                   "Also verify you entered the correct IP address and port.\n\n"
+                                   "If the above does not work, Steps to restart installation:\n"
+                                   "1. Close this installer program.\n"
+                                   "2. Power the watch off and then turn it on again.\n"
+                                   "3. Run the installer program again.\n";
 
-constexpr PCWSTR kPortRange = L"Please enter a port value in the range of 1024 through 65535.";
+// What the journal has of a connection: seven attempts, or one that stands at once.
+Lines Connecting(const std::string& strAddress, int nAttempts)
+{
+    Lines lines = {"connect " + strAddress};
+    for (int n = 1; n <= nAttempts; ++n) {
+        lines.push_back("status \"Connecting to " + strAddress + " (" + std::to_string(n) + " of 7)\"");
+        lines.emplace_back("sleep 200");
+    }
+    return lines;
+}
 
-// A computer with this gateway; with none when there is no text of it.
+// A computer with this gateway.
 class Gateway
 {
 public:
@@ -52,92 +58,60 @@ public:
     }
 
 private:
-    Sockets m_sockets;
     REPLACED(GetBestInterfaceEx) m_interface;
     REPLACED(GetBestRoute2) m_route;
 };
 
-class NewWirelessDebuggingOnPage : public Test
+class NewWirelessDebuggingOnPage : public PageTest
 {
 protected:
-    CWizardData m_data;
+    NewWirelessDebuggingOnPage() : PageTest(kWirelessDebuggingOnPage) {}
+
+    void Enter(PCWSTR pszAddress, PCWSTR pszPort)
+    {
+        const ULONG nAddress = ntohl(MakeAddress(pszAddress, 0).sin_addr.s_addr);
+        SendDlgItemMessageW(m_page->Window(), kAddress, IPM_SETADDRESS, 0, static_cast<LPARAM>(nAddress));
+        m_page->SetText(kPort, pszPort);
+        m_page->TakeButtons();
+    }
+
+    Gateway m_gateway{L"10.0.0.1"};
 };
 
-TEST_F(NewWirelessDebuggingOnPage, LoadsItsTextAndKeepsTheData)
+TEST_F(NewWirelessDebuggingOnPage, BeginsTheAddressWithTheFirstThreeOctetsOfTheGateway)
 {
-    const Gateway gateway(L"192.168.1.1");
-    const PageWindow page(204, CWirelessDebuggingOnPage::DialogProc, m_data);
-    EXPECT_EQ(GetWindowLongPtrW(page.Window(), GWLP_USERDATA), reinterpret_cast<LONG_PTR>(&m_data));
-    const std::wstring strBody = page.Text(kBody);
-    EXPECT_TRUE(strBody.starts_with(L"Wireless debugging needs to be enabled on the watch for the installation."));
-    EXPECT_TRUE(strBody.ends_with(
-        L"Important - if the watch's IP subnet does not match the IP subnet shown below, then your watch might not be "
-        L"on the same network as your computer."));
-    EXPECT_EQ(page.Text(kStatus), L"Enter watch IP address and port, then press next.");
+    const std::pair<PCWSTR, PCWSTR> rows[] = {{L"192.168.1.1", L"192.168.1."},
+                                              {L"10.0.0.1", L"10.0.0."},
+                                              {L"172.16.255.254", L"172.16.255."},
+                                              {L"255.255.255.255", L"255.255.255."},
+                                              {L"0.0.0.0", L"0.0.0."}};
+    for (const auto& [pszGateway, pszPrefilled] : rows) {
+        SCOPED_TRACE(Narrow(pszGateway));
+        const Gateway gateway(pszGateway);
+        EXPECT_EQ(Open().TextsOf(kAddress), std::vector<std::wstring>{pszPrefilled});
+    }
 }
-
-TEST_F(NewWirelessDebuggingOnPage, KeepsTheTextOfTheTemplateWhenNoneCanBeLoaded)
-{
-    const Gateway gateway(L"192.168.1.1");
-    const REPLACED(LoadStringW) load(Returns(0));
-    const PageWindow page(204, CWirelessDebuggingOnPage::DialogProc, m_data);
-    EXPECT_EQ(page.Text(kBody), L"Static");
-    EXPECT_EQ(load.Arg<1>(), 223u);
-}
-
-struct Prefill
-{
-    PCWSTR pszGateway;
-    PCWSTR pszPrefilled;
-};
-
-class WirelessDebuggingOnPrefill : public NewWirelessDebuggingOnPage, public testing::WithParamInterface<Prefill>
-{
-};
-
-TEST_P(WirelessDebuggingOnPrefill, IsTheFirstThreeOctetsOfTheGateway)
-{
-    const Gateway gateway(GetParam().pszGateway);
-    const PageWindow page(204, CWirelessDebuggingOnPage::DialogProc, m_data);
-    EXPECT_EQ(page.TextsOf(kAddress), std::vector<std::wstring>{GetParam().pszPrefilled});
-}
-
-INSTANTIATE_TEST_SUITE_P(Gateways, WirelessDebuggingOnPrefill,
-                         testing::Values(Prefill{L"192.168.1.1", L"192.168.1."}, Prefill{L"10.0.0.1", L"10.0.0."},
-                                         Prefill{L"172.16.255.254", L"172.16.255."},
-                                         Prefill{L"255.255.255.255", L"255.255.255."}, Prefill{L"0.0.0.0", L"0.0.0."}));
 
 TEST_F(NewWirelessDebuggingOnPage, PutsTheFocusIntoTheLastFieldOfAPrefilledAddress)
 {
-    const Gateway gateway(L"10.0.0.1");
-    PageWindow page(204, CWirelessDebuggingOnPage::DialogProc, m_data);
+    PageWindow& page = Open();
     EXPECT_EQ(page.InitResult(), FALSE);
-    EXPECT_EQ(page.MessagesTo(kAddress, WM_SETFOCUS).size(), 1u);
+    const std::vector<ControlMessage> messages = page.MessagesTo(kAddress, {WM_SETTEXT, WM_SETFOCUS, IPM_SETFOCUS});
+    ASSERT_EQ(messages.size(), 2u);
+    EXPECT_EQ(messages[0].nMessage, UINT{WM_SETTEXT});
+    EXPECT_EQ(messages[1].nMessage, UINT{WM_SETFOCUS});
 
-    EXPECT_TRUE(page.MessagesTo(kAddress, IPM_SETFOCUS).empty());
     page.Pump();
-    const std::vector<ControlMessage> focus = page.MessagesTo(kAddress, IPM_SETFOCUS);
+    const std::vector<ControlMessage> focus = page.MessagesTo(kAddress, {IPM_SETFOCUS});
     ASSERT_EQ(focus.size(), 1u);
     EXPECT_EQ(focus[0].wParam, 3u);
     EXPECT_EQ(focus[0].lParam, 0);
     EXPECT_EQ(GetParent(GetFocus()), page.Control(kAddress));
 }
 
-TEST_F(NewWirelessDebuggingOnPage, PrefillsTheAddressBeforeItPutsTheFocusIntoIt)
-{
-    const Gateway gateway(L"10.0.0.1");
-    const PageWindow page(204, CWirelessDebuggingOnPage::DialogProc, m_data);
-    const std::vector<ControlMessage> messages = page.MessagesTo(kAddress, {WM_SETTEXT, WM_SETFOCUS});
-    ASSERT_EQ(messages.size(), 2u);
-    EXPECT_EQ(messages[0].nMessage, UINT{WM_SETTEXT});
-    EXPECT_EQ(messages[1].nMessage, UINT{WM_SETFOCUS});
-}
-
 TEST_F(NewWirelessDebuggingOnPage, AsksForTheAddressAsTheControlWants)
 {
-    const Gateway gateway(L"10.0.0.1");
-    const PageWindow page(204, CWirelessDebuggingOnPage::DialogProc, m_data);
-    const std::vector<ControlMessage> questions = page.MessagesTo(kAddress, IPM_GETADDRESS);
+    const std::vector<ControlMessage> questions = Open().MessagesTo(kAddress, {IPM_GETADDRESS});
     ASSERT_FALSE(questions.empty());
     for (const ControlMessage& question : questions) {
         EXPECT_EQ(question.wParam, 0u);
@@ -147,223 +121,155 @@ TEST_F(NewWirelessDebuggingOnPage, AsksForTheAddressAsTheControlWants)
 
 TEST_F(NewWirelessDebuggingOnPage, LeavesAddressAndFocusAloneWithoutAGateway)
 {
-    Gateway gateway(L"10.0.0.1");
     const REPLACED(InetNtopW) text(Returns(PCWSTR(nullptr)));
-    PageWindow page(204, CWirelessDebuggingOnPage::DialogProc, m_data);
+    PageWindow& page = Open();
     EXPECT_EQ(page.InitResult(), TRUE);
     page.Pump();
     EXPECT_TRUE(page.TextsOf(kAddress).empty());
-    EXPECT_TRUE(page.MessagesTo(kAddress, IPM_SETFOCUS).empty());
-    EXPECT_EQ(gateway.Lookups(), 1u);
+    EXPECT_TRUE(page.MessagesTo(kAddress, {IPM_SETFOCUS}).empty());
+    EXPECT_EQ(m_gateway.Lookups(), 1u);
 }
 
 TEST_F(NewWirelessDebuggingOnPage, TakesAGatewayTextWithoutDotAsItIs)
 {
-    const Gateway gateway(L"10.0.0.1");
     const REPLACED(InetNtopW) text([](INT, const void*, PWSTR psz, size_t) -> PCWSTR { return wcscpy(psz, L"home"); });
-    const PageWindow page(204, CWirelessDebuggingOnPage::DialogProc, m_data);
+    const PageWindow& page = Open();
     EXPECT_EQ(page.TextsOf(kAddress), std::vector<std::wstring>{L"home"});
     EXPECT_EQ(page.InitResult(), FALSE);
 }
 
-TEST_F(NewWirelessDebuggingOnPage, DoesNotLookForTheGatewayWithoutAnAddressControl)
+TEST_F(NewWirelessDebuggingOnPage, DoesWithoutItsControls)
 {
-    const Gateway gateway(L"10.0.0.1");
-    PageWindow page(204, CWirelessDebuggingOnPage::DialogProc, m_data, {kAddress});
-    EXPECT_EQ(page.InitResult(), TRUE);
-    EXPECT_EQ(gateway.Lookups(), 0u);
-    EXPECT_EQ(page.LastButtons(), kWithoutNext);
-}
+    for (const std::vector<int>& missing : {std::vector{kAddress}, {kBody, kAddress, kPort, kStatus}}) {
+        SCOPED_TRACE(missing.size());
+        PageWindow& page = Open(missing);
+        EXPECT_EQ(page.InitResult(), TRUE);
+        EXPECT_EQ(page.LastButtons(), kWithoutNext);
+    }
+    EXPECT_EQ(m_gateway.Lookups(), 0u);
 
-TEST_F(NewWirelessDebuggingOnPage, HidesNextAlsoWithoutItsControls)
-{
-    PageWindow page(204, CWirelessDebuggingOnPage::DialogProc, m_data, {kBody, kAddress, kPort, kStatus});
-    EXPECT_EQ(page.InitResult(), TRUE);
-    EXPECT_EQ(page.TakeButtons(), ButtonsList{kWithoutNext});
-}
-
-TEST_F(NewWirelessDebuggingOnPage, DoesWithoutItsPort)
-{
-    const Gateway gateway(L"10.0.0.1");
-    PageWindow page(204, CWirelessDebuggingOnPage::DialogProc, m_data, {kPort});
-    EXPECT_EQ(page.InitResult(), FALSE);
-    EXPECT_EQ(page.LastButtons(), kWithoutNext);
-    SendDlgItemMessageW(page.Window(), kAddress, IPM_SETADDRESS, 0, 0xC0A80164);
-    page.Notify(PSN_SETACTIVE);
-    EXPECT_EQ(page.LastButtons(), kWithoutNext);
+    EXPECT_EQ(Open({kPort}).InitResult(), FALSE);
+    EXPECT_EQ(m_page->LastButtons(), kWithoutNext);
+    Enter(L"192.168.1.100", L"");
+    m_page->Notify(PSN_SETACTIVE);
+    EXPECT_EQ(m_page->LastButtons(), kWithoutNext);
 }
 
 TEST_F(NewWirelessDebuggingOnPage, LooksForTheGatewayOnlyOnce)
 {
-    const Gateway gateway(L"10.0.0.1");
-    PageWindow page(204, CWirelessDebuggingOnPage::DialogProc, m_data);
+    PageWindow& page = Open();
     page.Notify(PSN_SETACTIVE);
     page.Notify(PSN_KILLACTIVE);
     page.Notify(PSN_SETACTIVE);
-    EXPECT_EQ(gateway.Lookups(), 1u);
+    EXPECT_EQ(m_gateway.Lookups(), 1u);
     EXPECT_EQ(page.TextsOf(kAddress).size(), 1u);
 }
 
 TEST_F(NewWirelessDebuggingOnPage, MakesThePortAnEmptyFieldOfFiveDigits)
 {
-    const Gateway gateway(L"10.0.0.1");
     const REPLACED(SetWindowSubclass) subclass;
-    PageWindow page(204, CWirelessDebuggingOnPage::DialogProc, m_data);
-    const HWND hwndPort = page.Control(kPort);
-    ASSERT_EQ(subclass.Calls(), 1u);
-    EXPECT_EQ(subclass.Arg<0>(), hwndPort);
-    EXPECT_EQ(subclass.Arg<1>(), &CIntegerEdit::SubclassProc);
-    EXPECT_EQ(subclass.Arg<2>(), reinterpret_cast<UINT_PTR>(hwndPort));
-    EXPECT_EQ(subclass.Arg<3>(), 0u);
-    const std::vector<ControlMessage> limits = page.MessagesTo(kPort, EM_LIMITTEXT);
-    ASSERT_EQ(limits.size(), 1u);
-    EXPECT_EQ(limits[0].wParam, 5u);
-    EXPECT_EQ(page.TextsOf(kPort), std::vector<std::wstring>{L""});
-
-    page.Type(kPort, L"4x3 2a10987");
-    EXPECT_EQ(page.Text(kPort), L"43210");
+    Open();
+    EXPECT_EQ(subclass.Calls(), 1u);
+    ExpectDigitsField(kPort, L"98765", subclass, 0);
 }
 
 TEST_F(NewWirelessDebuggingOnPage, EndsTheProcessWhenThePortCannotBeMadeADigitsField)
 {
-    const Gateway gateway(L"10.0.0.1");
     const REPLACED(SetWindowSubclass) subclass(Returns(FALSE));
-    EXPECT_EQ(ExitCodeOf([this] { const PageWindow page(204, CWirelessDebuggingOnPage::DialogProc, m_data); }), 1u);
+    EXPECT_EQ(ExitCodeOf([this] { Open(); }), 1u);
     ExpectBox(L"CWirelessDebuggingOnPage::OnInitDialog()\nCIntegerEdit::SetWindowSubclass(hwndCtl, NULL)", L"Error");
 }
 
 TEST_F(NewWirelessDebuggingOnPage, EndsTheProcessOnAComputerWithoutIpv4)
 {
-    const Sockets sockets;
     const REPLACED(GetBestInterfaceEx) interfaceTo(Returns(DWORD(ERROR_NOT_SUPPORTED)));
-    EXPECT_EQ(ExitCodeOf([this] { const PageWindow page(204, CWirelessDebuggingOnPage::DialogProc, m_data); }), 1u);
+    EXPECT_EQ(ExitCodeOf([this] { Open(); }), 1u);
     ExpectBox(L"CWinSockHelper::GetDefaultGateway()\nIPv4 is not available on the local computer", L"Error");
 }
 
-// The page, first shown on a computer with a gateway.
+TEST_F(NewWirelessDebuggingOnPage, EndsTheProcessWhenNoSocketCanBeMade)
+{
+    const REPLACED(socket) open(Returns(INVALID_SOCKET, WSAEMFILE));
+    HWND hwndPage = nullptr;
+    EXPECT_EQ(ExitCodeOf([&] {
+                  hwndPage = Open().Window();
+                  Enter(L"192.168.1.100", L"43210");
+                  m_page->Notify(PSN_WIZNEXT);
+              }),
+              10024u);
+    ExpectBox(hwndPage, L"CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_TcpConnect() > socket.Socket()", L"WSA Error");
+}
+
+// The page, with address and port.
 class WirelessDebuggingOnPage : public NewWirelessDebuggingOnPage
 {
 protected:
     WirelessDebuggingOnPage()
     {
-        std::memset(&m_data.m_saWatchAddress, 0xA5, sizeof(m_data.m_saWatchAddress));
-        m_page.TakeButtons();
+        Open();
+        Enter(L"192.168.1.100", L"43210");
         Journal().clear();
-    }
-
-    void Enter(PCWSTR pszAddress, PCWSTR pszPort)
-    {
-        const ULONG nAddress = ntohl(MakeAddress(pszAddress, 0).sin_addr.s_addr);
-        SendDlgItemMessageW(m_page.Window(), kAddress, IPM_SETADDRESS, 0, static_cast<LPARAM>(nAddress));
-        m_page.SetText(kPort, pszPort);
-        m_page.TakeButtons();
     }
 
     // Leaves three of the address's fields.
     void ClearOneField() const
     {
-        SetWindowTextW(GetWindow(m_page.Control(kAddress), GW_CHILD), L"");
+        SetWindowTextW(GetWindow(m_page->Control(kAddress), GW_CHILD), L"");
     }
 
-    LRESULT Next()
+    // Next, with this box and nothing else.
+    void ExpectRefusal(PCSTR pszCaption, PCSTR pszText, std::source_location where = std::source_location::current())
     {
-        return m_page.Notify(PSN_WIZNEXT);
+        ExpectNext(-1, {}, {Told(pszCaption, pszText)}, where);
+        EXPECT_TRUE(IsAddressUntouched());
     }
-
-    void ExpectNothingStored() const
-    {
-        const std::string strUntouched(128, '\xA5');
-        EXPECT_EQ(std::memcmp(&m_data.m_saWatchAddress, strUntouched.data(), 128), 0);
-    }
-
-    Gateway m_gateway{L"192.168.1.1"};
-    AnsweringWatch m_watch;
-    PageWindow m_page{204, CWirelessDebuggingOnPage::DialogProc, m_data};
 };
 
-TEST_F(WirelessDebuggingOnPage, HidesNextAtFirst)
+TEST_F(WirelessDebuggingOnPage, ShowsNextForAWholeAddressAndAPortOfFourDigits)
 {
-    EXPECT_EQ(m_page.Notify(PSN_SETACTIVE), 0);
-    EXPECT_EQ(m_page.TakeButtons(), ButtonsList{kWithoutNext});
+    const std::tuple<bool, PCWSTR, Buttons> rows[] = {{true, L"43210", kWithNext},     {true, L"1024", kWithNext},
+                                                      {true, L"999", kWithoutNext},    {true, L"", kWithoutNext},
+                                                      {false, L"43210", kWithoutNext}, {false, L"999", kWithoutNext}};
+    for (const auto& [bWholeAddress, pszPort, buttons] : rows) {
+        SCOPED_TRACE(Narrow(pszPort) + (bWholeAddress ? "" : " and three fields"));
+        Enter(L"192.168.1.100", pszPort);
+        if (!bWholeAddress) {
+            ClearOneField();
+            m_page->TakeButtons();
+        }
+        EXPECT_EQ(m_page->Notify(PSN_SETACTIVE), 0);
+        EXPECT_EQ(m_page->Notify(IPN_FIELDCHANGED), 0);
+        EXPECT_EQ(m_page->Command(kPort, EN_CHANGE), 0);
+        EXPECT_EQ(m_page->TakeButtons(), (ButtonsList{buttons, buttons, buttons}));
+    }
 }
-
-struct Fields
-{
-    bool bWholeAddress;
-    PCWSTR pszPort;
-    Buttons buttons;
-};
-
-class WirelessDebuggingOnButtons : public WirelessDebuggingOnPage, public testing::WithParamInterface<Fields>
-{
-};
-
-TEST_P(WirelessDebuggingOnButtons, FollowAddressAndPort)
-{
-    Enter(L"192.168.1.100", GetParam().pszPort);
-    if (!GetParam().bWholeAddress) {
-        ClearOneField();
-        m_page.TakeButtons();
-    }
-    EXPECT_EQ(m_page.Notify(PSN_SETACTIVE), 0);
-    EXPECT_EQ(m_page.TakeButtons(), ButtonsList{GetParam().buttons});
-    EXPECT_EQ(m_page.Notify(IPN_FIELDCHANGED), 0);
-    EXPECT_EQ(m_page.TakeButtons(), ButtonsList{GetParam().buttons});
-    EXPECT_EQ(m_page.Command(kPort, EN_CHANGE), 0);
-    EXPECT_EQ(m_page.TakeButtons(), ButtonsList{GetParam().buttons});
-}
-
-INSTANTIATE_TEST_SUITE_P(Fields, WirelessDebuggingOnButtons,
-                         testing::Values(Fields{true, L"43210", kWithNext}, Fields{true, L"1024", kWithNext},
-                                         Fields{true, L"999", kWithoutNext}, Fields{true, L"", kWithoutNext},
-                                         Fields{false, L"43210", kWithoutNext}, Fields{false, L"999", kWithoutNext}));
 
 TEST_F(WirelessDebuggingOnPage, ShowsNextWithTheFourthDigitOfThePort)
 {
     Enter(L"192.168.1.100", L"");
-    m_page.Type(kPort, L"432");
-    EXPECT_EQ(m_page.LastButtons(), kWithoutNext);
-    m_page.Type(kPort, L"1");
-    EXPECT_EQ(m_page.TakeButtons(), ButtonsList{kWithNext});
-    m_page.Type(kPort, L"\b");
-    EXPECT_EQ(m_page.TakeButtons(), ButtonsList{kWithoutNext});
+    m_page->Type(kPort, L"432");
+    EXPECT_EQ(m_page->LastButtons(), kWithoutNext);
+    m_page->Type(kPort, L"1");
+    EXPECT_EQ(m_page->TakeButtons(), ButtonsList{kWithNext});
+    m_page->Type(kPort, L"\b");
+    EXPECT_EQ(m_page->TakeButtons(), ButtonsList{kWithoutNext});
 }
 
 TEST_F(WirelessDebuggingOnPage, AnswersAnyOtherCommandWithoutTouchingTheButtons)
 {
     for (const int nNotification : {EN_UPDATE, EN_SETFOCUS, EN_KILLFOCUS, EN_MAXTEXT, BN_CLICKED}) {
-        EXPECT_EQ(m_page.Command(kPort, nNotification), 0);
+        EXPECT_EQ(m_page->Command(kPort, nNotification), 0);
     }
-    EXPECT_EQ(m_page.Command(kAddress, EN_CHANGE), 0);
-    EXPECT_EQ(m_page.Command(IDOK, BN_CLICKED), 0);
-    EXPECT_EQ(m_page.TakeButtons(), ButtonsList{});
-}
-
-TEST_F(WirelessDebuggingOnPage, AnswersAnyOtherNotificationWithoutDoingAnything)
-{
-    for (const UINT nCode :
-         {PSN_WIZBACK, PSN_WIZFINISH, PSN_QUERYCANCEL, PSN_KILLACTIVE, PSN_RESET, PSN_APPLY, PSN_HELP, NM_CLICK}) {
-        EXPECT_EQ(m_page.Notify(nCode), 0);
-    }
-    EXPECT_EQ(m_page.TakeButtons(), ButtonsList{});
-    EXPECT_EQ(Journal(), Lines{});
-}
-
-TEST_F(WirelessDebuggingOnPage, LeavesAnyOtherMessageToTheSystem)
-{
-    for (const UINT nMessage : {WM_CLOSE, WM_TIMER, WM_SIZE, WM_SHOWWINDOW, WM_USER, WM_DESTROY}) {
-        EXPECT_EQ(m_page.Send(nMessage), FALSE);
-    }
+    EXPECT_EQ(m_page->Command(kAddress, EN_CHANGE), 0);
+    EXPECT_EQ(m_page->TakeButtons(), ButtonsList{});
 }
 
 TEST_F(WirelessDebuggingOnPage, StoresTheAddressOfAWatchThatAnswersBothProbes)
 {
-    Enter(L"192.168.1.100", L"43210");
-    EXPECT_EQ(Next(), 0);
-    EXPECT_EQ(Journal(),
-              (Lines{"status \"Pinging 192.168.1.100 (1 of 6)\"", "ping 192.168.1.100", "connect 192.168.1.100:43210",
-                     "status \"Connecting to 192.168.1.100:43210 (1 of 7)\"", "sleep 200", "status \"\""}));
-
+    // With every Next anew.
+    for ([[maybe_unused]] const int nTime : {1, 2}) {
+        ExpectNext(0, {}, {Ping(), Connecting("192.168.1.100:43210", 1), Status("")});
+    }
     // Family, port and address in network order and eight zeros; nothing behind them.
     const BYTE stored[16] = {2, 0, 0xA8, 0xCA, 192, 168, 1, 100};
     EXPECT_EQ(std::memcmp(&m_data.m_saWatchAddress, stored, 16), 0);
@@ -372,161 +278,93 @@ TEST_F(WirelessDebuggingOnPage, StoresTheAddressOfAWatchThatAnswersBothProbes)
     EXPECT_STREQ(m_data.m_szPairingCode, L"000000");
 }
 
-TEST_F(WirelessDebuggingOnPage, RefusesAnAddressOfThreeFieldsBeforeItLooksAtThePort)
+TEST_F(WirelessDebuggingOnPage, RefusesAnAddressThatIsNotWholeBeforeItLooksAtThePort)
 {
     Enter(L"192.168.1.100", L"1");
     ClearOneField();
-    EXPECT_EQ(Next(), -1);
-    ExpectBox(m_page.Window(), L"Please enter a valid IP Address, e.g. 192.168.1.100", L"Invalid IP Address");
-    EXPECT_EQ(Journal(), Lines{"box \"Please enter a valid IP Address, e.g. 192.168.1.100\""});
-    ExpectNothingStored();
-}
-
-TEST_F(WirelessDebuggingOnPage, RefusesAnEmptyAddress)
-{
+    ExpectRefusal("Invalid IP Address", kBadAddress);
     Enter(L"192.168.1.100", L"43210");
-    SendDlgItemMessageW(m_page.Window(), kAddress, IPM_CLEARADDRESS, 0, 0);
-    EXPECT_EQ(Next(), -1);
-    ExpectBox(m_page.Window(), L"Please enter a valid IP Address, e.g. 192.168.1.100", L"Invalid IP Address");
+    SendDlgItemMessageW(m_page->Window(), kAddress, IPM_CLEARADDRESS, 0, 0);
+    ExpectRefusal("Invalid IP Address", kBadAddress);
 }
 
-class WirelessDebuggingOnBadPort : public WirelessDebuggingOnPage, public testing::WithParamInterface<PCWSTR>
+TEST_F(WirelessDebuggingOnPage, RefusesABadPortBeforeAnyProbe)
 {
-};
-
-TEST_P(WirelessDebuggingOnBadPort, IsRefusedBeforeAnyProbe)
-{
-    Enter(L"192.168.1.100", GetParam());
-    EXPECT_EQ(Next(), -1);
-    ExpectBox(m_page.Window(), kPortRange, L"Invalid Port Value");
-    EXPECT_EQ(Journal(), Lines{std::string("box \"") + Narrow(kPortRange) + '"'});
-    ExpectNothingStored();
+    for (const PCWSTR pszPort : {L"1023", L"65536", L"999", L"99999", L"0", L"", L"4x10", L"-4000", L"4294968320"}) {
+        SCOPED_TRACE(Narrow(pszPort));
+        Enter(L"192.168.1.100", pszPort);
+        ExpectRefusal("Invalid Port Value", kPortRange);
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Ports, WirelessDebuggingOnBadPort,
-                         testing::Values(L"1023", L"65536", L"999", L"99999", L"0", L"", L"4x10", L"-4000",
-                                         L"4294968320"));
 
 TEST_F(WirelessDebuggingOnPage, ReadsThePortAsAnUnsignedNumberAndMindsWhetherItIsOne)
 {
-    Enter(L"192.168.1.100", L"43210");
-    const REPLACED(GetDlgItemInt) read([](HWND, int, BOOL* pbTranslated, BOOL) -> UINT {
+    REPLACED(GetDlgItemInt)
+    read([](HWND, int, BOOL* pbTranslated, BOOL) -> UINT {
         *pbTranslated = FALSE;
         return 43210;
     });
-    EXPECT_EQ(Next(), -1);
-    ExpectBox(m_page.Window(), kPortRange, L"Invalid Port Value");
-    EXPECT_EQ(read.Arg<0>(), m_page.Window());
+    read.Unnoted();
+    ExpectRefusal("Invalid Port Value", kPortRange);
+    EXPECT_EQ(read.Arg<0>(), m_page->Window());
     EXPECT_EQ(read.Arg<1>(), kPort);
     EXPECT_EQ(read.Arg<3>(), FALSE);
 }
 
-class WirelessDebuggingOnGoodPort : public WirelessDebuggingOnPage,
-                                    public testing::WithParamInterface<std::pair<PCWSTR, u_short>>
+TEST_F(WirelessDebuggingOnPage, TriesAndStoresAPortFrom1024To65535)
 {
-};
-
-TEST_P(WirelessDebuggingOnGoodPort, IsTriedAndStored)
-{
-    const auto& [pszPort, nPort] = GetParam();
-    Enter(L"192.168.1.100", pszPort);
-    EXPECT_EQ(Next(), 0);
-    EXPECT_EQ(reinterpret_cast<const SOCKADDR_IN&>(m_data.m_saWatchAddress).sin_port, htons(nPort));
-    const std::string strConnect = "connect 192.168.1.100:" + std::to_string(nPort);
-    EXPECT_EQ(JournalOf({strConnect}), Lines{strConnect});
+    const std::pair<PCWSTR, u_short> rows[] = {{L"1024", 1024}, {L"65535", 65535}, {L"01024", 1024}};
+    for (const auto& [pszPort, nPort] : rows) {
+        Enter(L"192.168.1.100", pszPort);
+        ExpectNext(0, {}, {Ping(), Connecting("192.168.1.100:" + std::to_string(nPort), 1), Status("")});
+        EXPECT_EQ(reinterpret_cast<const SOCKADDR_IN&>(m_data.m_saWatchAddress).sin_port, htons(nPort));
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Ports, WirelessDebuggingOnGoodPort,
-                         testing::Values(std::pair<PCWSTR, u_short>(L"1024", u_short(1024)),
-                                         std::pair<PCWSTR, u_short>(L"65535", u_short(65535)),
-                                         std::pair<PCWSTR, u_short>(L"01024", u_short(1024))));
 
 TEST_F(WirelessDebuggingOnPage, LeavesTheWorthOfAnAddressToTheProbes)
 {
-    Enter(L"0.0.0.0", L"43210");
-    EXPECT_EQ(Next(), 0);
-    EXPECT_EQ(Journal()[1], "ping 0.0.0.0");
-    Enter(L"255.255.255.255", L"43210");
-    Journal().clear();
-    EXPECT_EQ(Next(), 0);
-    EXPECT_EQ(Journal()[1], "ping 255.255.255.255");
+    for (const std::string strAddress : {"0.0.0.0", "255.255.255.255"}) {
+        Enter(std::wstring(strAddress.begin(), strAddress.end()).c_str(), L"43210");
+        ExpectNext(0, {},
+                   {Status("Pinging " + strAddress + " (1 of 6)"),
+                    {"ping " + strAddress},
+                    Connecting(strAddress + ":43210", 1),
+                    Status("")});
+    }
 }
 
 TEST_F(WirelessDebuggingOnPage, StaysWhenTheWatchDoesNotAnswerAndDoesNotTryItsPort)
 {
-    m_watch.FallSilent();
-    Enter(L"192.168.1.100", L"43210");
-    EXPECT_EQ(Next(), -1);
-    const Box box = TakeBox();
-    EXPECT_EQ(box.hwndOwner, m_page.Window());
-    EXPECT_EQ(box.strCaption, L"Invalid IP address");
-    Lines expected = SixPings("192.168.1.100");
-    expected.emplace_back("status \"Unreachable\"");
-    expected.push_back("box \"" + Narrow(box.strText) + '"');
-    EXPECT_EQ(Journal(), expected);
-    ExpectNothingStored();
+    m_watch.m_echoes = {kSilence};
+    ExpectNext(-1, {}, {NoAnswer()});
+    EXPECT_TRUE(IsAddressUntouched());
 }
 
 TEST_F(WirelessDebuggingOnPage, StaysWhenTheWatchDoesNotAcceptTheConnection)
 {
-    m_watch.CloseItsPort();
-    Enter(L"192.168.1.100", L"43210");
-    EXPECT_EQ(Next(), -1);
-    ExpectBox(m_page.Window(), kCouldNotConnect, L"Wireless Debugging Connection");
-    ASSERT_EQ(Journal().size(), 2u + 1u + 7u * 2u + 2u);
-    EXPECT_EQ(Lines(Journal().end() - 4, Journal().end()),
-              (Lines{"status \"Connecting to 192.168.1.100:43210 (7 of 7)\"", "sleep 200",
-                     "status \"Could not connect to 192.168.1.100:43210\"",
-                     std::string("box \"") + Narrow(kCouldNotConnect) + '"'}));
-    ExpectNothingStored();
+    m_watch.m_polls = {kRefused};
+    ExpectNext(-1, {},
+               {Ping(), Connecting("192.168.1.100:43210", 7), Status("Could not connect to 192.168.1.100:43210"),
+                Told("Wireless Debugging Connection", kCouldNotConnect)});
+    EXPECT_TRUE(IsAddressUntouched());
 }
 
 TEST_F(WirelessDebuggingOnPage, KeepsAnEarlierAddressWhenALaterTryFails)
 {
-    Enter(L"192.168.1.100", L"43210");
-    EXPECT_EQ(Next(), 0);
+    EXPECT_EQ(m_page->Notify(PSN_WIZNEXT), 0);
     const SOCKADDR_STORAGE stored = m_data.m_saWatchAddress;
 
     Enter(L"192.168.1.101", L"1023");
-    EXPECT_EQ(Next(), -1);
-    TakeBox();
-    EXPECT_EQ(std::memcmp(&m_data.m_saWatchAddress, &stored, sizeof(stored)), 0);
-
+    EXPECT_EQ(m_page->Notify(PSN_WIZNEXT), -1);
     Enter(L"192.168.1.101", L"43211");
-    m_watch.CloseItsPort();
-    EXPECT_EQ(Next(), -1);
-    TakeBox();
-    m_watch.FallSilent();
-    EXPECT_EQ(Next(), -1);
-    TakeBox();
+    m_watch.m_polls = {kRefused};
+    EXPECT_EQ(m_page->Notify(PSN_WIZNEXT), -1);
+    m_watch.m_echoes = {kSilence};
+    EXPECT_EQ(m_page->Notify(PSN_WIZNEXT), -1);
+    for (const PCWSTR pszCaption : {L"Invalid Port Value", L"Wireless Debugging Connection", L"Invalid IP address"}) {
+        EXPECT_EQ(TakeBox().strCaption, pszCaption);
+    }
     EXPECT_EQ(std::memcmp(&m_data.m_saWatchAddress, &stored, sizeof(stored)), 0);
-}
-
-TEST_F(WirelessDebuggingOnPage, ChecksEverythingAgainWithEveryNext)
-{
-    Enter(L"192.168.1.100", L"43210");
-    EXPECT_EQ(Next(), 0);
-    const Lines first = Journal();
-    Journal().clear();
-    EXPECT_EQ(Next(), 0);
-    EXPECT_EQ(Journal(), first);
-}
-
-TEST_F(NewWirelessDebuggingOnPage, EndsTheProcessWhenNoSocketCanBeMade)
-{
-    const Gateway gateway(L"192.168.1.1");
-    const AnsweringWatch watch;
-    const REPLACED(socket) open(Returns(INVALID_SOCKET, WSAEMFILE));
-    HWND hwndPage = nullptr;
-    EXPECT_EQ(ExitCodeOf([&] {
-                  PageWindow page(204, CWirelessDebuggingOnPage::DialogProc, m_data);
-                  hwndPage = page.Window();
-                  SendDlgItemMessageW(hwndPage, kAddress, IPM_SETADDRESS, 0, 0xC0A80164);
-                  page.SetText(kPort, L"43210");
-                  page.Notify(PSN_WIZNEXT);
-              }),
-              10024u);
-    ExpectBox(hwndPage, L"CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_TcpConnect() > socket.Socket()", L"WSA Error");
 }
 
 } // namespace

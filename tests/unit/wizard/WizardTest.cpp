@@ -1,45 +1,19 @@
-// The frame's settings and the page table.
+// The frame's settings, the page table and the data that the pages share.
 
 #include "wizard/Wizard.h"
 
-#include "wizard/ApkInstalledPage.h"
-#include "wizard/InstallApkPage.h"
-#include "wizard/InstructionPages.h"
-#include "wizard/PairDevicePage.h"
-#include "wizard/WelcomePage.h"
-#include "wizard/WirelessDebuggingOnPage.h"
-
 #include "tests/kit/Test.h"
+#include "tests/unit/wizard/Pages.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <new>
 
 using namespace kit;
 
 namespace {
 
 const HINSTANCE kInstance = reinterpret_cast<HINSTANCE>(0x1230000);
-
-struct Page
-{
-    int nDialogId;
-    DLGPROC pfnDialogProc;
-    int nHeaderTitleId;
-};
-
-const Page kPages[] = {
-    {214, CWelcomePage::DialogProc, 217},
-    {203, CConnectWiFiPage::DialogProc, 219},
-    {202, CDeveloperOptionsOnPage::DialogProc, 204},
-    {219, CStayAwakeOnPage::DialogProc, 230},
-    {204, CWirelessDebuggingOnPage::DialogProc, 222},
-    {215, CPairDevicePage::DialogProc, 215},
-    {206, CInstallApkPage::DialogProc, 210},
-    {224, CApkInstalledPage::DialogProc, 240},
-    {221, CStayAwakeOffPage::DialogProc, 236},
-    {222, CWirelessDebuggingOffPage::DialogProc, 202},
-    {220, CRevokeAuthorizationsPage::DialogProc, 233},
-    {217, CDeveloperOptionsOffPage::DialogProc, 224},
-    {218, CDisconnectWiFiPage::DialogProc, 227},
-    {216, CFinishedPage::DialogProc, 207},
-};
 
 class Wizard : public Test
 {
@@ -77,26 +51,16 @@ TEST_F(Wizard, IsAnAeroWizardWithIconAndTitleOfTheApplication)
     });
 }
 
-TEST_F(Wizard, HasFourteenPagesInTheirOrder)
+TEST_F(Wizard, HasFourteenPagesInTheirOrderWithTheSameData)
 {
     static_assert(std::size(kPages) == 14);
-    Run([](const PROPSHEETHEADERW& header) {
+    Run([this](const PROPSHEETHEADERW& header) {
         for (size_t n = 0; n < std::size(kPages); ++n) {
-            const testing::ScopedTrace trace(__FILE__, __LINE__, "page " + std::to_string(n + 1));
+            SCOPED_TRACE(kPages[n].pszName);
             const PROPSHEETPAGEW& page = header.ppsp[n];
             EXPECT_EQ(page.pszTemplate, MAKEINTRESOURCEW(kPages[n].nDialogId));
             EXPECT_EQ(page.pfnDlgProc, kPages[n].pfnDialogProc);
-            EXPECT_EQ(page.pszHeaderTitle, MAKEINTRESOURCEW(kPages[n].nHeaderTitleId));
-        }
-    });
-}
-
-TEST_F(Wizard, GivesEveryPageAHeaderTitleAndTheSameData)
-{
-    Run([this](const PROPSHEETHEADERW& header) {
-        for (size_t n = 0; n < 14; ++n) {
-            const testing::ScopedTrace trace(__FILE__, __LINE__, "page " + std::to_string(n + 1));
-            const PROPSHEETPAGEW& page = header.ppsp[n];
+            EXPECT_EQ(page.pszHeaderTitle, MAKEINTRESOURCEW(kPages[n].nTitleStringId));
             EXPECT_EQ(page.dwSize, sizeof(PROPSHEETPAGEW));
             EXPECT_EQ(page.dwFlags, 0x1000u);
             EXPECT_EQ(page.hInstance, kInstance);
@@ -111,33 +75,34 @@ TEST_F(Wizard, GivesEveryPageAHeaderTitleAndTheSameData)
     });
 }
 
-TEST_F(Wizard, CallsThePageThatTurnsDebuggingOffLikeTheOneThatTurnsItOn)
-{
-    Run([](const PROPSHEETHEADERW& header) {
-        WCHAR szOn[64] = {};
-        WCHAR szOff[64] = {};
-        const HMODULE hModule = GetModuleHandleW(nullptr);
-        LoadStringW(hModule, LOWORD(reinterpret_cast<ULONG_PTR>(header.ppsp[4].pszHeaderTitle)), szOn, 64);
-        LoadStringW(hModule, LOWORD(reinterpret_cast<ULONG_PTR>(header.ppsp[9].pszHeaderTitle)), szOff, 64);
-        EXPECT_STREQ(szOn, L"Turn on Wireless debugging");
-        EXPECT_STREQ(szOff, L"Turn on Wireless debugging");
-        EXPECT_NE(header.ppsp[4].pszHeaderTitle, header.ppsp[9].pszHeaderTitle);
-    });
-}
-
-TEST_F(Wizard, ReturnsWhatTheFrameReturns)
+TEST_F(Wizard, ReturnsWhatTheFrameReturnsAndLeavesTheDataToThePages)
 {
     for (const INT_PTR nResult : {-1, 0, 1, 5}) {
         const REPLACED(PropertySheetW) frame(Returns(nResult));
         EXPECT_EQ(RunWizard(kInstance, m_data), nResult);
     }
-}
-
-TEST_F(Wizard, LeavesTheDataToThePages)
-{
-    Run([](const PROPSHEETHEADERW&) {});
     EXPECT_STREQ(m_data.m_szPairingCode, L"000000");
     EXPECT_EQ(m_data.m_saWatchAddress.ss_family, 0);
+}
+
+TEST(WizardData, HasTheCodeAndThenTheAddressAlignedToEightBytes)
+{
+    EXPECT_EQ(offsetof(CWizardData, m_szPairingCode), 0u);
+    EXPECT_EQ(sizeof(CWizardData::m_szPairingCode), 7 * sizeof(WCHAR));
+    EXPECT_EQ(offsetof(CWizardData, m_saWatchAddress), 16u);
+    EXPECT_EQ(sizeof(CWizardData::m_saWatchAddress), 128u);
+    EXPECT_EQ(alignof(CWizardData), 8u);
+    EXPECT_EQ(sizeof(CWizardData), 144u);
+}
+
+TEST(WizardData, IsZeroAtFirstButForTheSixZerosOfTheCode)
+{
+    alignas(CWizardData) BYTE memory[sizeof(CWizardData)];
+    std::ranges::fill(memory, BYTE(0xCC));
+    const auto* pData = new (memory) CWizardData;
+    EXPECT_STREQ(pData->m_szPairingCode, L"000000");
+    const auto* pAddress = reinterpret_cast<const BYTE*>(&pData->m_saWatchAddress);
+    EXPECT_TRUE(std::all_of(pAddress, pAddress + 128, [](BYTE b) { return b == 0; }));
 }
 
 } // namespace
