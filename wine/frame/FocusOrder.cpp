@@ -34,15 +34,12 @@ HWND NextTabStop(HWND hwndRoot, HWND hwndFrom, bool bBackward)
     if (stops.empty()) {
         return nullptr;
     }
-    const auto holds = [hwndFrom](HWND hwnd) { return hwnd == hwndFrom || IsChild(hwnd, hwndFrom); };
-    const auto from = std::find_if(stops.begin(), stops.end(), holds);
-    if (from == stops.end()) {
-        return bBackward ? stops.back() : stops.front();
-    }
     if (bBackward) {
-        return from == stops.begin() ? stops.back() : *(from - 1);
+        std::ranges::reverse(stops);
     }
-    return from + 1 == stops.end() ? stops.front() : *(from + 1);
+    const auto holds = [hwndFrom](HWND hwnd) { return hwnd == hwndFrom || IsChild(hwnd, hwndFrom); };
+    const auto from = std::ranges::find_if(stops, holds);
+    return from == stops.end() || from + 1 == stops.end() ? stops.front() : *(from + 1);
 }
 
 HWND FirstTabStop(HWND hwndRoot)
