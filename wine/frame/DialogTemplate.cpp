@@ -44,7 +44,7 @@ SIZE PageSize(std::vector<BYTE> dialogTemplate)
     header.dwStyle = (header.dwStyle & DS_SHELLFONT) | WS_POPUP;
     header.nItems = 0;
     const auto* const pTemplate = reinterpret_cast<const DLGTEMPLATE*>(dialogTemplate.data());
-    const HWND hwnd = CreateDialogIndirectParamW(nullptr, pTemplate, nullptr, nullptr, 0);
+    const HWND hwnd = CreateDialogIndirectParamW(GetModuleHandleW(nullptr), pTemplate, nullptr, nullptr, 0);
     RECT rect = {};
     GetClientRect(hwnd, &rect);
     DestroyWindow(hwnd);
