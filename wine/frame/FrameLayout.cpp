@@ -41,7 +41,7 @@ FRAME_LAYOUT LayOutFrame(UINT nDpi, SIZE page, SIZE widestText, const CFrameFont
     const LONG nTitleHeight = MeasureText(fonts.HeaderTitle(), L"X").cy;
     const LONG nTextHeight = MeasureText(fonts.Text(), L"X").cy;
     // Larger text makes larger buttons; nothing is cut.
-    const SIZE button = {std::max(scaled(kButtonWidth), widestText.cx + 2 * scaled(kButtonTextMargin)),
+    const SIZE button = {std::max(scaled(kButtonWidth), widestText.cx + (2 * scaled(kButtonTextMargin))),
                          std::max(scaled(kButtonHeight), widestText.cy + scaled(kButtonTextHeightMargin))};
 
     FRAME_LAYOUT layout = {};
@@ -49,8 +49,8 @@ FRAME_LAYOUT LayOutFrame(UINT nDpi, SIZE page, SIZE widestText, const CFrameFont
     layout.page = RectAt(scaled(kPageMargin), nTitleTop + nTitleHeight + scaled(kHeaderTitleGap), page.cx, page.cy);
     const LONG nStripTop = layout.page.bottom + scaled(kPageBottomMargin);
     layout.frame = {std::max(layout.page.right + scaled(kPageMargin),
-                             3 * button.cx + 2 * (scaled(kStripMargin) + scaled(kButtonGap))),
-                    nStripTop + kLine + button.cy + 2 * scaled(kStripMargin)};
+                             (3 * button.cx) + (2 * (scaled(kStripMargin) + scaled(kButtonGap)))),
+                    nStripTop + kLine + button.cy + (2 * scaled(kStripMargin))};
     layout.strip = {0, nStripTop, layout.frame.cx, layout.frame.cy};
     layout.lastButton = RectAt(layout.frame.cx - scaled(kStripMargin) - button.cx,
                                nStripTop + kLine + scaled(kStripMargin), button.cx, button.cy);
@@ -62,11 +62,12 @@ FRAME_LAYOUT LayOutFrame(UINT nDpi, SIZE page, SIZE widestText, const CFrameFont
     layout.backButton =
         RectAt(scaled(kBackButtonLeft), scaled(kCaptionRowTop), scaled(kBackButtonSize), scaled(kBackButtonSize));
     const LONG nRowMiddle = (layout.backButton.top + layout.backButton.bottom) / 2;
-    layout.icon = RectAt(layout.backButton.right + scaled(kIconGap), nRowMiddle - scaled(kIconSize) / 2,
+    layout.icon = RectAt(layout.backButton.right + scaled(kIconGap), nRowMiddle - (scaled(kIconSize) / 2),
                          scaled(kIconSize), scaled(kIconSize));
     const LONG nTextLeft = layout.icon.right + scaled(kIconGap);
-    layout.captionText = RectAt(nTextLeft, nRowMiddle - nTextHeight / 2, layout.closeBox.left - nTextLeft, nTextHeight);
+    layout.captionText =
+        RectAt(nTextLeft, nRowMiddle - (nTextHeight / 2), layout.closeBox.left - nTextLeft, nTextHeight);
     layout.headerTitle =
-        RectAt(scaled(kHeaderTitleLeft), nTitleTop, layout.frame.cx - 2 * scaled(kHeaderTitleLeft), nTitleHeight);
+        RectAt(scaled(kHeaderTitleLeft), nTitleTop, layout.frame.cx - (2 * scaled(kHeaderTitleLeft)), nTitleHeight);
     return layout;
 }

@@ -23,7 +23,7 @@ void PaintCross(HDC hdc, const RECT& box)
 
 void PaintFrame(HDC hdc, const FRAME_LAYOUT& layout, HFONT hCaptionFont, HICON hIcon, const std::wstring& szCaption)
 {
-    const auto hBrush = static_cast<HBRUSH>(GetStockObject(DC_BRUSH));
+    auto* const hBrush = static_cast<HBRUSH>(GetStockObject(DC_BRUSH));
     const RECT all = {0, 0, layout.frame.cx, layout.frame.cy};
     FillRect(hdc, &all, GetSysColorBrush(COLOR_WINDOW));
     FillRect(hdc, &layout.strip, GetSysColorBrush(COLOR_3DFACE));

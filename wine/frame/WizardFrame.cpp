@@ -138,7 +138,7 @@ bool CWizardFrame::TurnTo(int nPage)
     if (!m_pages.Activate(nPage, m_hwnd, m_layout.page)) {
         return false;
     }
-    CWizardPage& page = m_pages.CurrentPage();
+    const CWizardPage& page = m_pages.CurrentPage();
     SetWindowTextW(m_hwndHeaderTitle, page.HeaderTitle().c_str());
     SetWindowPos(page.Window(), GetDlgItem(m_hwnd, kBackButtonId), 0, 0, 0, 0,
                  SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);

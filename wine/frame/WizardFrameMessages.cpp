@@ -100,7 +100,7 @@ LRESULT CWizardFrame::OnHitTest(POINT point) const
 
 std::optional<LRESULT> CWizardFrame::OnPaintMessage(UINT nMessage, WPARAM wParam, LPARAM lParam)
 {
-    const auto hdc = reinterpret_cast<HDC>(wParam);
+    auto* const hdc = reinterpret_cast<HDC>(wParam);
     switch (nMessage) {
     case WM_NCCALCSIZE: // all of the window is client area: the frame paints its caption itself
     case WM_NCPAINT:

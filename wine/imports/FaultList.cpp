@@ -3,6 +3,7 @@
 #include "imports/Journal.h"
 
 #include <algorithm>
+#include <atomic>
 #include <regex>
 #include <sstream>
 
@@ -65,7 +66,7 @@ const FAULT* FaultOfCall(CFaults& faults, std::string_view szFunction, const std
         if (!Concerns(fault, szFunction, texts)) {
             continue;
         }
-        const auto nCall = static_cast<unsigned>(InterlockedIncrement(&fault.nCalls));
+        const unsigned nCall = ++std::atomic_ref(fault.nCalls);
         if (pFails == nullptr && (fault.nCall == 0 || fault.nCall == nCall)) {
             pFails = &fault;
         }

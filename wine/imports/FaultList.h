@@ -32,7 +32,7 @@ struct FAULT
     bool bHangs = false;
     std::optional<long long> nResult; // without one, as the function tells of a failure
     std::optional<DWORD> dwError;
-    LONG nCalls = 0; // so far
+    unsigned nCalls = 0; // so far
 };
 
 using CFaults = std::vector<FAULT>;

@@ -57,7 +57,7 @@ BOOL WINAPI JournaledCloseHandle(HANDLE hObject)
     return g_pfnCloseHandle(hObject);
 }
 
-[[noreturn]] void WINAPI JournaledExitProcess(UINT nExitCode)
+DECLSPEC_NORETURN void WINAPI JournaledExitProcess(UINT nExitCode)
 {
     WriteJournal(std::format(L"ExitProcess code={}", nExitCode));
     g_pfnExitProcess(nExitCode);

@@ -1,5 +1,6 @@
 #include "system/AddressControl.h"
 
+#include "frame/Owned.h"
 #include "system/AddressText.h"
 
 #include <commctrl.h>
@@ -50,11 +51,41 @@ LRESULT SetText(HWND hwnd, PCWSTR pszText)
     return TRUE;
 }
 
+RECT PlaceOf(HWND hwndField)
+{
+    RECT rect = {};
+    GetWindowRect(hwndField, &rect);
+    MapWindowPoints(nullptr, GetParent(hwndField), reinterpret_cast<POINT*>(&rect), 2);
+    return rect;
+}
+
 LRESULT SetFont(HWND hwnd, WPARAM wFont)
 {
     for (const HWND hwndField : AddressFields(hwnd)) {
         SendMessageW(hwndField, WM_SETFONT, wFont, TRUE);
     }
+    return 0;
+}
+
+// Wine's dots are lower than the numbers and have another font.
+LRESULT Paint(HWND hwnd)
+{
+    CallOriginal(hwnd, WM_PAINT, 0, 0);
+    const bool bEnabled = IsWindowEnabled(hwnd) != FALSE;
+    const std::array<HWND, 4> fields = AddressFields(hwnd);
+    const HDC hdc = GetDC(hwnd);
+    {
+        const CSelection font(hdc, reinterpret_cast<HGDIOBJ>(SendMessageW(fields[0], WM_GETFONT, 0, 0)));
+        SetTextColor(hdc, GetSysColor(bEnabled ? COLOR_WINDOWTEXT : COLOR_GRAYTEXT));
+        SetBkMode(hdc, TRANSPARENT);
+        for (size_t n = 1; n < fields.size(); ++n) {
+            const RECT left = PlaceOf(fields[n - 1]);
+            RECT gap = {left.right, left.top, PlaceOf(fields[n]).left, left.bottom};
+            FillRect(hdc, &gap, GetSysColorBrush(bEnabled ? COLOR_WINDOW : COLOR_3DFACE));
+            DrawTextW(hdc, L".", 1, &gap, DT_SINGLELINE | DT_CENTER | DT_TOP);
+        }
+    }
+    ReleaseDC(hwnd, hdc);
     return 0;
 }
 
@@ -89,6 +120,8 @@ LRESULT CALLBACK AddressProcedure(HWND hwnd, UINT nMessage, WPARAM wParam, LPARA
         return OnCommand(hwnd, wParam, lParam);
     case WM_SETFONT:
         return SetFont(hwnd, wParam);
+    case WM_PAINT:
+        return Paint(hwnd);
     default:
         break;
     }
@@ -120,10 +153,6 @@ std::array<HWND, 4> AddressFields(HWND hwnd)
         hwndNext = hwndField;
         hwndField = GetWindow(hwndField, GW_HWNDNEXT);
     }
-    std::ranges::sort(fields, {}, [](HWND field) {
-        RECT rect = {};
-        GetWindowRect(field, &rect);
-        return rect.left;
-    });
+    std::ranges::sort(fields, {}, [](HWND hwndNext) { return PlaceOf(hwndNext).left; });
     return fields;
 }

@@ -10,7 +10,7 @@
 // - it takes its text: "192.168.1." fills three fields and leaves the fourth blank;
 // - it tells its parent of every change of a field that a user makes (IPN_FIELDCHANGED, without field and value),
 //   Backspace included;
-// - its fields have its font, and are grey when it is made disabled.
+// - its fields and dots have its font and one line, and are grey when it is made disabled.
 // To be called on a thread that may make windows; calls after the first do nothing.
 void MendAddressControl();
 
