@@ -12,20 +12,20 @@
 
 namespace {
 
-decltype(PropertySheetW)* g_pfnPropertySheetW;
+decltype(PropertySheetW)* g_pfnSystemPropertySheetW;
 
 INT_PTR WINAPI ShowPropertySheet(LPCPROPSHEETHEADERW pHeader)
 {
     // Here, on the thread that will make them; the loader's thread must make no windows.
     MendAddressControl();
-    return pHeader != nullptr && IsAeroWizard(*pHeader) ? RunAeroWizard(*pHeader) : g_pfnPropertySheetW(pHeader);
+    return (pHeader->dwFlags & PSH_AEROWIZARD) != 0 ? RunAeroWizard(*pHeader) : g_pfnSystemPropertySheetW(pHeader);
 }
 
 // First what Wine lacks, then what is to fail, then the journal and the transcript of it all.
 bool Install(HMODULE hProgram)
 {
     ReportCrashes();
-    g_pfnPropertySheetW = ReplaceImport(hProgram, "PropertySheetW", ShowPropertySheet);
+    g_pfnSystemPropertySheetW = ReplaceImport(hProgram, "PropertySheetW", ShowPropertySheet);
     ReplaceImport(hProgram, "GetBestRoute2", BestRoute);
     ReplaceImport(hProgram, "MessageBoxW", ShowMessageBox);
     if (!InstallFaults(hProgram)) {
@@ -38,7 +38,7 @@ bool Install(HMODULE hProgram)
 
 } // namespace
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD nReason, LPVOID)
+extern "C" BOOL WINAPI DllMain(HINSTANCE /*hInstance*/, DWORD nReason, LPVOID /*pReserved*/)
 {
     return nReason != DLL_PROCESS_ATTACH || Install(GetModuleHandleW(nullptr));
 }

@@ -3,25 +3,8 @@
 
 #include <windows.h>
 
-class CBackButton
-{
-public:
-    // Makes the button, hidden, in the frame. The frame passes its WM_DRAWITEM on to Draw.
-    bool Create(HWND hwndFrame, int nId, const RECT& rect);
+// Makes a button that draws itself (BS_OWNERDRAW) take two quick clicks as two, as other buttons do.
+void TakeQuickClicks(HWND hwndButton);
 
-    HWND Window() const
-    {
-        return m_hwnd;
-    }
-
-    void Draw(const DRAWITEMSTRUCT& item) const;
-
-private:
-    static LRESULT CALLBACK Procedure(HWND hwnd, UINT nMessage, WPARAM wParam, LPARAM lParam);
-    void SetHot(bool bHot);
-    COLORREF Color(UINT nItemState) const;
-
-    HWND m_hwnd = nullptr;
-    WNDPROC m_pfnOriginal = nullptr;
-    bool m_bHot = false; // the mouse is over it
-};
+// Answers the frame's WM_DRAWITEM.
+void DrawArrow(const DRAWITEMSTRUCT& item);

@@ -1,6 +1,6 @@
 #include "frame/FrameButtons.h"
 
-#include "frame/FrameFonts.h"
+#include "frame/BackButton.h"
 
 #include <algorithm>
 #include <utility>
@@ -12,158 +12,99 @@ struct BUTTON
     DWORD dwFlag; // PSWIZB_
     int nId;
     PCWSTR pszText;
+    DWORD dwKind;
 };
 
-// In tab order. Back is made apart: it is an arrow.
+// In tab order. The arrow draws itself.
 constexpr BUTTON kButtons[] = {
-    {PSWIZB_BACK, kBackButtonId, nullptr},
-    {PSWIZB_NEXT, kNextButtonId, L"&Next"},
-    {PSWIZB_FINISH, kFinishButtonId, L"&Finish"},
-    {PSWIZB_CANCEL, IDCANCEL, L"Cancel"},
+    {PSWIZB_BACK, kBackButtonId, L"Back", BS_OWNERDRAW},
+    {PSWIZB_NEXT, kNextButtonId, L"Next", BS_PUSHBUTTON},
+    {PSWIZB_FINISH, kFinishButtonId, L"Finish", BS_PUSHBUTTON},
+    {PSWIZB_CANCEL, IDCANCEL, L"Cancel", BS_PUSHBUTTON},
 };
 
-size_t IndexOf(DWORD dwButton)
+// None that draws itself, and no check box.
+bool IsPushButton(HWND hwnd)
 {
-    const auto* const pFound = std::find_if(std::begin(kButtons), std::end(kButtons),
-                                            [dwButton](const BUTTON& button) { return button.dwFlag == dwButton; });
-    return static_cast<size_t>(pFound - kButtons);
+    return (SendMessageW(hwnd, WM_GETDLGCODE, 0, 0) & (DLGC_DEFPUSHBUTTON | DLGC_UNDEFPUSHBUTTON)) != 0;
 }
 
-DWORD Merge(DWORD dwOld, DWORD dwNew, DWORD dwMask)
-{
-    return (dwOld & ~dwMask) | (dwNew & dwMask);
-}
-
-// Also false for a window that is just made: it has no place yet.
-bool IsAt(HWND hwnd, const RECT& rect)
-{
-    RECT now = {};
-    GetWindowRect(hwnd, &now);
-    MapWindowPoints(nullptr, GetParent(hwnd), reinterpret_cast<POINT*>(&now), 2);
-    return EqualRect(&now, &rect) != FALSE;
-}
-
-void MoveTo(HWND hwnd, const RECT& rect)
-{
-    if (!IsAt(hwnd, rect)) {
-        SetWindowPos(hwnd, nullptr, rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,
-                     SWP_NOZORDER | SWP_NOACTIVATE);
-    }
-}
-
-LONG_PTR KindOf(HWND hwndButton)
-{
-    return GetWindowLongPtrW(hwndButton, GWL_STYLE) & BS_TYPEMASK;
-}
-
-// A button that draws itself has no outline, and its kind is not to be changed. Null is no button.
 void SetPushButtonKind(HWND hwnd, LONG_PTR nKind)
 {
-    if (IsPushButton(hwnd) && KindOf(hwnd) != nKind && KindOf(hwnd) != BS_OWNERDRAW) {
+    if (IsPushButton(hwnd) && (GetWindowLongPtrW(hwnd, GWL_STYLE) & BS_TYPEMASK) != nKind) {
         SendMessageW(hwnd, BM_SETSTYLE, static_cast<WPARAM>(nKind), TRUE);
     }
 }
 
 } // namespace
 
-SIZE CFrameButtons::WidestText(HFONT hFont)
+SIZE WidestButtonText(HFONT hFont)
 {
     SIZE widest = {};
     for (const BUTTON& button : kButtons) {
-        if (button.pszText != nullptr) {
-            const SIZE size = MeasureText(hFont, button.pszText);
-            widest = {std::max(widest.cx, size.cx), std::max(widest.cy, size.cy)};
-        }
+        const SIZE size = MeasureText(hFont, button.pszText);
+        widest = {std::max(widest.cx, size.cx), std::max(widest.cy, size.cy)};
     }
     return widest;
 }
 
-bool CFrameButtons::CreateBack(HWND hwndFrame, const CFrameLayout& layout)
+void CFrameButtons::Create(HWND hwndFrame, const FRAME_LAYOUT& layout, HFONT hFont)
 {
-    const bool bCreated = m_back.Create(hwndFrame, kBackButtonId, layout.BackButton());
-    m_windows[IndexOf(PSWIZB_BACK)] = m_back.Window();
-    return bCreated;
-}
-
-bool CFrameButtons::CreateStrip(HWND hwndFrame, const CFrameLayout& layout, HFONT hFont)
-{
-    const RECT rect = layout.Button(0);
-    for (size_t n = IndexOf(PSWIZB_NEXT); n < std::size(kButtons); ++n) {
-        m_windows[n] =
-            CreateWindowExW(0, L"Button", kButtons[n].pszText, WS_CHILD | WS_TABSTOP | BS_PUSHBUTTON, rect.left,
-                            rect.top, rect.right - rect.left, rect.bottom - rect.top, hwndFrame,
-                            reinterpret_cast<HMENU>(static_cast<INT_PTR>(kButtons[n].nId)), nullptr, nullptr);
-        if (m_windows[n] == nullptr) {
-            return false;
-        }
-        SendMessageW(m_windows[n], WM_SETFONT, reinterpret_cast<WPARAM>(hFont), FALSE);
+    m_hwndFrame = hwndFrame;
+    for (const BUTTON& button : kButtons) {
+        const RECT& rect = button.nId == kBackButtonId ? layout.backButton : layout.lastButton;
+        const HWND hwnd =
+            CreateWindowExW(0, WC_BUTTONW, button.pszText, WS_CHILD | WS_TABSTOP | button.dwKind, rect.left, rect.top,
+                            rect.right - rect.left, rect.bottom - rect.top, hwndFrame,
+                            reinterpret_cast<HMENU>(static_cast<INT_PTR>(button.nId)), nullptr, nullptr);
+        SendMessageW(hwnd, WM_SETFONT, reinterpret_cast<WPARAM>(hFont), FALSE);
     }
-    return true;
+    TakeQuickClicks(GetDlgItem(hwndFrame, kBackButtonId));
 }
 
-void CFrameButtons::Reset(bool bFirstPage, bool bLastPage)
+void CFrameButtons::Reset(bool bLastPage)
 {
     m_dwShown = PSWIZB_BACK | PSWIZB_CANCEL | (bLastPage ? DWORD{PSWIZB_FINISH} : DWORD{PSWIZB_NEXT});
-    m_dwEnabled = PSWIZB_NEXT | PSWIZB_FINISH | PSWIZB_CANCEL | (bFirstPage ? 0 : DWORD{PSWIZB_BACK});
 }
 
 void CFrameButtons::Show(DWORD dwButtons, DWORD dwMask)
 {
-    m_dwShown = Merge(m_dwShown, dwButtons, dwMask);
+    m_dwShown = (m_dwShown & ~dwMask) | (dwButtons & dwMask);
 }
 
-void CFrameButtons::Enable(DWORD dwButtons, DWORD dwMask)
+void CFrameButtons::Apply(const FRAME_LAYOUT& layout)
 {
-    m_dwEnabled = Merge(m_dwEnabled, dwButtons, dwMask);
-}
-
-void CFrameButtons::Set(DWORD dwButtons)
-{
-    Enable(dwButtons, PSWIZB_BACK | PSWIZB_NEXT | PSWIZB_FINISH);
-    if ((dwButtons & (PSWIZB_FINISH | PSWIZB_DISABLEDFINISH)) != 0) {
-        Show(PSWIZB_FINISH, PSWIZB_NEXT | PSWIZB_FINISH);
-    } else if ((dwButtons & PSWIZB_NEXT) != 0) {
-        Show(PSWIZB_NEXT, PSWIZB_NEXT | PSWIZB_FINISH);
-    }
-}
-
-void CFrameButtons::Apply(const CFrameLayout& layout)
-{
-    int nFromRight = 0;
+    LONG nLeft = layout.lastButton.left;
     for (size_t n = std::size(kButtons); n-- > 0;) {
-        const HWND hwnd = m_windows[n];
-        const bool bShown = (m_dwShown & kButtons[n].dwFlag) != 0;
-        EnableWindow(hwnd, (m_dwEnabled & kButtons[n].dwFlag) != 0);
-        if (bShown && kButtons[n].dwFlag != PSWIZB_BACK) {
-            MoveTo(hwnd, layout.Button(nFromRight++));
+        const int nId = kButtons[n].nId;
+        const HWND hwnd = GetDlgItem(m_hwndFrame, nId);
+        if (nId != kBackButtonId && IsShown(nId)) {
+            SetWindowPos(hwnd, nullptr, nLeft, layout.lastButton.top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+            nLeft -= layout.nButtonStep;
         }
-        ShowWindow(hwnd, bShown ? SW_SHOWNA : SW_HIDE);
+        ShowWindow(hwnd, IsShown(nId) ? SW_SHOWNA : SW_HIDE);
     }
 }
 
-bool CFrameButtons::IsAvailable(DWORD dwButton) const
+bool CFrameButtons::IsShown(int nId) const
 {
-    return (Available() & dwButton) != 0;
+    return std::ranges::any_of(
+        kButtons, [=, this](const BUTTON& button) { return button.nId == nId && (m_dwShown & button.dwFlag) != 0; });
 }
 
 HWND CFrameButtons::Default() const
 {
-    for (const DWORD dwButton : {PSWIZB_NEXT, PSWIZB_FINISH}) {
-        if (IsAvailable(dwButton)) {
-            return Window(dwButton);
+    for (const int nId : {kNextButtonId, kFinishButtonId}) {
+        if (IsShown(nId)) {
+            return GetDlgItem(m_hwndFrame, nId);
         }
     }
     return nullptr;
 }
 
-HWND CFrameButtons::Window(DWORD dwButton) const
-{
-    return m_windows[IndexOf(dwButton)];
-}
-
 void CFrameButtons::MarkDefault(HWND hwndFocus)
 {
-    const HWND hwndDefault = IsPushButton(hwndFocus) ? hwndFocus : Default();
+    const HWND hwndDefault = TakesEnter(hwndFocus) ? hwndFocus : Default();
     const HWND hwndBefore = std::exchange(m_hwndMarked, hwndDefault);
     if (hwndBefore != hwndDefault) {
         SetPushButtonKind(hwndBefore, BS_PUSHBUTTON);
@@ -171,12 +112,7 @@ void CFrameButtons::MarkDefault(HWND hwndFocus)
     SetPushButtonKind(hwndDefault, BS_DEFPUSHBUTTON);
 }
 
-bool IsPushButton(HWND hwnd)
+bool TakesEnter(HWND hwnd)
 {
-    WCHAR szClass[16];
-    if (GetClassNameW(hwnd, szClass, ARRAYSIZE(szClass)) == 0 || lstrcmpiW(szClass, L"Button") != 0) {
-        return false;
-    }
-    const LONG_PTR nKind = KindOf(hwnd);
-    return nKind == BS_PUSHBUTTON || nKind == BS_DEFPUSHBUTTON || nKind == BS_OWNERDRAW;
+    return IsPushButton(hwnd) || GetDlgCtrlID(hwnd) == kBackButtonId;
 }

@@ -1,29 +1,6 @@
 #include "frame/FrameFonts.h"
 
-#include <algorithm>
-#include <iterator>
-
 namespace {
-
-// In order of preference; the dialog font always exists.
-constexpr PCWSTR kFaces[] = {L"Segoe UI", L"MS Shell Dlg"};
-
-int CALLBACK NoteFont(const LOGFONTW*, const TEXTMETRICW*, DWORD, LPARAM lParam)
-{
-    *reinterpret_cast<bool*>(lParam) = true;
-    return 0;
-}
-
-bool IsInstalled(PCWSTR pszFace)
-{
-    const CMemoryDc hdc;
-    LOGFONTW font = {};
-    font.lfCharSet = DEFAULT_CHARSET;
-    lstrcpynW(font.lfFaceName, pszFace, LF_FACESIZE);
-    bool bFound = false;
-    EnumFontFamiliesExW(hdc, &font, NoteFont, reinterpret_cast<LPARAM>(&bFound), 0);
-    return bFound;
-}
 
 CFontHandle MakeFont(PCWSTR pszFace, int nPoints, UINT nDpi)
 {
@@ -34,6 +11,20 @@ CFontHandle MakeFont(PCWSTR pszFace, int nPoints, UINT nDpi)
     font.lfQuality = CLEARTYPE_QUALITY;
     lstrcpynW(font.lfFaceName, pszFace, LF_FACESIZE);
     return CFontHandle(CreateFontIndirectW(&font));
+}
+
+// Segoe UI; where it is not installed the dialog font, which always is.
+CFontHandle MakeFrameFont(int nPoints, UINT nDpi)
+{
+    constexpr PCWSTR kFace = L"Segoe UI";
+    CFontHandle hFont = MakeFont(kFace, nPoints, nDpi);
+    WCHAR szFound[LF_FACESIZE] = {};
+    {
+        const CMemoryDc hdc;
+        const CSelection selection(hdc, hFont.get());
+        GetTextFaceW(hdc, LF_FACESIZE, szFound);
+    }
+    return lstrcmpiW(szFound, kFace) == 0 ? std::move(hFont) : MakeFont(L"MS Shell Dlg", nPoints, nDpi);
 }
 
 } // namespace
@@ -52,10 +43,4 @@ SIZE MeasureText(HFONT hFont, PCWSTR pszText)
     return {rect.right, rect.bottom};
 }
 
-CFrameFonts::CFrameFonts(UINT nDpi)
-{
-    const auto* const pFound = std::find_if(std::begin(kFaces), std::end(kFaces), IsInstalled);
-    const PCWSTR pszFace = pFound == std::end(kFaces) ? kFaces[std::size(kFaces) - 1] : *pFound;
-    m_text = MakeFont(pszFace, 9, nDpi);
-    m_headerTitle = MakeFont(pszFace, 12, nDpi);
-}
+CFrameFonts::CFrameFonts(UINT nDpi) : m_text(MakeFrameFont(9, nDpi)), m_headerTitle(MakeFrameFont(12, nDpi)) {}

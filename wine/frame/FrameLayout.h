@@ -1,49 +1,22 @@
-// Where everything in the wizard's frame is. Numbers only: no window is touched.
+// Where everything in the wizard's frame is, in pixels of its window, which has no non-client area.
 #pragma once
 
-#include <windows.h>
+#include "frame/FrameFonts.h"
 
-// What the layout depends on, in pixels.
-struct FRAME_CONTENT
+struct FRAME_LAYOUT
 {
-    UINT nDpi;
-    SIZE page;         // of the largest page
-    SIZE captionText;  // one line of the caption's font
-    SIZE headerTitle;  // one line of the header title's font; only the height counts
-    SIZE widestButton; // the longest text on a button
+    SIZE frame;
+    RECT caption; // the part at the top by which the user moves the window
+    RECT backButton;
+    RECT icon;
+    RECT captionText;
+    RECT closeBox;
+    RECT headerTitle;
+    RECT page;
+    RECT strip;       // at the bottom, grey
+    RECT lastButton;  // in the strip, the rightmost
+    LONG nButtonStep; // from a button to the one left of it
 };
 
-// All rectangles are in the coordinates of the frame's window, which has no non-client area.
-class CFrameLayout
-{
-public:
-    explicit CFrameLayout(const FRAME_CONTENT& content);
-
-    SIZE Frame() const;
-
-    // The part at the top by which the user moves the window.
-    RECT Caption() const;
-    RECT BackButton() const;
-    RECT Icon() const;
-    RECT CaptionText() const;
-    RECT CloseBox() const;
-
-    RECT HeaderTitle() const;
-    RECT Page() const;
-
-    // The grey strip, with its line at the top.
-    RECT Strip() const;
-
-    // The place of a button in the strip: 0 is the rightmost.
-    RECT Button(int nFromRight) const;
-
-    // The width of the frame's outline and of the strip's line.
-    int LineWidth() const;
-
-private:
-    int Scaled(int nPixels) const;
-    int CaptionHeight() const;
-    SIZE ButtonSize() const;
-
-    FRAME_CONTENT m_content;
-};
+// For pages of this size and buttons with no longer text than this.
+FRAME_LAYOUT LayOutFrame(UINT nDpi, SIZE page, SIZE widestText, const CFrameFonts& fonts);

@@ -5,82 +5,40 @@
 namespace {
 
 constexpr COLORREF kOutline = RGB(112, 112, 112);
-constexpr COLORREF kInactiveOutline = RGB(170, 170, 170);
-constexpr COLORREF kCaption = RGB(0, 0, 0);
-constexpr COLORREF kInactiveCaption = RGB(153, 153, 153);
-constexpr COLORREF kStrip = RGB(240, 240, 240);
 constexpr COLORREF kStripLine = RGB(223, 223, 223);
 
-void Fill(HDC hdc, const RECT& rect, COLORREF color)
+// The cross is 10 pixels wide in a box that is 29 high.
+void PaintCross(HDC hdc, const RECT& box)
 {
-    const CBrushHandle hBrush(CreateSolidBrush(color));
-    FillRect(hdc, &rect, hBrush.get());
-}
-
-void PaintStrip(HDC hdc, const CFrameLayout& layout)
-{
-    RECT strip = layout.Strip();
-    FillRect(hdc, &strip, StripBrush());
-    strip.bottom = strip.top + layout.LineWidth();
-    Fill(hdc, strip, kStripLine);
-}
-
-void PaintCaption(HDC hdc, const FRAME_LOOK& look)
-{
-    const COLORREF color = look.bActive ? kCaption : kInactiveCaption;
-    look.closeBox.Draw(hdc, look.layout.CloseBox(), color);
-    if (look.hIcon != nullptr) {
-        const RECT icon = look.layout.Icon();
-        DrawIconEx(hdc, icon.left, icon.top, look.hIcon, icon.right - icon.left, icon.bottom - icon.top, 0, nullptr,
-                   DI_NORMAL);
-    }
-    RECT text = look.layout.CaptionText();
-    const CSelection selection(hdc, look.hCaptionFont);
-    SetTextColor(hdc, color);
-    SetBkMode(hdc, TRANSPARENT);
-    DrawTextW(hdc, look.szCaption.c_str(), -1, &text, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
-}
-
-void PaintOutline(HDC hdc, const FRAME_LOOK& look)
-{
-    const SIZE size = look.layout.Frame();
-    RECT rect = {0, 0, size.cx, size.cy};
-    const CBrushHandle hBrush(CreateSolidBrush(look.bActive ? kOutline : kInactiveOutline));
-    for (int n = 0; n < look.layout.LineWidth(); ++n) {
-        FrameRect(hdc, &rect, hBrush.get());
-        InflateRect(&rect, -1, -1);
-    }
+    const LONG nHalf = (box.bottom - box.top) * 5 / 29;
+    const POINT middle = {(box.left + box.right) / 2, (box.top + box.bottom) / 2};
+    const CSelection pen(hdc, GetStockObject(BLACK_PEN));
+    MoveToEx(hdc, middle.x - nHalf, middle.y - nHalf, nullptr);
+    LineTo(hdc, middle.x + nHalf + 1, middle.y + nHalf + 1);
+    MoveToEx(hdc, middle.x - nHalf, middle.y + nHalf, nullptr);
+    LineTo(hdc, middle.x + nHalf + 1, middle.y - nHalf - 1);
 }
 
 } // namespace
 
-HBRUSH StripBrush()
+void PaintFrame(HDC hdc, const FRAME_LAYOUT& layout, HFONT hCaptionFont, HICON hIcon, const std::wstring& szCaption)
 {
-    static const CBrushHandle s_hBrush(CreateSolidBrush(kStrip));
-    return s_hBrush.get();
-}
-
-void PaintFrame(HDC hdc, const FRAME_LOOK& look)
-{
-    const SIZE size = look.layout.Frame();
-    const RECT rect = {0, 0, size.cx, size.cy};
-    FillRect(hdc, &rect, GetSysColorBrush(COLOR_WINDOW));
-    PaintStrip(hdc, look.layout);
-    PaintCaption(hdc, look);
-    PaintOutline(hdc, look);
-}
-
-void PaintFrameWindow(HWND hwnd, const FRAME_LOOK& look)
-{
-    PAINTSTRUCT paint;
-    const HDC hdc = BeginPaint(hwnd, &paint);
-    if (hdc != nullptr) {
-        const SIZE size = look.layout.Frame();
-        const CMemoryDc hdcMemory(hdc);
-        const CBitmapHandle hBitmap(CreateCompatibleBitmap(hdc, size.cx, size.cy));
-        const CSelection selection(hdcMemory, hBitmap.get());
-        PaintFrame(hdcMemory, look);
-        BitBlt(hdc, 0, 0, size.cx, size.cy, hdcMemory, 0, 0, SRCCOPY);
+    auto* const hBrush = static_cast<HBRUSH>(GetStockObject(DC_BRUSH));
+    const RECT all = {0, 0, layout.frame.cx, layout.frame.cy};
+    FillRect(hdc, &all, GetSysColorBrush(COLOR_WINDOW));
+    FillRect(hdc, &layout.strip, GetSysColorBrush(COLOR_3DFACE));
+    const RECT line = {0, layout.strip.top, layout.strip.right, layout.strip.top + 1};
+    SetDCBrushColor(hdc, kStripLine);
+    FillRect(hdc, &line, hBrush);
+    SetDCBrushColor(hdc, kOutline);
+    FrameRect(hdc, &all, hBrush);
+    PaintCross(hdc, layout.closeBox);
+    if (hIcon != nullptr) {
+        DrawIconEx(hdc, layout.icon.left, layout.icon.top, hIcon, layout.icon.right - layout.icon.left,
+                   layout.icon.bottom - layout.icon.top, 0, nullptr, DI_NORMAL);
     }
-    EndPaint(hwnd, &paint);
+    RECT text = layout.captionText;
+    const CSelection font(hdc, hCaptionFont);
+    SetBkMode(hdc, TRANSPARENT);
+    DrawTextW(hdc, szCaption.c_str(), -1, &text, DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
 }

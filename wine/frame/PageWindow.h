@@ -4,9 +4,5 @@
 
 #include <windows.h>
 
-// Posted by a page that asks for the next control of the whole wizard. wParam: as in WM_NEXTDLGCTL
-// with a low word of 0 in lParam, non-zero for the one before.
-constexpr UINT kMoveFocusMessage = WM_APP + 1;
-
-// Gives the window of a page, a child of the frame, these additions. They end with the window.
+// Gives the window of a page, a child of the frame, these additions: it leaves WM_NEXTDLGCTL to the frame.
 void DressPage(HWND hwndPage);

@@ -15,9 +15,6 @@
 #ifndef PSM_SHOWWIZBUTTONS
 #define PSM_SHOWWIZBUTTONS (WM_USER + 138)
 #endif
-#ifndef PSM_ENABLEWIZBUTTONS
-#define PSM_ENABLEWIZBUTTONS (WM_USER + 139)
-#endif
 
 // The ids that the frame's buttons have on Windows; Cancel is IDCANCEL.
 constexpr int kBackButtonId = 0x3023;

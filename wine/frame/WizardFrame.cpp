@@ -7,27 +7,19 @@
 #include <algorithm>
 #include <utility>
 
-extern "C" IMAGE_DOS_HEADER __ImageBase;
-
 namespace {
 
 // The class that the frames of Windows' own Aero wizards have.
-constexpr WCHAR kClassName[] = L"NativeHWNDHost";
-
-HINSTANCE OwnModule()
-{
-    return reinterpret_cast<HINSTANCE>(&__ImageBase);
-}
+constexpr WCHAR kFrameClass[] = L"NativeHWNDHost";
 
 void RegisterFrameClass(WNDPROC pfnProcedure)
 {
-    WNDCLASSEXW windowClass = {};
-    windowClass.cbSize = sizeof(windowClass);
+    WNDCLASSW windowClass = {};
     windowClass.lpfnWndProc = pfnProcedure;
-    windowClass.hInstance = OwnModule();
+    windowClass.hInstance = GetModuleHandleW(nullptr);
     windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-    windowClass.lpszClassName = kClassName;
-    RegisterClassExW(&windowClass); // fails the second time, rightly
+    windowClass.lpszClassName = kFrameClass;
+    RegisterClassW(&windowClass); // fails the second time, rightly
 }
 
 // The middle of the screen, but never with the caption beyond its top.
@@ -39,41 +31,11 @@ POINT Middle(SIZE size)
             std::max(area.top, (area.top + area.bottom - size.cy) / 2)};
 }
 
-// The desktop as a parent means none.
-HWND OwnerOf(const PROPSHEETHEADERW& header)
-{
-    return header.hwndParent == nullptr || header.hwndParent == GetDesktopWindow()
-               ? nullptr
-               : GetAncestor(header.hwndParent, GA_ROOT);
-}
-
-HICON LoadFrameIcon(const PROPSHEETHEADERW& header, int nSize)
-{
-    if ((header.dwFlags & PSH_USEICONID) != 0) {
-        return static_cast<HICON>(LoadImageW(header.hInstance, header.pszIcon, IMAGE_ICON, nSize, nSize, 0));
-    }
-    if ((header.dwFlags & PSH_USEHICON) != 0) {
-        return static_cast<HICON>(CopyImage(header.hIcon, IMAGE_ICON, nSize, nSize, 0));
-    }
-    return nullptr;
-}
-
 } // namespace
 
 CWizardFrame::~CWizardFrame()
 {
-    // Enabled first: else, with this window, the active one would be one of another program.
-    if (m_hwndOwner != nullptr) {
-        EnableWindow(m_hwndOwner, TRUE);
-    }
-    if (m_hwnd != nullptr) {
-        DestroyWindow(m_hwnd);
-    }
-    for (const HICON hIcon : {m_hIcon, m_hSmallIcon}) {
-        if (hIcon != nullptr) {
-            DestroyIcon(hIcon);
-        }
-    }
+    DestroyWindow(m_hwnd);
 }
 
 bool CWizardFrame::Create(const PROPSHEETHEADERW& header)
@@ -81,138 +43,104 @@ bool CWizardFrame::Create(const PROPSHEETHEADERW& header)
     if (!m_pages.Load(header)) {
         return false;
     }
-    MakeLayout();
-    ReadHeader(header);
-    const HWND hwndOwner = OwnerOf(header);
-    if (!CreateFrameWindow(hwndOwner) || !CreateControls()) {
+    m_layout = LayOutFrame(GetDpiForSystem(), m_pages.Size(), WidestButtonText(m_fonts.Text()), m_fonts);
+    m_szCaption = ResourceText(header.hInstance, header.pszCaption);
+    if ((header.dwFlags & PSH_USEICONID) != 0) {
+        const int nSize = m_layout.icon.right - m_layout.icon.left;
+        m_hIcon = static_cast<HICON>(LoadImageW(header.hInstance, header.pszIcon, IMAGE_ICON, nSize, nSize, LR_SHARED));
+    }
+    if (!CreateFrameWindow()) {
         return false;
     }
-    m_pages.Place(m_hwnd, m_layout->Page());
-    const int nStart = std::clamp(static_cast<int>(header.nStartPage), 0, m_pages.Count() - 1);
-    if (!TurnTo(nStart, 1)) {
+    CreateControls();
+    if (!TurnTo(0)) {
         return false;
-    }
-    if (hwndOwner != nullptr && !EnableWindow(hwndOwner, FALSE)) {
-        m_hwndOwner = hwndOwner;
     }
     ShowWindow(m_hwnd, SW_SHOWNORMAL);
     SetForegroundWindow(m_hwnd);
     return true;
 }
 
-void CWizardFrame::MakeLayout()
-{
-    m_layout.emplace(FRAME_CONTENT{.nDpi = m_nDpi,
-                                   .page = m_pages.Size(),
-                                   .captionText = MeasureText(m_fonts.Text(), L"X"),
-                                   .headerTitle = MeasureText(m_fonts.HeaderTitle(), L"X"),
-                                   .widestButton = CFrameButtons::WidestText(m_fonts.Text())});
-}
-
-void CWizardFrame::ReadHeader(const PROPSHEETHEADERW& header)
-{
-    m_hInstance = header.hInstance;
-    m_szCaption = ResourceText(header.hInstance, header.pszCaption);
-    m_hIcon = LoadFrameIcon(header, GetSystemMetrics(SM_CXICON));
-    const RECT icon = m_layout->Icon();
-    m_hSmallIcon = LoadFrameIcon(header, icon.right - icon.left);
-}
-
 // The window has a caption and a system menu, but its client area covers them: see WM_NCCALCSIZE.
-bool CWizardFrame::CreateFrameWindow(HWND hwndOwner)
+bool CWizardFrame::CreateFrameWindow()
 {
     RegisterFrameClass(Procedure);
-    const SIZE size = m_layout->Frame();
+    const SIZE size = m_layout.frame;
     const POINT at = Middle(size);
-    m_hwnd = CreateWindowExW(WS_EX_CONTROLPARENT, kClassName, m_szCaption.c_str(),
-                             WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_CLIPCHILDREN, at.x, at.y, size.cx, size.cy,
-                             hwndOwner, nullptr, OwnModule(), this);
-    if (m_hwnd == nullptr) {
-        return false;
-    }
-    SendMessageW(m_hwnd, WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(m_hIcon));
-    SendMessageW(m_hwnd, WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(m_hSmallIcon));
-    return true;
+    return CreateWindowExW(WS_EX_CONTROLPARENT, kFrameClass, m_szCaption.c_str(),
+                           WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_CLIPCHILDREN, at.x, at.y, size.cx, size.cy, nullptr,
+                           nullptr, GetModuleHandleW(nullptr), this) != nullptr;
 }
 
-bool CWizardFrame::CreateControls()
+void CWizardFrame::CreateControls()
 {
-    if (!m_buttons.CreateBack(m_hwnd, *m_layout)) {
-        return false;
-    }
-    const RECT title = m_layout->HeaderTitle();
-    m_hwndHeaderTitle = CreateWindowExW(0, L"Static", nullptr, WS_CHILD | WS_VISIBLE | SS_NOPREFIX | SS_ENDELLIPSIS,
+    m_buttons.Create(m_hwnd, m_layout, m_fonts.Text());
+    const RECT& title = m_layout.headerTitle;
+    m_hwndHeaderTitle = CreateWindowExW(0, WC_STATICW, nullptr, WS_CHILD | WS_VISIBLE | SS_NOPREFIX | SS_ENDELLIPSIS,
                                         title.left, title.top, title.right - title.left, title.bottom - title.top,
                                         m_hwnd, nullptr, nullptr, nullptr);
-    if (m_hwndHeaderTitle == nullptr) {
-        return false;
-    }
     SendMessageW(m_hwndHeaderTitle, WM_SETFONT, reinterpret_cast<WPARAM>(m_fonts.HeaderTitle()), FALSE);
-    return m_buttons.CreateStrip(m_hwnd, *m_layout, m_fonts.Text());
 }
 
-void CWizardFrame::Press(DWORD dwButton)
+void CWizardFrame::Press(int nId)
 {
-    switch (dwButton) {
-    case PSWIZB_BACK:
-        GoTo(m_pages.Neighbour(PSN_WIZBACK, -1), -1);
+    switch (nId) {
+    case kBackButtonId:
+        if (m_pages.Allows(PSN_WIZBACK)) {
+            GoTo(m_pages.Current() - 1);
+        }
         break;
-    case PSWIZB_NEXT:
-        GoTo(m_pages.Neighbour(PSN_WIZNEXT, 1), 1);
+    case kNextButtonId:
+        if (m_pages.Allows(PSN_WIZNEXT)) {
+            GoTo(m_pages.Current() + 1);
+        }
         break;
-    case PSWIZB_FINISH:
-        if (m_pages.MayFinish()) {
+    case kFinishButtonId:
+        if (m_pages.Allows(PSN_WIZFINISH)) {
             End(kWizardFinished);
         }
         break;
-    case PSWIZB_CANCEL:
-        Cancel(false);
+    case IDCANCEL:
+        if (m_pages.Allows(PSN_QUERYCANCEL)) {
+            End(kWizardCancelled);
+        }
         break;
     default:
         break;
     }
 }
 
-void CWizardFrame::PressIfAvailable(DWORD dwButton)
+void CWizardFrame::PressIfShown(int nId)
 {
-    if (m_buttons.IsAvailable(dwButton)) {
-        Press(dwButton);
-    }
-}
-
-void CWizardFrame::Cancel(bool bByCloseBox)
-{
-    if (m_pages.MayCancel()) {
-        m_pages.Reset(bByCloseBox);
-        End(kWizardCancelled);
+    if (m_buttons.IsShown(nId)) {
+        Press(nId);
     }
 }
 
 // Leaves the current page for another one, if there is that one and the current one lets go.
-void CWizardFrame::GoTo(int nPage, int nStep)
+void CWizardFrame::GoTo(int nPage)
 {
     // The wizard may have been ended from within the notification that led here.
-    if (m_result || !m_pages.Has(nPage) || nPage == m_pages.Current() || !m_pages.MayLeave()) {
+    if (m_result || nPage < 0 || nPage >= m_pages.Count() || !m_pages.Allows(PSN_KILLACTIVE)) {
         return;
     }
-    if (!TurnTo(nPage, nStep)) {
+    if (!TurnTo(nPage)) {
         End(kWizardFailed);
     }
 }
 
-bool CWizardFrame::TurnTo(int nPage, int nStep)
+bool CWizardFrame::TurnTo(int nPage)
 {
-    const auto resetButtons = [this] {
-        m_buttons.Reset(m_pages.Current() == 0, m_pages.Current() == m_pages.Count() - 1);
-    };
     // Buttons that the page shows and hides while it is activated are seen when all of that has arrived:
     // what it posts comes before what is posted after it.
     m_bSettled = false;
-    if (!m_pages.Activate(nPage, nStep, resetButtons)) {
+    m_buttons.Reset(nPage == m_pages.Count() - 1);
+    if (!m_pages.Activate(nPage, m_hwnd, m_layout.page)) {
         return false;
     }
-    SetWindowTextW(m_hwndHeaderTitle, m_pages.CurrentPage().HeaderTitle().c_str());
-    SetWindowPos(m_pages.CurrentPage().Window(), m_hwndHeaderTitle, 0, 0, 0, 0,
+    const CWizardPage& page = m_pages.CurrentPage();
+    SetWindowTextW(m_hwndHeaderTitle, page.HeaderTitle().c_str());
+    SetWindowPos(page.Window(), GetDlgItem(m_hwnd, kBackButtonId), 0, 0, 0, 0,
                  SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     m_pages.ShowCurrent();
     PlaceFocus();
@@ -231,7 +159,7 @@ void CWizardFrame::End(INT_PTR nResult)
 void CWizardFrame::Settle()
 {
     m_bSettled = true;
-    m_buttons.Apply(*m_layout);
+    m_buttons.Apply(m_layout);
     if (std::exchange(m_bDefaultGetsFocus, false) || !IsFocusUsable()) {
         FocusDefault();
     }
@@ -309,11 +237,11 @@ void CWizardFrame::MoveFocus(bool bBackward)
 
 void CWizardFrame::PressEnter(HWND hwndFocus)
 {
-    if (IsPushButton(hwndFocus)) {
+    if (TakesEnter(hwndFocus)) {
         SendMessageW(GetParent(hwndFocus), WM_COMMAND,
                      MAKEWPARAM(static_cast<WORD>(GetDlgCtrlID(hwndFocus)), BN_CLICKED),
                      reinterpret_cast<LPARAM>(hwndFocus));
-    } else if (m_buttons.Default() != nullptr) {
-        OnCommand(GetDlgCtrlID(m_buttons.Default()));
+    } else {
+        Press(GetDlgCtrlID(m_buttons.Default()));
     }
 }

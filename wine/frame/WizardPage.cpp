@@ -1,43 +1,37 @@
 #include "frame/WizardPage.h"
 
+#include "frame/DialogTemplate.h"
 #include "frame/PageTexts.h"
 #include "frame/PageWindow.h"
 #include "frame/ResourceText.h"
 
-#include <algorithm>
-#include <cstring>
+#include <utility>
 
 namespace {
 
-// The page whose window is being made. Windows are made on one thread, one at a time.
+// The page whose window is being made.
 CWizardPage* g_pCreating = nullptr;
 
 } // namespace
 
 CWizardPage::CWizardPage(const PROPSHEETPAGEW& record)
+    : m_record(record), m_template(LoadPageTemplate(record.hInstance, record.pszTemplate))
 {
-    memcpy(&m_record, &record, std::min<size_t>(record.dwSize, sizeof(m_record)));
-    if ((m_record.dwFlags & (PSP_DLGINDIRECT | PSP_USECALLBACK)) != 0) {
-        SetLastError(ERROR_NOT_SUPPORTED);
-        return;
+    if ((record.dwFlags & PSP_USEHEADERTITLE) != 0) {
+        m_szHeaderTitle = ResourceText(record.hInstance, record.pszHeaderTitle);
     }
-    if ((m_record.dwFlags & PSP_USEHEADERTITLE) != 0) {
-        m_szHeaderTitle = ResourceText(m_record.hInstance, m_record.pszHeaderTitle);
-    }
-    m_template = CDialogTemplate::Load(m_record.hInstance, m_record.pszTemplate);
 }
 
-bool CWizardPage::HasTemplate(LONG_PTR nDialogId) const
+SIZE CWizardPage::Size() const
 {
-    return m_record.pszTemplate == MAKEINTRESOURCEW(nDialogId);
+    return PageSize(m_template);
 }
 
 bool CWizardPage::Create(HWND hwndFrame, const RECT& rect)
 {
-    CWizardPage* const pOuter = std::exchange(g_pCreating, this);
-    m_hwnd = CreateDialogIndirectParamW(m_record.hInstance, m_template->ForPage(), hwndFrame, FirstDialogProc,
-                                        reinterpret_cast<LPARAM>(&m_record));
-    g_pCreating = pOuter;
+    g_pCreating = this;
+    m_hwnd = CreateDialogIndirectParamW(m_record.hInstance, reinterpret_cast<const DLGTEMPLATE*>(m_template.data()),
+                                        hwndFrame, FirstDialogProc, reinterpret_cast<LPARAM>(&m_record));
     if (m_hwnd == nullptr) {
         return false;
     }
@@ -68,12 +62,11 @@ bool CWizardPage::TakePlacedFocus()
     return std::exchange(m_bPlacedFocus, false);
 }
 
-LRESULT CWizardPage::Notify(UINT nCode, LPARAM lParam) const
+LRESULT CWizardPage::Notify(UINT nCode) const
 {
     PSHNOTIFY notification = {};
     notification.hdr.hwndFrom = GetParent(m_hwnd);
     notification.hdr.code = nCode;
-    notification.lParam = lParam;
     SetWindowLongPtrW(m_hwnd, DWLP_MSGRESULT, 0);
     return SendMessageW(m_hwnd, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&notification));
 }

@@ -1,45 +1,34 @@
 // One page of a wizard: its record, its template, its window once it was shown.
 #pragma once
 
-#include "frame/DialogTemplate.h"
 #include "frame/PropertySheet.h"
 
 #include <string>
-#include <utility>
+#include <vector>
 
 class CWizardPage
 {
 public:
-    // The frame keeps a copy of the record; that copy is what the page gets with WM_INITDIALOG. Throws
-    // nothing: IsLoaded tells whether the template was found, the last error why not.
+    // The frame keeps a copy of the record; that copy is what the page gets with WM_INITDIALOG.
     explicit CWizardPage(const PROPSHEETPAGEW& record);
     CWizardPage(const CWizardPage&) = delete;
     CWizardPage& operator=(const CWizardPage&) = delete;
 
+    // Whether there is a template; the rest is for pages that have one.
     bool IsLoaded() const
     {
-        return m_template.has_value();
+        return !m_template.empty();
     }
 
-    SIZE Size() const
-    {
-        return m_template->Size();
-    }
+    SIZE Size() const;
 
-    // The text of the header title; empty for a page without one.
+    // Empty for a page without one.
     const std::wstring& HeaderTitle() const
     {
         return m_szHeaderTitle;
     }
 
-    void SetHeaderTitle(std::wstring szTitle)
-    {
-        m_szHeaderTitle = std::move(szTitle);
-    }
-
-    bool HasTemplate(LONG_PTR nDialogId) const;
-
-    // Makes the page's window, hidden, in rect of the frame. False, with the last error, when it cannot.
+    // Makes the page's window, hidden, in rect of the frame. False when it cannot.
     bool Create(HWND hwndFrame, const RECT& rect);
 
     // Null until Create.
@@ -65,13 +54,13 @@ public:
     }
 
     // Sends a notification of the frame to the page; returns the page's answer.
-    LRESULT Notify(UINT nCode, LPARAM lParam = 0) const;
+    LRESULT Notify(UINT nCode) const;
 
 private:
     static INT_PTR CALLBACK FirstDialogProc(HWND hwnd, UINT nMessage, WPARAM wParam, LPARAM lParam);
 
-    PROPSHEETPAGEW m_record = {};
-    std::optional<CDialogTemplate> m_template;
+    PROPSHEETPAGEW m_record;
+    std::vector<BYTE> m_template;
     HWND m_hwnd = nullptr;
     std::wstring m_szHeaderTitle;
     bool m_bPlacedFocus = false;

@@ -18,83 +18,41 @@
 #include <shlobj.h>
 
 #include <algorithm>
-#include <cstdio>
+#include <string_view>
 #include <type_traits>
 
 namespace {
 
-// Null until InstallFaults.
-CFaultList* g_pFaults;
+// Lives as long as the process: any of its threads may be in one of these calls at its end.
+CFaults* g_pFaults;
 
-// Whether a function reads the texts that it may write to. Others are only to fill that memory, which may hold
-// anything before.
-enum class WRITABLE_TEXTS
+// A text that the call can be told by. Memory that the function is to fill may hold anything before.
+void AddText(std::vector<std::wstring>& texts, PCWSTR psz)
 {
-    AreFilled,
-    AreRead,
-};
+    if (!IS_INTRESOURCE(psz)) {
+        texts.emplace_back(psz);
+    }
+}
 
-// What a call can be told by: the texts among its arguments, the path behind a handle of a file, the number of a
-// resource.
-template<WRITABLE_TEXTS kWritable>
-class CCallTexts
+void AddText(std::vector<std::wstring>& texts, UINT nResource)
 {
-public:
-    template<typename... Args>
-    explicit CCallTexts(Args... args)
-    {
-        (Add(args), ...);
-    }
+    texts.push_back(std::to_wstring(nResource));
+}
 
-    const std::vector<std::wstring>& Texts() const
-    {
-        return m_texts;
+void AddText(std::vector<std::wstring>& texts, HANDLE hFile)
+{
+    WCHAR szPath[MAX_PATH];
+    const DWORD nLength =
+        GetFileType(hFile) == FILE_TYPE_DISK ? GetFinalPathNameByHandleW(hFile, szPath, ARRAYSIZE(szPath), 0) : 0;
+    if (nLength > 0 && nLength < ARRAYSIZE(szPath)) {
+        texts.emplace_back(szPath);
     }
+}
 
-private:
-    void Add(PCWSTR psz)
-    {
-        if (IS_INTRESOURCE(psz)) {
-            Add(static_cast<UINT>(LOWORD(reinterpret_cast<UINT_PTR>(psz))));
-        } else {
-            m_texts.emplace_back(psz);
-        }
-    }
-
-    void Add(PWSTR psz)
-    {
-        if (kWritable == WRITABLE_TEXTS::AreRead && psz != nullptr) {
-            m_texts.emplace_back(psz);
-        }
-    }
-
-    void Add(UINT nNumber)
-    {
-        m_texts.push_back(std::to_wstring(nNumber));
-    }
-
-    void Add(HANDLE hFile)
-    {
-        WCHAR szPath[MAX_PATH];
-        const DWORD nLength =
-            GetFileType(hFile) == FILE_TYPE_DISK ? GetFinalPathNameByHandleW(hFile, szPath, ARRAYSIZE(szPath), 0) : 0;
-        if (nLength > 0 && nLength < ARRAYSIZE(szPath)) {
-            m_texts.emplace_back(szPath);
-        }
-    }
-
-    void Add(LPSHFILEOPSTRUCTW pOperation)
-    {
-        Add(pOperation->pFrom);
-    }
-
-    template<typename Argument>
-    void Add(const Argument&)
-    {
-    }
-
-    std::vector<std::wstring> m_texts;
-};
+template<typename Argument>
+void AddText(std::vector<std::wstring>& /*texts*/, const Argument& /*argument*/)
+{
+}
 
 // How a function tells its caller of a failure.
 enum class TELLS
@@ -120,16 +78,11 @@ Result Fail(const FAULT& fault, TELLS tells)
     if (fault.dwError) {
         SetLastError(*fault.dwError);
     }
-    switch (fault.kind) {
-    case FAULT_KIND::Return:
-        return ToResult<Result>(fault.nResult);
-    case FAULT_KIND::Null:
-        return ToResult<Result>(0);
-    default:
-        break;
+    if (fault.nResult) {
+        return ToResult<Result>(*fault.nResult);
     }
     if (tells == TELLS::Code) {
-        return ToResult<Result>(*fault.dwError);
+        return ToResult<Result>(fault.dwError.value_or(0));
     }
     return ToResult<Result>(tells == TELLS::Zero ? 0 : -1);
 }
@@ -147,50 +100,54 @@ struct NAME
 };
 
 // One function: the stand-in, and what it stands in for.
-template<NAME kName, TELLS kTells, WRITABLE_TEXTS kWritable, typename Function>
+template<NAME kName, TELLS kTells, typename Function>
 struct FAILING_CALL;
 
-template<NAME kName, TELLS kTells, WRITABLE_TEXTS kWritable, typename Result, typename... Args>
-struct FAILING_CALL<kName, kTells, kWritable, Result WINAPI(Args...)>
+template<NAME kName, TELLS kTells, typename Result, typename... Args>
+struct FAILING_CALL<kName, kTells, Result WINAPI(Args...)>
 {
     static inline Result(WINAPI* s_pfnReal)(Args...) = nullptr;
 
     static Result WINAPI Call(Args... args)
     {
         const DWORD dwError = GetLastError();
-        const FAULT* const pFault = g_pFaults->OnCall(kName.sz, CCallTexts<kWritable>(args...).Texts());
+        std::vector<std::wstring> texts;
+        (AddText(texts, args), ...);
+        const FAULT* const pFault = FaultOfCall(*g_pFaults, kName.sz, texts);
         SetLastError(dwError);
         if (pFault == nullptr) {
             return s_pfnReal(args...);
         }
         WriteJournal(L"fault " + std::wstring(pFault->szFunction.begin(), pFault->szFunction.end()));
-        while (pFault->kind == FAULT_KIND::Hang) {
+        if (pFault->bHangs) {
             Sleep(INFINITE);
         }
         return Fail<Result>(*pFault, kTells);
     }
 
+    // Once, however many faults the function has.
     static bool Install(HMODULE hModule)
     {
-        s_pfnReal = ReplaceImport(hModule, kName.sz, Call);
+        if (s_pfnReal == nullptr) {
+            s_pfnReal = ReplaceImport(hModule, kName.sz, Call);
+        }
         return s_pfnReal != nullptr;
     }
 };
 
 struct ROW
 {
-    PCSTR pszFunction;
+    std::string_view szFunction;
     bool (*pfnInstall)(HMODULE hModule);
 };
 
-template<NAME kName, TELLS kTells, WRITABLE_TEXTS kWritable, typename Function>
+template<NAME kName, TELLS kTells, typename Function>
 constexpr ROW Row()
 {
-    return {kName.sz, FAILING_CALL<kName, kTells, kWritable, Function>::Install};
+    return {kName.sz, FAILING_CALL<kName, kTells, Function>::Install};
 }
 
-#define CALL(function, tells) Row<#function, TELLS::tells, WRITABLE_TEXTS::AreFilled, decltype(function)>()
-#define READING_CALL(function, tells) Row<#function, TELLS::tells, WRITABLE_TEXTS::AreRead, decltype(function)>()
+#define CALL(function, tells) Row<#function, TELLS::tells, decltype(function)>()
 
 constexpr ROW kRows[] = {
     // memory for texts
@@ -198,14 +155,12 @@ constexpr ROW kRows[] = {
     // start-up and its end
     CALL(LoadStringW, Zero),
     CALL(CreateMutexW, Zero),
-    CALL(ReleaseMutex, Zero),
     CALL(VerifyVersionInfoW, Zero),
     CALL(CoInitializeEx, Code),
     CALL(WSAStartup, Code),
-    CALL(WSACleanup, MinusOne),
     CALL(QueryFullProcessImageNameW, Zero),
     CALL(SHGetKnownFolderPath, Code),
-    READING_CALL(PathCchAppend, Code),
+    CALL(PathCchAppend, Code),
     CALL(PropertySheetW, MinusOne),
     // deployment of the tools
     CALL(PathCchCombine, Code),
@@ -225,11 +180,7 @@ constexpr ROW kRows[] = {
     // network
     CALL(GetBestInterfaceEx, Code),
     CALL(GetBestRoute2, Code),
-    CALL(IcmpCreateFile, MinusOne),
     CALL(IcmpSendEcho2, Zero),
-    CALL(InetNtopW, Zero),
-    READING_CALL(WSAStringToAddressW, MinusOne),
-    CALL(WSAAddressToStringW, MinusOne),
     CALL(socket, MinusOne),
     CALL(ioctlsocket, MinusOne),
     CALL(connect, MinusOne),
@@ -240,44 +191,29 @@ constexpr ROW kRows[] = {
     CALL(SetWindowSubclass, Zero),
     CALL(GetDlgItemInt, Zero),
     CALL(GetDlgItemTextW, Zero),
-    CALL(CoCreateInstance, Code),
     // the tool's process
     CALL(CreatePipe, Zero),
     CALL(SetHandleInformation, Zero),
-    READING_CALL(CreateProcessW, Zero),
+    CALL(CreateProcessW, Zero),
     CALL(GetExitCodeProcess, Zero),
-    // the About box
-    CALL(GetFileVersionInfoSizeExW, Zero),
-    CALL(GetFileVersionInfoExW, Zero),
-    CALL(VerQueryValueW, Zero),
 };
 
 const ROW* FindRow(std::string_view szFunction)
 {
-    const auto* const pRow = std::find_if(std::begin(kRows), std::end(kRows),
-                                          [szFunction](const ROW& row) { return row.pszFunction == szFunction; });
+    const auto* const pRow = std::ranges::find(kRows, szFunction, &ROW::szFunction);
     return pRow == std::end(kRows) ? nullptr : pRow;
 }
 
-std::wstring FaultsText()
+std::optional<CFaults> ReadFaults(std::wstring& szWrong)
 {
-    std::wstring szText(GetEnvironmentVariableW(kFaultsVariable, nullptr, 0), L'\0');
-    szText.resize(GetEnvironmentVariableW(kFaultsVariable, szText.data(), static_cast<DWORD>(szText.size())));
-    return szText;
-}
-
-std::optional<CFaultList> ReadFaults(std::wstring& szWrong)
-{
-    std::optional<CFaultList> list = CFaultList::Parse(FaultsText(), szWrong);
-    if (list) {
-        for (const FAULT& fault : list->Faults()) {
-            if (FindRow(fault.szFunction) == nullptr) {
-                szWrong.assign(fault.szFunction.begin(), fault.szFunction.end());
-                return std::nullopt;
-            }
+    std::optional<CFaults> faults = ParseFaults(EnvironmentText(kFaultsVariable), szWrong);
+    for (const FAULT& fault : faults.value_or(CFaults())) {
+        if (FindRow(fault.szFunction) == nullptr) {
+            szWrong.assign(fault.szFunction.begin(), fault.szFunction.end());
+            return std::nullopt;
         }
     }
-    return list;
+    return faults;
 }
 
 } // namespace
@@ -290,21 +226,11 @@ bool CheckFaults(std::wstring& szWrong)
 bool InstallFaults(HMODULE hModule)
 {
     std::wstring szWrong;
-    std::optional<CFaultList> list = ReadFaults(szWrong);
-    if (!list) {
+    std::optional<CFaults> faults = ReadFaults(szWrong);
+    if (!faults) {
         return false;
     }
-    // Lives as long as the process: any of its threads may be in one of these calls at its end.
-    g_pFaults = new CFaultList(std::move(*list));
-    std::vector<std::string_view> installed;
-    for (const FAULT& fault : g_pFaults->Faults()) {
-        if (std::find(installed.begin(), installed.end(), fault.szFunction) != installed.end()) {
-            continue;
-        }
-        installed.push_back(fault.szFunction);
-        if (!FindRow(fault.szFunction)->pfnInstall(hModule)) {
-            return false;
-        }
-    }
-    return true;
+    g_pFaults = new CFaults(std::move(*faults));
+    return std::ranges::all_of(
+        *g_pFaults, [hModule](const FAULT& fault) { return FindRow(fault.szFunction)->pfnInstall(hModule); });
 }

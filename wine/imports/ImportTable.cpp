@@ -38,9 +38,9 @@ void** FindEntry(HMODULE hModule, const IMAGE_IMPORT_DESCRIPTOR& library, PCSTR 
 void* Replace(void** ppEntry, void* pReplacement)
 {
     DWORD dwProtection = 0;
-    VirtualProtect(ppEntry, sizeof(*ppEntry), PAGE_READWRITE, &dwProtection);
+    VirtualProtect(static_cast<void*>(ppEntry), sizeof(*ppEntry), PAGE_READWRITE, &dwProtection);
     void* const pBefore = InterlockedExchangePointer(ppEntry, pReplacement);
-    VirtualProtect(ppEntry, sizeof(*ppEntry), dwProtection, &dwProtection);
+    VirtualProtect(static_cast<void*>(ppEntry), sizeof(*ppEntry), dwProtection, &dwProtection);
     return pBefore;
 }
 

@@ -2,24 +2,18 @@
 
 #include <windows.h>
 
-namespace {
-
-// Empty without the variable.
-std::wstring PathIn(PCWSTR pszVariable)
+std::wstring EnvironmentText(PCWSTR pszVariable)
 {
-    std::wstring szPath(MAX_PATH, L'\0');
-    szPath.resize(GetEnvironmentVariableW(pszVariable, szPath.data(), MAX_PATH));
-    return szPath.size() < MAX_PATH ? szPath : std::wstring();
+    std::wstring szText(GetEnvironmentVariableW(pszVariable, nullptr, 0), L'\0');
+    szText.resize(GetEnvironmentVariableW(pszVariable, szText.data(), static_cast<DWORD>(szText.size())));
+    return szText;
 }
-
-} // namespace
 
 std::string ToUtf8(std::wstring_view szText)
 {
-    const int nLength = static_cast<int>(szText.size());
     std::string utf8(szText.size() * 3, '\0');
-    utf8.resize(static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, szText.data(), nLength, utf8.data(),
-                                                        static_cast<int>(utf8.size()), nullptr, nullptr)));
+    utf8.resize(static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, szText.data(), static_cast<int>(szText.size()),
+                                                        utf8.data(), static_cast<int>(utf8.size()), nullptr, nullptr)));
     return utf8;
 }
 
@@ -27,8 +21,9 @@ void AppendToFile(PCWSTR pszVariable, std::string_view bytes)
 {
     const DWORD dwError = GetLastError();
     // Opened anew each time: the bytes are in the file whatever becomes of the process.
-    const HANDLE hFile = CreateFileW(PathIn(pszVariable).c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                     nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    const HANDLE hFile =
+        CreateFileW(EnvironmentText(pszVariable).c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                    OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (hFile != INVALID_HANDLE_VALUE) {
         DWORD dwWritten = 0;
         WriteFile(hFile, bytes.data(), static_cast<DWORD>(bytes.size()), &dwWritten, nullptr);
@@ -39,7 +34,7 @@ void AppendToFile(PCWSTR pszVariable, std::string_view bytes)
 
 bool HasJournal()
 {
-    return !PathIn(kJournalVariable).empty();
+    return !EnvironmentText(kJournalVariable).empty();
 }
 
 void WriteJournal(std::wstring_view szLine)
@@ -49,25 +44,14 @@ void WriteJournal(std::wstring_view szLine)
 
 std::wstring Quoted(std::wstring_view szText)
 {
+    constexpr std::wstring_view kSpecial = L"\n\r\t\"\\";
     std::wstring szQuoted = L"\"";
     for (const wchar_t ch : szText) {
-        switch (ch) {
-        case L'\n':
-            szQuoted += L"\\n";
-            break;
-        case L'\r':
-            szQuoted += L"\\r";
-            break;
-        case L'\t':
-            szQuoted += L"\\t";
-            break;
-        case L'"':
-        case L'\\':
-            szQuoted += L'\\';
-            [[fallthrough]];
-        default:
+        const size_t nSpecial = kSpecial.find(ch);
+        if (nSpecial == std::wstring_view::npos) {
             szQuoted += ch;
-            break;
+        } else {
+            szQuoted += {L'\\', L"nrt\"\\"[nSpecial]};
         }
     }
     return szQuoted + L'"';

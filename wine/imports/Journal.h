@@ -7,6 +7,9 @@
 // The name of the environment variable that holds the file's path. Without it nothing is written.
 constexpr wchar_t kJournalVariable[] = L"KALVO_JOURNAL";
 
+// The value of an environment variable; empty without it.
+std::wstring EnvironmentText(const wchar_t* pszVariable);
+
 // Appends the bytes to the file whose path the environment variable of that name holds, if there is one. Keeps the last
 // error.
 void AppendToFile(const wchar_t* pszVariable, std::string_view bytes);

@@ -57,7 +57,7 @@ BOOL WINAPI JournaledCloseHandle(HANDLE hObject)
     return g_pfnCloseHandle(hObject);
 }
 
-[[noreturn]] void WINAPI JournaledExitProcess(UINT nExitCode)
+DECLSPEC_NORETURN void WINAPI JournaledExitProcess(UINT nExitCode)
 {
     WriteJournal(std::format(L"ExitProcess code={}", nExitCode));
     g_pfnExitProcess(nExitCode);
@@ -72,19 +72,11 @@ BOOL WINAPI JournaledSetForegroundWindow(HWND hwnd)
     return g_pfnSetForegroundWindow(hwnd);
 }
 
-PCWSTR KindOf(HWND hwndOwner)
-{
-    if (hwndOwner == nullptr) {
-        return L"none";
-    }
-    return (GetWindowLongPtrW(hwndOwner, GWL_STYLE) & WS_CHILD) != 0 ? L"page" : L"window";
-}
-
 int WINAPI JournaledMessageBoxW(HWND hwndOwner, LPCWSTR pszText, LPCWSTR pszCaption, UINT nType)
 {
-    WriteJournal(std::format(L"MessageBoxW owner={} flags={:#010x} caption={} text={}", KindOf(hwndOwner), nType,
-                             Quoted(pszCaption != nullptr ? pszCaption : L""),
-                             Quoted(pszText != nullptr ? pszText : L"")));
+    WriteJournal(std::format(
+        L"MessageBoxW owner={} flags={:#010x} caption={} text={}", hwndOwner == nullptr ? L"none" : L"some", nType,
+        Quoted(pszCaption != nullptr ? pszCaption : L""), Quoted(pszText != nullptr ? pszText : L"")));
     return g_pfnMessageBoxW(hwndOwner, pszText, pszCaption, nType);
 }
 
@@ -95,8 +87,7 @@ INT_PTR WINAPI JournaledPropertySheetW(LPCPROPSHEETHEADERW pHeader)
     return nResult;
 }
 
-// The pointer to the real function is set before the replacement can be called: the program has not
-// started yet.
+// The pointer to the real function is set before the replacement can be called: the program has not started yet.
 template<typename Function>
 void Install(HMODULE hModule, PCSTR pszFunction, Function* pfnReplacement, Function*& pfnReal)
 {

@@ -7,8 +7,7 @@
 //   ExitProcess code=13
 //   SetForegroundWindow title="..."
 //   MessageBoxW owner=none flags=0x00000000 caption="..." text="..."
-//                                      owner: none, page (a child window) or window; written before the
-//                                      box is shown, which then is the real one
+//                                      owner: none or some; written before the box is shown
 //   PropertySheetW result=1            when the wizard has ended
 //   ended code=13                      written by the launcher when the process is gone, with all 32 bits
 //                                      of its exit code

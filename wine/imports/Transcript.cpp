@@ -30,7 +30,7 @@ BOOL WINAPI TranscribedReadFile(HANDLE hFile, LPVOID pBuffer, DWORD dwSize, LPDW
 
 void InstallTranscript(HMODULE hModule)
 {
-    if (GetEnvironmentVariableW(kTranscriptVariable, nullptr, 0) == 0) {
+    if (EnvironmentText(kTranscriptVariable).empty()) {
         return;
     }
     g_pfnCreateProcessW = ReplaceImport(hModule, "CreateProcessW", TranscribedCreateProcessW);

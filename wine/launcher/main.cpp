@@ -2,12 +2,12 @@
 // the program's first instruction. Ends when the program does, with its exit code.
 #include "imports/FailingCalls.h"
 #include "imports/Journal.h"
-#include "launcher/CommandLine.h"
 #include "launcher/Handle.h"
 #include "launcher/RemoteLibrary.h"
 
+#include <shlwapi.h>
+
 #include <cstdio>
-#include <cwchar>
 #include <format>
 #include <string>
 
@@ -15,14 +15,6 @@ namespace {
 
 // The launcher's own failures, as with other programs that start one.
 constexpr int kLauncherFailed = 125;
-
-constexpr PCWSTR kUsage = L"usage: launcher [--no-wait] [--] PROGRAM [ARGUMENT...]";
-
-struct OPTIONS
-{
-    bool bWait = true;
-    int nProgram = 1; // its place among the arguments
-};
 
 int Say(const std::wstring& szSentence)
 {
@@ -32,27 +24,7 @@ int Say(const std::wstring& szSentence)
 
 int SayFailed(const std::wstring& szWhat, DWORD dwError)
 {
-    return Say(L"launcher: " + szWhat + L" (error " + std::to_wstring(dwError) + L")");
-}
-
-// False when the arguments make no sense.
-bool ReadOptions(int nArguments, wchar_t** ppszArguments, OPTIONS& options)
-{
-    for (; options.nProgram < nArguments; ++options.nProgram) {
-        const std::wstring_view szArgument = ppszArguments[options.nProgram];
-        if (szArgument == L"--") {
-            ++options.nProgram;
-            break;
-        }
-        if (!szArgument.starts_with(L"--")) {
-            break;
-        }
-        if (szArgument != L"--no-wait") {
-            return false;
-        }
-        options.bWait = false;
-    }
-    return options.nProgram < nArguments;
+    return Say(std::format(L"launcher: {} (error {})", szWhat, dwError));
 }
 
 std::wstring LibraryPath()
@@ -66,8 +38,8 @@ std::wstring LibraryPath()
 // What may be wrong when the library refuses; it has no way to say so itself.
 std::wstring Advice(DWORD dwError)
 {
-    return dwError == ERROR_DLL_INIT_FAILED && GetEnvironmentVariableW(kFaultsVariable, nullptr, 0) > 1
-               ? std::wstring(L"; does it call every function that ") + kFaultsVariable + L" names?"
+    return dwError == ERROR_DLL_INIT_FAILED && !EnvironmentText(kFaultsVariable).empty()
+               ? std::format(L"; does it call every function that {} names?", kFaultsVariable)
                : std::wstring();
 }
 
@@ -88,13 +60,11 @@ int WaitForEnd(HANDLE hProcess)
     DWORD dwExitCode = kLauncherFailed;
     WaitForSingleObject(hProcess, INFINITE);
     GetExitCodeProcess(hProcess, &dwExitCode);
-    if (HasJournal()) {
-        WriteJournal(std::format(L"ended code={}", dwExitCode));
-    }
+    WriteJournal(std::format(L"ended code={}", dwExitCode));
     return static_cast<int>(dwExitCode);
 }
 
-int Run(std::wstring szCommandLine, PCWSTR pszProgram, bool bWait)
+int Run(PCWSTR pszProgram, std::wstring szCommandLine)
 {
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
@@ -108,26 +78,23 @@ int Run(std::wstring szCommandLine, PCWSTR pszProgram, bool bWait)
     const DWORD dwError = LoadRemoteLibrary(hProcess.get(), LibraryPath());
     if (dwError != ERROR_SUCCESS) {
         TerminateProcess(hProcess.get(), kLauncherFailed);
-        return SayFailed(L"cannot load " + LibraryPath() + L" into " + pszProgram + Advice(dwError), dwError);
+        return SayFailed(std::format(L"cannot load {} into {}{}", LibraryPath(), pszProgram, Advice(dwError)), dwError);
     }
-    const CHandle hJob = bWait ? TieTo(hProcess.get()) : nullptr;
+    const CHandle hJob = TieTo(hProcess.get());
     ResumeThread(hThread.get());
-    return bWait ? WaitForEnd(hProcess.get()) : 0;
+    return WaitForEnd(hProcess.get());
 }
 
 } // namespace
 
 int wmain(int nArguments, wchar_t** ppszArguments)
 {
-    OPTIONS options;
-    if (!ReadOptions(nArguments, ppszArguments, options)) {
-        return Say(kUsage);
+    if (nArguments < 2) {
+        return Say(L"usage: launcher PROGRAM [ARGUMENT...]");
     }
     std::wstring szWrong;
     if (!CheckFaults(szWrong)) {
-        return Say(std::wstring(L"launcher: ") + kFaultsVariable + L" makes no sense at \"" + szWrong + L"\"");
+        return Say(std::format(L"launcher: {} makes no sense at \"{}\"", kFaultsVariable, szWrong));
     }
-    wchar_t** const ppszProgram = ppszArguments + options.nProgram;
-    const std::span<wchar_t* const> arguments(ppszProgram, ppszArguments + nArguments);
-    return Run(JoinArguments(arguments), *ppszProgram, options.bWait);
+    return Run(ppszArguments[1], PathGetArgsW(GetCommandLineW()));
 }

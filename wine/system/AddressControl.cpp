@@ -1,128 +1,127 @@
 #include "system/AddressControl.h"
 
-#include "system/AddressLook.h"
+#include "frame/Owned.h"
 #include "system/AddressText.h"
 
 #include <commctrl.h>
 
 #include <algorithm>
-#include <cwchar>
 #include <utility>
 
 namespace {
 
 WNDPROC g_pfnOriginal;
 
-// The control that is being told of a change in one of its fields: it answers by setting its own text to
-// what the fields say, which must not fill the fields again.
-HWND g_hwndFollowing;
+// The control whose fields are being changed by a program, or which follows a change of one of its fields: it then sets
+// its own text to what the fields say, which must not fill the fields again, and nothing of it is to be told.
+HWND g_hwndChanging;
 
-// The control that a program is filling; only what a user changes is told.
-HWND g_hwndFilling;
-
-// Runs while the fields change by a program's doing.
-template<typename FILL>
-LRESULT Fill(HWND hwnd, FILL fill)
+template<typename Change>
+LRESULT WhileChanging(HWND hwnd, Change change)
 {
-    const HWND hwndBefore = std::exchange(g_hwndFilling, hwnd);
-    const LRESULT nResult = fill();
-    g_hwndFilling = hwndBefore;
+    const HWND hwndBefore = std::exchange(g_hwndChanging, hwnd);
+    const LRESULT nResult = change();
+    g_hwndChanging = hwndBefore;
+    return nResult;
+}
+
+LRESULT CallOriginal(HWND hwnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
+{
+    return CallWindowProcW(g_pfnOriginal, hwnd, nMessage, wParam, lParam);
+}
+
+// Blank from the start, where Wine begins with 0.0.0.0; and disabled from the start, which Wine learns of later alone.
+LRESULT Create(HWND hwnd, WPARAM wParam, LPARAM lParam)
+{
+    const LRESULT nResult = CallOriginal(hwnd, WM_CREATE, wParam, lParam);
+    CallOriginal(hwnd, IPM_CLEARADDRESS, 0, 0);
+    if (!IsWindowEnabled(hwnd)) {
+        CallOriginal(hwnd, WM_ENABLE, FALSE, 0);
+    }
     return nResult;
 }
 
 LRESULT SetText(HWND hwnd, PCWSTR pszText)
 {
-    const std::array<std::wstring, kAddressFields> texts = SplitAddress(pszText != nullptr ? pszText : L"");
-    const std::array<HWND, kAddressFields> fields = AddressFields(hwnd);
-    for (size_t n = 0; n < kAddressFields; ++n) {
+    const std::array<std::wstring, 4> texts = SplitAddress(pszText != nullptr ? pszText : L"");
+    const std::array<HWND, 4> fields = AddressFields(hwnd);
+    for (size_t n = 0; n < fields.size(); ++n) {
         SetWindowTextW(fields[n], texts[n].c_str());
     }
     return TRUE;
 }
 
-LRESULT CallOriginal(HWND hwnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
+RECT PlaceOf(HWND hwndField)
 {
-    const HWND hwndBefore = g_hwndFollowing;
-    if (nMessage == WM_COMMAND) {
-        g_hwndFollowing = hwnd;
+    RECT rect = {};
+    GetWindowRect(hwndField, &rect);
+    MapWindowPoints(nullptr, GetParent(hwndField), reinterpret_cast<POINT*>(&rect), 2);
+    return rect;
+}
+
+LRESULT SetFont(HWND hwnd, WPARAM wFont)
+{
+    for (const HWND hwndField : AddressFields(hwnd)) {
+        SendMessageW(hwndField, WM_SETFONT, wFont, TRUE);
     }
-    const LRESULT nResult = CallWindowProcW(g_pfnOriginal, hwnd, nMessage, wParam, lParam);
-    g_hwndFollowing = hwndBefore;
-    return nResult;
+    return 0;
+}
+
+// Wine's dots are lower than the numbers and have another font.
+LRESULT Paint(HWND hwnd)
+{
+    CallOriginal(hwnd, WM_PAINT, 0, 0);
+    const bool bEnabled = IsWindowEnabled(hwnd) != FALSE;
+    const std::array<HWND, 4> fields = AddressFields(hwnd);
+    const HDC hdc = GetDC(hwnd);
+    {
+        const CSelection font(hdc, reinterpret_cast<HGDIOBJ>(SendMessageW(fields[0], WM_GETFONT, 0, 0)));
+        SetTextColor(hdc, GetSysColor(bEnabled ? COLOR_WINDOWTEXT : COLOR_GRAYTEXT));
+        SetBkMode(hdc, TRANSPARENT);
+        for (size_t n = 1; n < fields.size(); ++n) {
+            const RECT left = PlaceOf(fields[n - 1]);
+            RECT gap = {left.right, left.top, PlaceOf(fields[n]).left, left.bottom};
+            FillRect(hdc, &gap, GetSysColorBrush(bEnabled ? COLOR_WINDOW : COLOR_3DFACE));
+            DrawTextW(hdc, L".", 1, &gap, DT_SINGLELINE | DT_CENTER | DT_TOP);
+        }
+    }
+    ReleaseDC(hwnd, hdc);
+    return 0;
 }
 
 // Tells the dialog at every change of a field; Wine tells it only when a field is full or left.
-void NotifyFieldChanged(HWND hwnd, HWND hwndField)
-{
-    const std::array<HWND, kAddressFields> fields = AddressFields(hwnd);
-    const auto* const pField = std::ranges::find(fields, hwndField);
-    if (pField == fields.end()) {
-        return;
-    }
-    WCHAR szValue[4] = {};
-    GetWindowTextW(hwndField, szValue, ARRAYSIZE(szValue));
-    NMIPADDRESS notification = {};
-    notification.hdr.hwndFrom = hwnd;
-    notification.hdr.idFrom = static_cast<UINT_PTR>(GetDlgCtrlID(hwnd));
-    notification.hdr.code = static_cast<UINT>(IPN_FIELDCHANGED);
-    notification.iField = static_cast<int>(pField - fields.begin());
-    notification.iValue = szValue[0] == L'\0' ? -1 : static_cast<int>(wcstol(szValue, nullptr, 10));
-    SendMessageW(GetParent(hwnd), WM_NOTIFY, notification.hdr.idFrom, reinterpret_cast<LPARAM>(&notification));
-}
-
 LRESULT OnCommand(HWND hwnd, WPARAM wParam, LPARAM lParam)
 {
-    const LRESULT nResult = CallOriginal(hwnd, WM_COMMAND, wParam, lParam);
-    if (HIWORD(wParam) == EN_CHANGE && hwnd != g_hwndFilling) {
-        NotifyFieldChanged(hwnd, reinterpret_cast<HWND>(lParam));
+    const bool bTell = HIWORD(wParam) == EN_CHANGE && hwnd != g_hwndChanging;
+    const LRESULT nResult = WhileChanging(hwnd, [=] { return CallOriginal(hwnd, WM_COMMAND, wParam, lParam); });
+    if (bTell) {
+        NMIPADDRESS notification = {};
+        notification.hdr.hwndFrom = hwnd;
+        notification.hdr.idFrom = static_cast<UINT_PTR>(GetDlgCtrlID(hwnd));
+        notification.hdr.code = static_cast<UINT>(IPN_FIELDCHANGED);
+        SendMessageW(GetParent(hwnd), WM_NOTIFY, notification.hdr.idFrom, reinterpret_cast<LPARAM>(&notification));
     }
     return nResult;
 }
 
-// Blank from the start; Wine begins with 0.0.0.0.
-LRESULT OnCreate(HWND hwnd, WPARAM wParam, LPARAM lParam)
-{
-    return Fill(hwnd, [=] {
-        const LRESULT nResult = CallOriginal(hwnd, WM_CREATE, wParam, lParam);
-        CallOriginal(hwnd, IPM_CLEARADDRESS, 0, 0);
-        return nResult;
-    });
-}
-
-LRESULT CALLBACK Procedure(HWND hwnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
+LRESULT CALLBACK AddressProcedure(HWND hwnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
 {
     switch (nMessage) {
     case WM_CREATE:
-        return OnCreate(hwnd, wParam, lParam);
+        return WhileChanging(hwnd, [=] { return Create(hwnd, wParam, lParam); });
     case WM_SETTEXT:
-        if (hwnd != g_hwndFollowing) {
-            return Fill(hwnd, [=] { return SetText(hwnd, reinterpret_cast<PCWSTR>(lParam)); });
+        if (hwnd != g_hwndChanging) {
+            return WhileChanging(hwnd, [=] { return SetText(hwnd, reinterpret_cast<PCWSTR>(lParam)); });
         }
         break;
     case IPM_SETADDRESS:
-    case IPM_CLEARADDRESS:
-        return Fill(hwnd, [=] { return CallOriginal(hwnd, nMessage, wParam, lParam); });
+        return WhileChanging(hwnd, [=] { return CallOriginal(hwnd, nMessage, wParam, lParam); });
     case WM_COMMAND:
         return OnCommand(hwnd, wParam, lParam);
     case WM_SETFONT:
-        return SetAddressFont(hwnd, wParam);
-    case WM_GETFONT:
-        return GetAddressFont(hwnd);
-    case WM_SIZE:
-        ArrangeAddressFields(hwnd);
-        break;
-    case WM_ENABLE:
-        InvalidateRect(hwnd, nullptr, TRUE);
-        break;
-    case WM_CTLCOLOREDIT:
-        return AddressGround(hwnd, reinterpret_cast<HDC>(wParam));
-    case WM_ERASEBKGND:
-        return TRUE; // PaintAddress covers all of it
+        return SetFont(hwnd, wParam);
     case WM_PAINT:
-        return PaintAddress(hwnd);
-    case WM_NCDESTROY:
-        ForgetAddressFont(hwnd);
-        break;
+        return Paint(hwnd);
     default:
         break;
     }
@@ -131,21 +130,29 @@ LRESULT CALLBACK Procedure(HWND hwnd, UINT nMessage, WPARAM wParam, LPARAM lPara
 
 } // namespace
 
-bool MendAddressControl()
+void MendAddressControl()
 {
     if (g_pfnOriginal != nullptr) {
-        return true;
+        return;
     }
     const INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_INTERNET_CLASSES};
     InitCommonControlsEx(&controls);
     const HWND hwnd =
         CreateWindowExW(0, WC_IPADDRESSW, nullptr, WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
-    if (hwnd == nullptr) {
-        return false;
-    }
     // The procedure of the class, so that windows made later have the new one from the start.
     g_pfnOriginal =
-        reinterpret_cast<WNDPROC>(SetClassLongPtrW(hwnd, GCLP_WNDPROC, reinterpret_cast<LONG_PTR>(Procedure)));
+        reinterpret_cast<WNDPROC>(SetClassLongPtrW(hwnd, GCLP_WNDPROC, reinterpret_cast<LONG_PTR>(AddressProcedure)));
     DestroyWindow(hwnd);
-    return g_pfnOriginal != nullptr;
+}
+
+std::array<HWND, 4> AddressFields(HWND hwnd)
+{
+    std::array<HWND, 4> fields = {};
+    HWND hwndField = GetWindow(hwnd, GW_CHILD);
+    for (HWND& hwndNext : fields) {
+        hwndNext = hwndField;
+        hwndField = GetWindow(hwndField, GW_HWNDNEXT);
+    }
+    std::ranges::sort(fields, {}, [](HWND hwndNext) { return PlaceOf(hwndNext).left; });
+    return fields;
 }

@@ -3,12 +3,16 @@
 
 #include <windows.h>
 
+#include <array>
+
 // Gives every SysIPAddress32 that the calling thread's activation context makes from now on what Wine's lacks:
 // - it is blank at first, where Wine's is 0.0.0.0;
 // - it takes its text: "192.168.1." fills three fields and leaves the fourth blank;
-// - it tells its parent of every change of a field that a user makes (IPN_FIELDCHANGED), Backspace included;
-// - its fields have its font and stand on the line of its dots;
-// - it is grey while it is disabled.
-// To be called on a thread that may make windows; calls after the first do nothing. False when there is no
-// such control.
-bool MendAddressControl();
+// - it tells its parent of every change of a field that a user makes (IPN_FIELDCHANGED, without field and value),
+//   Backspace included;
+// - its fields and dots have its font and one line, and are grey when it is made disabled.
+// To be called on a thread that may make windows; calls after the first do nothing.
+void MendAddressControl();
+
+// The control's edits, from left to right.
+std::array<HWND, 4> AddressFields(HWND hwnd);

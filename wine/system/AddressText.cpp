@@ -10,7 +10,7 @@ std::array<std::wstring, 4> SplitAddress(std::wstring_view szAddress)
         unsigned nValue = 0;
         for (const wchar_t ch : szAddress.substr(0, nEnd)) {
             if (ch >= L'0' && ch <= L'9') {
-                nValue = std::min(255u, nValue * 10 + static_cast<unsigned>(ch - L'0'));
+                nValue = std::min(255U, (nValue * 10) + static_cast<unsigned>(ch - L'0'));
                 szField = std::to_wstring(nValue);
             }
         }

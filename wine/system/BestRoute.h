@@ -8,10 +8,8 @@
 #include <iphlpapi.h>
 #include <netioapi.h>
 
-// GetBestRoute2 for IPv4, answered from the older call for routes. The interface is named by its index or,
-// where that is 0, by its LUID; when both are 0, any will do. Errors as on Windows: 87 for a missing
-// argument, 50 for an address that is not IPv4, 2 for an interface that does not exist, 1168 when no route
-// leads there.
+// GetBestRoute2 for an IPv4 destination, answered from the older call for routes. Of the route it tells the interface
+// and the next hop, nothing of the source. 1168 when the best route does not leave by that interface, or there is none.
 DWORD WINAPI BestRoute(NET_LUID* pInterfaceLuid, NET_IFINDEX nInterfaceIndex, const SOCKADDR_INET* pSource,
                        const SOCKADDR_INET* pDestination, ULONG nSortOptions, PMIB_IPFORWARD_ROW2 pRoute,
                        SOCKADDR_INET* pBestSource);

@@ -1,5 +1,6 @@
 #include "system/CrashReport.h"
 
+#include <bit>
 #include <format>
 #include <string>
 
@@ -13,8 +14,8 @@ void Tell(const std::string& line)
     DWORD dwWritten = 0;
     if (!WriteFile(GetStdHandle(STD_ERROR_HANDLE), line.data(), static_cast<DWORD>(line.size()), &dwWritten, nullptr)) {
         using OUTPUT = int __cdecl(const char*);
-        auto* const pfnOutput = reinterpret_cast<OUTPUT*>(
-            reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "__wine_dbg_output")));
+        auto* const pfnOutput =
+            std::bit_cast<OUTPUT*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "__wine_dbg_output"));
         pfnOutput(line.c_str());
     }
 }

@@ -19,7 +19,7 @@ LONG CaptionWidth(PCWSTR pszCaption)
     SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0);
     metrics.lfCaptionFont.lfWeight = FW_BOLD;
     const CFontHandle hFont(CreateFontIndirectW(&metrics.lfCaptionFont));
-    return MeasureText(hFont.get(), pszCaption).cx + 6 * GetSystemMetrics(SM_CYCAPTION);
+    return MeasureText(hFont.get(), pszCaption).cx + (6 * GetSystemMetrics(SM_CYCAPTION));
 }
 
 void MoveBy(HWND hwnd, LONG nRight)
@@ -39,7 +39,7 @@ void Widen(HWND hwnd, LONG nWidth)
     if (nMore <= 0) {
         return;
     }
-    SetWindowPos(hwnd, nullptr, std::max(0L, rect.left - nMore / 2), rect.top, nWidth, rect.bottom - rect.top,
+    SetWindowPos(hwnd, nullptr, std::max(0L, rect.left - (nMore / 2)), rect.top, nWidth, rect.bottom - rect.top,
                  SWP_NOZORDER | SWP_NOACTIVATE);
     HWND hwndButton = nullptr;
     while ((hwndButton = FindWindowExW(hwnd, hwndButton, WC_BUTTONW, nullptr)) != nullptr) {

@@ -1,239 +1,231 @@
-#include "tests/WizardTest.h"
+// The wizard's frame: the way through the pages, the buttons, the keyboard.
+#include "tests/Wizard.h"
 
-#include "frame/AeroWizard.h"
+#include <algorithm>
 
 namespace {
 
-WizardTest* g_pTest;
-
-// Time for posted messages to arrive before the next step; the timer's own messages come after them.
-constexpr UINT kStepMs = 20;
-
-const char* NameOf(UINT nCode)
+bool IsDefault(HWND hwnd)
 {
-    switch (nCode) {
-    case PSN_SETACTIVE:
-        return "active";
-    case PSN_KILLACTIVE:
-        return "kill";
-    case PSN_WIZBACK:
-        return "back";
-    case PSN_WIZNEXT:
-        return "next";
-    case PSN_WIZFINISH:
-        return "finish";
-    case PSN_QUERYCANCEL:
-        return "querycancel";
-    case PSN_RESET:
-        return "reset";
-    default:
-        return nullptr;
-    }
+    return (GetWindowLongPtrW(hwnd, GWL_STYLE) & BS_TYPEMASK) == BS_DEFPUSHBUTTON;
 }
 
 } // namespace
 
-std::string TextOf(HWND hwnd)
+TEST_F(Wizard, PagesAreMadeWhenFirstShownAndKept)
 {
-    char szText[256] = {};
-    GetWindowTextA(hwnd, szText, ARRAYSIZE(szText));
-    return szText;
+    EXPECT_EQ(Run({IDD_TEXT, IDD_BOX, IDD_TEXT},
+                  {Click(kNextButtonId), Click(kBackButtonId), Click(kNextButtonId), Click(IDCANCEL)}),
+              0);
+    EXPECT_EQ(m_journal, (Lines{"1 init", "1 active", "1 next", "1 kill", "2 init", "2 active", "2 back", "2 kill",
+                                "1 active", "1 next", "1 kill", "2 active", "2 querycancel"}));
 }
 
-void WizardTest::SetUp()
+TEST_F(Wizard, FinishGivesOne)
 {
-    g_pTest = this;
+    EXPECT_EQ(Run({IDD_TEXT, IDD_BOX}, {Click(kNextButtonId), Click(kFinishButtonId)}), 1);
+    EXPECT_EQ(m_journal, (Lines{"1 init", "1 active", "1 next", "1 kill", "2 init", "2 active", "2 finish"}));
 }
 
-void WizardTest::TearDown()
+TEST_F(Wizard, APageCanRefuseEachButton)
 {
-    g_pTest = nullptr;
-}
-
-PROPSHEETHEADERW WizardTest::Header(std::vector<int> dialogs)
-{
-    m_records.clear();
-    for (const int nDialog : dialogs) {
-        PROPSHEETPAGEW record = {};
-        record.dwSize = sizeof(record);
-        record.dwFlags = PSP_USEHEADERTITLE;
-        record.hInstance = GetModuleHandleW(nullptr);
-        record.pszTemplate = MAKEINTRESOURCEW(nDialog);
-        record.pfnDlgProc = DialogProc;
-        record.lParam = static_cast<LPARAM>(m_records.size()) + 1;
-        record.pszHeaderTitle = MAKEINTRESOURCEW(nDialog == IDD_BOX ? IDS_TITLE_BOX : IDS_TITLE_TEXT);
-        m_records.push_back(record);
+    struct
+    {
+        UINT nCode;
+        int nButton;
+        const char* pszTold;
+    } const kRefusals[] = {
+        {PSN_WIZBACK, PSBTN_BACK, "2 back"},
+        {PSN_WIZNEXT, PSBTN_NEXT, "2 next"},
+        {PSN_KILLACTIVE, PSBTN_NEXT, "2 kill"},
+        {PSN_WIZFINISH, PSBTN_FINISH, "2 finish"},
+        {PSN_QUERYCANCEL, PSBTN_CANCEL, "2 querycancel"},
+    };
+    Steps steps = {Click(kNextButtonId)};
+    for (const auto& refusal : kRefusals) {
+        steps.push_back([&] {
+            m_answers.clear();
+            m_answers[{2, refusal.nCode}] = 1;
+        });
+        steps.push_back(PressByMessage(refusal.nButton));
+        steps.push_back([&] { EXPECT_EQ(m_journal.back(), refusal.pszTold); });
+        steps.push_back(ExpectPage(2));
     }
-    PROPSHEETHEADERW header = {};
-    header.dwSize = sizeof(header);
-    header.dwFlags = PSH_AEROWIZARD | PSH_PROPSHEETPAGE;
-    header.hwndParent = GetDesktopWindow();
-    header.hInstance = GetModuleHandleW(nullptr);
-    header.pszCaption = MAKEINTRESOURCEW(IDS_CAPTION);
-    header.nPages = static_cast<UINT>(m_records.size());
-    header.ppsp = m_records.data();
-    return header;
+    steps.push_back([&] { m_answers.clear(); });
+    // Not to be seen on this page.
+    steps.push_back(PressByMessage(PSBTN_FINISH));
+    EXPECT_EQ(Run({IDD_TEXT, IDD_BOX, IDD_TEXT}, steps), 1);
 }
 
-INT_PTR WizardTest::Run(std::vector<int> dialogs, Steps steps)
+TEST_F(Wizard, APageIsShownByItsNumberIfThereIsOne)
 {
-    return RunWith(Header(std::move(dialogs)), std::move(steps));
+    const auto choose = [this](WPARAM nPage, bool bShown) {
+        return [=, this] { EXPECT_EQ(SendMessageW(Frame(), PSM_SETCURSEL, nPage, 0), bShown); };
+    };
+    EXPECT_EQ(Run({IDD_TEXT, IDD_BOX, IDD_FIELDS},
+                  {choose(2, true), ExpectPage(3), PressByMessage(PSBTN_NEXT), choose(7, false), ExpectPage(3),
+                   choose(0, true), PressByMessage(PSBTN_BACK), ExpectPage(1), Click(IDCANCEL)}),
+              0);
 }
 
-INT_PTR WizardTest::RunWith(const PROPSHEETHEADERW& header, Steps steps)
+TEST_F(Wizard, TheCloseBoxAndItsKeyCancelWhereCancelIsHidden)
 {
-    m_journal.clear();
-    m_steps = std::move(steps);
-    m_nStep = 0;
-    const UINT_PTR nTimer = SetTimer(nullptr, 0, kStepMs, OnTimer);
-    const INT_PTR nResult = RunAeroWizard(header);
-    const DWORD dwError = GetLastError();
-    KillTimer(nullptr, nTimer);
-    EXPECT_GE(m_nStep, m_steps.size()) << "the wizard ended before the script";
-    SetLastError(dwError);
-    return nResult;
-}
-
-void CALLBACK WizardTest::OnTimer(HWND, UINT, UINT_PTR, DWORD)
-{
-    g_pTest->NextStep();
-}
-
-void WizardTest::NextStep()
-{
-    if (m_nStep < m_steps.size()) {
-        m_steps[m_nStep++]();
-    } else if (Frame() != nullptr && m_nStep++ > m_steps.size() + 5) {
-        ADD_FAILURE() << "the script ended before the wizard";
-        m_answers.clear();
-        SendMessageW(Frame(), WM_CLOSE, 0, 0);
+    const auto clickOnBox = [this] {
+        RECT rect = {};
+        GetClientRect(Frame(), &rect);
+        SendMessageW(Frame(), WM_LBUTTONUP, 0, MAKELPARAM(rect.right - 5, 5));
+    };
+    for (const Step& close : {Step(clickOnBox), PressWithAlt(VK_F4)}) {
+        EXPECT_EQ(Run({IDD_BOX}, {ShowButtons(0, PSWIZB_CANCEL), close}), 0);
+        EXPECT_EQ(m_journal, (Lines{"1 init", "1 active", "1 querycancel"}));
     }
 }
 
-INT_PTR CALLBACK WizardTest::DialogProc(HWND hwnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
+TEST_F(Wizard, WhatCannotBeMadeFails)
 {
-    const auto nPage = static_cast<int>(GetWindowLongPtrW(hwnd, GWLP_USERDATA));
-    switch (nMessage) {
-    case WM_INITDIALOG: {
-        const auto nNew = static_cast<int>(reinterpret_cast<const PROPSHEETPAGEW*>(lParam)->lParam);
-        SetWindowLongPtrW(hwnd, GWLP_USERDATA, nNew);
-        g_pTest->m_journal.push_back(std::to_string(nNew) + " init");
-        return g_pTest->m_onInitDialog ? g_pTest->m_onInitDialog(nNew, hwnd) : TRUE;
-    }
-    case WM_NOTIFY:
-        return g_pTest->OnNotify(nPage, hwnd, *reinterpret_cast<const PSHNOTIFY*>(lParam));
-    case WM_COMMAND:
-        if (g_pTest->m_onCommand && HIWORD(wParam) == BN_CLICKED) {
-            g_pTest->m_onCommand(nPage, LOWORD(wParam));
+    EXPECT_EQ(Run({IDD_TEXT, 999}, {}), -1) << "no such template";
+    EXPECT_EQ(Run({IDD_ODD, IDD_TEXT}, {}), -1);
+    EXPECT_EQ(Run({IDD_TEXT, IDD_ODD}, {Click(kNextButtonId)}), -1);
+}
+
+TEST_F(Wizard, OnlyTheButtonsInTheMaskAreShownOrHidden)
+{
+    EXPECT_EQ(
+        Run({IDD_TEXT, IDD_TEXT},
+            {ExpectButtons("Back Next Cancel"), ShowButtons(PSWIZB_CANCEL, PSWIZB_BACK | PSWIZB_NEXT | PSWIZB_CANCEL),
+             ExpectButtons("Cancel"), ShowButtons(PSWIZB_NEXT, PSWIZB_NEXT), ExpectButtons("Next Cancel"),
+             ShowButtons(kAllButtons, PSWIZB_BACK), ExpectButtons("Back Next Cancel"), ShowButtons(0, kAllButtons),
+             ExpectButtons(""), ShowButtons(kAllButtons, kAllButtons), ExpectButtons("Back Next Finish Cancel"),
+             Click(kNextButtonId), ExpectButtons("Back Finish Cancel"), Click(IDCANCEL)}),
+        0);
+}
+
+TEST_F(Wizard, ButtonsThatAPagePostsWhileItIsActivatedDoNotFlashBy)
+{
+    std::string during;
+    m_onActivation = [&](int nPage, HWND hwndPage) {
+        if (nPage == 2) {
+            during = VisibleButtons();
+            PostMessageW(GetParent(hwndPage), PSM_SHOWWIZBUTTONS, PSWIZB_BACK | PSWIZB_FINISH, kAllButtons);
+        }
+    };
+    EXPECT_EQ(Run({IDD_TEXT, IDD_TEXT},
+                  {ShowButtons(PSWIZB_NEXT, kAllButtons), Click(kNextButtonId), ExpectButtons("Back Finish"),
+                   Click(kBackButtonId), ExpectButtons("Back Next Cancel"), Click(IDCANCEL)}),
+              0);
+    EXPECT_EQ(during, "Next") << "nothing changes before the page has said what it wants";
+}
+
+TEST_F(Wizard, TheDefaultButtonIsThePushButtonWithTheFocusElseNextElseFinish)
+{
+    const auto expectDefault = [this](int nExpected) {
+        return [=, this] {
+            for (const int nId : {kNextButtonId, kFinishButtonId, int{IDCANCEL}, IDC_BUTTON}) {
+                EXPECT_EQ(IsDefault(Window(nId)), nId == nExpected) << nId;
+            }
+        };
+    };
+    EXPECT_EQ(Run({IDD_FIELDS, IDD_FIELDS},
+                  {expectDefault(kNextButtonId), FocusOn(IDC_BUTTON), expectDefault(IDC_BUTTON), FocusOn(kBackButtonId),
+                   expectDefault(0), FocusOn(IDC_EDIT), expectDefault(kNextButtonId), Click(kNextButtonId),
+                   expectDefault(kFinishButtonId), Click(IDCANCEL)}),
+              0);
+}
+
+TEST_F(Wizard, ThePagesFirstTabStopGetsTheFocusElseTheDefaultButton)
+{
+    EXPECT_EQ(Run({IDD_TEXT, IDD_BOX, IDD_FIELDS, IDD_TEXT},
+                  {ExpectFocus(kNextButtonId), Click(kNextButtonId), ExpectFocus(IDC_BOX), Click(kNextButtonId),
+                   ExpectFocus(IDC_EDIT), Click(kBackButtonId), ExpectFocus(IDC_BOX), Click(kNextButtonId),
+                   Click(kNextButtonId), ExpectFocus(kFinishButtonId), Click(IDCANCEL)}),
+              0);
+}
+
+TEST_F(Wizard, ADefaultButtonThatThePageShowsLaterGetsTheFocus)
+{
+    m_onActivation = [](int nPage, HWND hwndPage) {
+        PostMessageW(GetParent(hwndPage), PSM_SHOWWIZBUTTONS, nPage == 1 ? 0 : PSWIZB_NEXT, PSWIZB_NEXT);
+    };
+    EXPECT_EQ(
+        Run({IDD_BOX, IDD_TEXT, IDD_BOX}, {PressByMessage(PSBTN_NEXT), ExpectFocus(kNextButtonId), Click(IDCANCEL)}),
+        0);
+}
+
+TEST_F(Wizard, APageThatPlacesTheFocusKeepsItOnce)
+{
+    m_onInitDialog = [](int, HWND hwndPage) {
+        SetFocus(GetDlgItem(hwndPage, IDC_BOX));
+        return FALSE;
+    };
+    EXPECT_EQ(Run({IDD_FIELDS, IDD_FIELDS}, {ExpectFocus(IDC_BOX), Click(kNextButtonId), ExpectFocus(IDC_BOX),
+                                             Click(kBackButtonId), ExpectFocus(IDC_EDIT), Click(IDCANCEL)}),
+              0);
+}
+
+TEST_F(Wizard, APageThatAsksForTheNextControlIsLeftForGood)
+{
+    m_onInitDialog = [](int nPage, HWND hwndPage) {
+        if (nPage == 1) {
+            PostMessageW(hwndPage, WM_NEXTDLGCTL, 0, 0);
+            PostMessageW(GetParent(hwndPage), PSM_SHOWWIZBUTTONS, PSWIZB_NEXT | PSWIZB_CANCEL,
+                         PSWIZB_BACK | PSWIZB_NEXT | PSWIZB_CANCEL);
         }
         return TRUE;
-    default:
-        return FALSE;
+    };
+    EXPECT_EQ(Run({IDD_BUTTON, IDD_BOX}, {ExpectFocus(kNextButtonId), Click(kNextButtonId), ExpectFocus(IDC_BOX),
+                                          Click(kBackButtonId), ExpectFocus(kNextButtonId), Click(IDCANCEL)}),
+              0);
+}
+
+TEST_F(Wizard, TheFocusLeavesAButtonThatGetsHidden)
+{
+    EXPECT_EQ(Run({IDD_BOX, IDD_BOX}, {FocusOn(kNextButtonId), ShowButtons(0, PSWIZB_NEXT), ExpectFocus(IDC_BOX),
+                                       FocusOn(IDCANCEL), ShowButtons(PSWIZB_NEXT, PSWIZB_NEXT | PSWIZB_CANCEL),
+                                       ExpectFocus(kNextButtonId), PressByMessage(PSBTN_CANCEL)}),
+              0);
+}
+
+TEST_F(Wizard, EnterPressesTheDefaultButton)
+{
+    EXPECT_EQ(Run({IDD_BOX, IDD_FIELDS}, {Press(VK_RETURN), ExpectPage(2), ExpectFocus(IDC_EDIT), Press(VK_RETURN)}),
+              1);
+}
+
+TEST_F(Wizard, EnterPressesTheButtonThatHasTheFocus)
+{
+    EXPECT_EQ(Run({IDD_BOX, IDD_FIELDS},
+                  {Click(kNextButtonId), FocusOn(IDC_BUTTON), Press(VK_RETURN), ExpectPage(2), FocusOn(kBackButtonId),
+                   Press(VK_RETURN), ExpectPage(1), FocusOn(IDCANCEL), Press(VK_RETURN)}),
+              0);
+    EXPECT_EQ(std::ranges::count(m_journal, "2 click"), 1);
+}
+
+TEST_F(Wizard, KeysOfHiddenButtonsDoNothing)
+{
+    EXPECT_EQ(
+        Run({IDD_BOX, IDD_BOX}, {Click(kNextButtonId), ShowButtons(0, kAllButtons), Press(VK_RETURN), Press(VK_ESCAPE),
+                                 PressWithAlt(VK_LEFT), ExpectPage(2), ShowButtons(kAllButtons, kAllButtons),
+                                 PressWithAlt(VK_LEFT), ExpectPage(1), Press(VK_ESCAPE)}),
+        0);
+    EXPECT_EQ(m_journal, (Lines{"1 init", "1 active", "1 next", "1 kill", "2 init", "2 active", "2 back", "2 kill",
+                                "1 active", "1 querycancel"}));
+}
+
+TEST_F(Wizard, TabWalksThroughPageAndFrameAndBeginsAnew)
+{
+    const int kOrder[] = {IDC_BUTTON, IDC_BOX, kNextButtonId, IDCANCEL, kBackButtonId, IDC_EDIT};
+    Steps steps = {Click(kNextButtonId), [this] { SetDlgItemTextW(CurrentPage(), IDC_EDIT, L"12345"); }};
+    for (const int nId : kOrder) {
+        steps.push_back(Press(VK_TAB));
+        steps.push_back(ExpectFocus(nId));
     }
-}
-
-INT_PTR WizardTest::OnNotify(int nPage, HWND hwnd, const PSHNOTIFY& notification)
-{
-    const UINT nCode = notification.hdr.code;
-    if (NameOf(nCode) == nullptr) {
-        return FALSE;
+    steps.push_back([this] {
+        EXPECT_EQ(SendMessageW(Window(IDC_EDIT), EM_GETSEL, 0, 0), MAKELRESULT(0, 5)) << "the text gets selected";
+    });
+    for (const int nId : {kBackButtonId, int{IDCANCEL}, kNextButtonId, IDC_BOX, IDC_BUTTON, IDC_EDIT}) {
+        steps.push_back(PressWithShift(VK_TAB));
+        steps.push_back(ExpectFocus(nId));
     }
-    EXPECT_EQ(notification.hdr.hwndFrom, GetParent(hwnd));
-    std::string line = std::to_string(nPage) + " " + NameOf(nCode);
-    if (notification.lParam != 0) {
-        line += " close box";
-    }
-    m_journal.push_back(line);
-    if (m_onNotify) {
-        m_onNotify(nPage, hwnd, nCode);
-    }
-    const auto answer = m_answers.find({nPage, nCode});
-    SetWindowLongPtrW(hwnd, DWLP_MSGRESULT, answer == m_answers.end() ? 0 : answer->second);
-    return TRUE;
-}
-
-HWND WizardTest::Frame() const
-{
-    return FindWindowW(L"NativeHWNDHost", nullptr);
-}
-
-HWND WizardTest::CurrentPage() const
-{
-    return reinterpret_cast<HWND>(SendMessageW(Frame(), PSM_GETCURRENTPAGEHWND, 0, 0));
-}
-
-int WizardTest::CurrentNumber() const
-{
-    return static_cast<int>(GetWindowLongPtrW(CurrentPage(), GWLP_USERDATA));
-}
-
-HWND WizardTest::Button(int nId) const
-{
-    return GetDlgItem(Frame(), nId);
-}
-
-HWND WizardTest::Control(int nId) const
-{
-    return GetDlgItem(CurrentPage(), nId);
-}
-
-std::string WizardTest::VisibleButtons() const
-{
-    std::string names;
-    for (const auto& [nId, pszName] : {std::pair(kBackButtonId, "Back"), std::pair(kNextButtonId, "Next"),
-                                       std::pair(kFinishButtonId, "Finish"), std::pair(int{IDCANCEL}, "Cancel")}) {
-        if (IsWindowVisible(Button(nId))) {
-            names += names.empty() ? "" : " ";
-            names += pszName;
-        }
-    }
-    return names;
-}
-
-std::string WizardTest::HeaderTitle() const
-{
-    return TextOf(FindWindowExW(Frame(), nullptr, L"Static", nullptr));
-}
-
-int WizardTest::FocusId() const
-{
-    const HWND hwnd = GetFocus();
-    return hwnd == nullptr || !IsChild(Frame(), hwnd) ? 0 : GetDlgCtrlID(hwnd);
-}
-
-void WizardTest::Click(int nButtonId) const
-{
-    SendMessageW(Button(nButtonId), BM_CLICK, 0, 0);
-}
-
-void WizardTest::Key(WORD nKey) const
-{
-    PostMessageW(GetFocus(), WM_KEYDOWN, nKey, 1);
-    PostMessageW(GetFocus(), WM_KEYUP, nKey, static_cast<LPARAM>(0xC0000001));
-}
-
-void WizardTest::KeyWith(WORD nModifier, WORD nKey) const
-{
-    BYTE state[256] = {};
-    GetKeyboardState(state);
-    state[nModifier] = 0x80;
-    SetKeyboardState(state);
-    const bool bAlt = nModifier == VK_MENU;
-    // What Alt is held with comes as a system key, with a bit that says so.
-    MSG message = {};
-    message.hwnd = GetFocus();
-    message.message = bAlt ? WM_SYSKEYDOWN : WM_KEYDOWN;
-    message.wParam = nKey;
-    message.lParam = bAlt ? 0x20000001 : 1;
-    if (!SendMessageW(Frame(), PSM_ISDIALOGMESSAGE, 0, reinterpret_cast<LPARAM>(&message)) && bAlt) {
-        message.message = WM_SYSCHAR;
-        SendMessageW(Frame(), PSM_ISDIALOGMESSAGE, 0, reinterpret_cast<LPARAM>(&message));
-    }
-    state[nModifier] = 0;
-    SetKeyboardState(state);
-}
-
-void WizardTest::ShowButtons(DWORD dwButtons, DWORD dwMask) const
-{
-    PostMessageW(Frame(), PSM_SHOWWIZBUTTONS, dwButtons, static_cast<LPARAM>(dwMask));
+    steps.push_back(Click(IDCANCEL));
+    EXPECT_EQ(Run({IDD_TEXT, IDD_FIELDS, IDD_TEXT}, steps), 0);
 }

@@ -41,15 +41,6 @@ int Read(PCWSTR pszFile)
     return static_cast<int>(dwRead);
 }
 
-// Writes when the event with this name has come; else, after ten seconds, not.
-int WriteAfter(PCWSTR pszEvent, PCWSTR pszFile)
-{
-    const HANDLE hEvent = OpenEventW(SYNCHRONIZE, FALSE, pszEvent);
-    const DWORD dwResult = WaitForSingleObject(hEvent, 10000);
-    CloseHandle(hEvent);
-    return dwResult == WAIT_OBJECT_0 ? Write(pszFile) : static_cast<int>(dwResult);
-}
-
 // Starts this program anew, with the text in its command line. The last error; 0 when it started.
 int Start(PCWSTR pszText)
 {
@@ -73,9 +64,11 @@ int FindRoute()
     SOCKADDR_INET destination = {};
     destination.Ipv4.sin_family = AF_INET;
     destination.Ipv4.sin_addr.s_addr = inet_addr("8.8.8.8");
+    DWORD dwInterface = 0;
+    GetBestInterface(destination.Ipv4.sin_addr.s_addr, &dwInterface);
     MIB_IPFORWARD_ROW2 route = {};
     SOCKADDR_INET source = {};
-    return static_cast<int>(GetBestRoute2(nullptr, 0, nullptr, &destination, 0, &route, &source));
+    return static_cast<int>(GetBestRoute2(nullptr, dwInterface, nullptr, &destination, 0, &route, &source));
 }
 
 // Writes to where nothing is.
@@ -113,7 +106,7 @@ int wmain(int nArguments, wchar_t** ppszArguments)
         return static_cast<int>(wcstol(pszWith, nullptr, 0));
     }
     if (szDo == L"write") {
-        return nArguments > 3 ? WriteAfter(ppszArguments[3], pszWith) : Write(pszWith);
+        return Write(pszWith);
     }
     if (szDo == L"read") {
         return Read(pszWith);

@@ -6,11 +6,6 @@
 #define IDD_FIELDS 103 // an edit, a push button, a disabled and a hidden edit, a check box
 #define IDD_BUTTON 104 // a push button
 #define IDD_ODD 105    // a control of a class that does not exist
-#define IDD_SMALL 106  // smaller than the others
-
-#define IDS_CAPTION 201
-#define IDS_TITLE_TEXT 211
-#define IDS_TITLE_BOX 212
 
 #define IDC_TEXT 1001
 #define IDC_BOX 1002
