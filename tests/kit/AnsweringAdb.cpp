@@ -22,33 +22,26 @@ bool IsOurs(HANDLE h)
 } // namespace
 
 AnsweringAdb::AnsweringAdb()
-    : m_createPipe([](HANDLE* phRead, HANDLE* phWrite, auto&&...) -> BOOL {
+    : m_createPipe(Quietly([](HANDLE* phRead, HANDLE* phWrite, auto&&...) -> BOOL {
           *phRead = hPipeRead;
           *phWrite = hPipeWrite;
           return TRUE;
-      }),
-      m_setHandleInformation([this](HANDLE h, DWORD dwMask, DWORD dwFlags) -> BOOL {
+      })),
+      m_setHandleInformation(Quietly([this](HANDLE h, DWORD dwMask, DWORD dwFlags) -> BOOL {
           return IsOurs(h) || m_setHandleInformation.Next(h, dwMask, dwFlags);
-      }),
-      m_createProcess([this](PCWSTR, PWSTR pszCommandLine, SECURITY_ATTRIBUTES*, SECURITY_ATTRIBUTES*, BOOL, DWORD,
-                             void*, PCWSTR, STARTUPINFOW*,
-                             PROCESS_INFORMATION* pInfo) { return OnCreateProcess(pszCommandLine, pInfo); }),
-      m_readFile([this](HANDLE h, void* pBuffer, DWORD cbBuffer, DWORD* pcbRead, OVERLAPPED* pOverlapped) {
+      })),
+      m_createProcess(Quietly([this](PCWSTR, PWSTR pszCommandLine, void*, void*, BOOL, DWORD, void*, PCWSTR, void*,
+                                     PROCESS_INFORMATION* pInfo) { return OnCreateProcess(pszCommandLine, pInfo); })),
+      m_readFile(Quietly([this](HANDLE h, void* pBuffer, DWORD cbBuffer, DWORD* pcbRead, OVERLAPPED* pOverlapped) {
           return IsOurs(h) ? OnReadFile(pBuffer, cbBuffer, pcbRead)
                            : m_readFile.Next(h, pBuffer, cbBuffer, pcbRead, pOverlapped);
-      }),
-      m_getExitCode([this](HANDLE, DWORD* pdwExitCode) -> BOOL {
+      })),
+      m_getExitCode(Quietly([this](HANDLE, DWORD* pdwExitCode) -> BOOL {
           *pdwExitCode = 0;
           return m_run.bExitCode;
-      }),
-      m_closeHandle([this](HANDLE h) -> BOOL { return IsOurs(h) || m_closeHandle.Next(h); })
+      })),
+      m_closeHandle(Quietly([this](HANDLE h) -> BOOL { return IsOurs(h) || m_closeHandle.Next(h); }))
 {
-    m_createPipe.Optional().Unnoted();
-    m_setHandleInformation.Optional().Unnoted();
-    m_createProcess.Optional().Unnoted();
-    m_readFile.Optional().Unnoted();
-    m_getExitCode.Optional().Unnoted();
-    m_closeHandle.Optional().Unnoted();
 }
 
 AnsweringAdb::~AnsweringAdb()

@@ -21,7 +21,7 @@ void SetBodyThread(DWORD dwThreadId)
     s_dwBodyThread = dwThreadId;
 }
 
-std::wstring KeptArgument<const wchar_t*>::From(const wchar_t* psz)
+std::wstring Kept(const wchar_t* psz)
 {
     if (psz == nullptr) {
         return L"(null)";

@@ -43,6 +43,34 @@ struct PassOn
 {
 };
 
+template<typename Inner>
+struct OptionalAnswer
+{
+    Inner answer;
+    bool bNoted = true;
+    bool bFails = false;
+};
+
+// Around an answer: need not be called.
+template<typename Inner = PassOn>
+OptionalAnswer<Inner> Maybe(Inner answer = {})
+{
+    return {std::move(answer)};
+}
+
+// Around an answer: need not be called, and leaves no lines in the journal.
+template<typename Inner = PassOn>
+OptionalAnswer<Inner> Quietly(Inner answer = {})
+{
+    return {std::move(answer), false};
+}
+
+// An answer: must not be called. A call fails the test and is passed on.
+inline OptionalAnswer<PassOn> Never()
+{
+    return {{}, true, true};
+}
+
 // Answers for the first, second, third call. One more call than answers fails the test and gets the
 // last answer again.
 template<typename... Answers>
@@ -71,24 +99,14 @@ struct FunctionName
     char sz[t_nSize];
 };
 
-// How an argument is kept: wide texts as they were at the time of the call, everything else as it is.
+// How an argument is kept: wide texts as they were at the time of the call, "(null)" for none, "#5" for a resource id;
+// everything else as it is.
+std::wstring Kept(const wchar_t* psz);
 template<typename T>
-struct KeptArgument
+T Kept(T argument)
 {
-    using type = T;
-    static T From(T argument)
-    {
-        return argument;
-    }
-};
-
-template<>
-struct KeptArgument<const wchar_t*>
-{
-    using type = std::wstring;
-    // "(null)" for none, "#5" for a resource id.
-    static std::wstring From(const wchar_t* psz);
-};
+    return argument;
+}
 
 template<FunctionName t_name, typename Function>
 class Replaced;
@@ -105,6 +123,14 @@ public:
     explicit Replaced(PassOn passOn) : m_answers{MakeAnswer(passOn)}
     {
         Install();
+    }
+
+    template<typename Inner>
+    explicit Replaced(OptionalAnswer<Inner> optional) : Replaced(std::move(optional.answer))
+    {
+        m_bOptional = true;
+        m_bNoted = optional.bNoted;
+        m_bFails = optional.bFails;
     }
 
     // One answer for every call: Returns(…), or anything that takes the arguments.
@@ -162,7 +188,7 @@ public:
             return std::get<t_nIndex>(m_calls[nCall]);
         }
         ADD_FAILURE() << t_name.sz << " was called only " << m_calls.size() << " times";
-        return std::tuple_element_t<t_nIndex, Kept>();
+        return std::tuple_element_t<t_nIndex, Arguments>();
     }
 
     // What would have been called without this replacement: the next one outside, or the function.
@@ -179,7 +205,7 @@ public:
 
 private:
     using Function = Result (*)(Args...);
-    using Kept = std::tuple<typename KeptArgument<Args>::type...>;
+    using Arguments = std::tuple<decltype(Kept(std::declval<Args>()))...>;
 
     Answer MakeAnswer(PassOn)
     {
@@ -222,9 +248,12 @@ private:
     const Answer& Keep(Args... args)
     {
         const size_t nCall = m_calls.size();
-        m_calls.emplace_back(KeptArgument<Args>::From(args)...);
+        m_calls.emplace_back(Kept(args)...);
         if (m_bNoted) {
             Note(t_name.sz);
+        }
+        if (m_bFails) {
+            ADD_FAILURE() << t_name.sz << " was called";
         }
         if (m_bInTurn && nCall >= m_answers.size()) {
             ADD_FAILURE() << t_name.sz << " was called more than " << m_answers.size() << " times";
@@ -239,7 +268,8 @@ private:
     bool m_bInTurn = false;
     bool m_bOptional = false;
     bool m_bNoted = true;
-    std::vector<Kept> m_calls;
+    bool m_bFails = false;
+    std::vector<Arguments> m_calls;
     std::vector<ImportSlot> m_slots;
     Replaced* m_pOuter = nullptr;
 };

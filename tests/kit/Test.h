@@ -84,4 +84,10 @@ private:
 // UTF-8 of a wide text, for journals and messages.
 std::string Narrow(const std::wstring& str);
 
+// What the system says of an error code, with the line break at its end.
+std::wstring SystemDescription(DWORD dwCode);
+
+// Names the instances of a parameterised test after the rows' own names (letters and digits).
+inline constexpr auto kByName = [](const auto& info) { return std::string(info.param.pszName); };
+
 } // namespace kit

@@ -22,31 +22,20 @@ TEST_F(AnsweringAdbTest, AnswersRunAfterRun)
 {
     AnsweringAdb adb;
     const std::string strLong(5000, 'x');
-    adb.Prints("").Prints(strLong);
+    std::vector<size_t> runs;
+    adb.Prints("").Prints(strLong).PrintsAndHidesItsExitCode("y").Prints("");
+    adb.WhenItRuns([&](size_t nRun) { runs.push_back(nRun); });
     EXPECT_EQ(KillServer(&m_strOutput), ADB_SUCCESS);
     EXPECT_EQ(Connect(L"a", &m_strOutput), ADB_PARSE_ERROR);
     EXPECT_EQ(m_strOutput, strLong);
-    EXPECT_EQ(adb.Commands(), (std::vector<std::wstring>{L" kill-server", L" connect a"}));
-    EXPECT_EQ(JournalOf({"adb kill-server", "adb connect a"}), (Lines{"adb kill-server", "adb connect a"}));
-}
-
-TEST_F(AnsweringAdbTest, HidesTheExitCodeOfOneRun)
-{
-    AnsweringAdb adb;
-    adb.PrintsAndHidesItsExitCode("x").Prints("");
     EXPECT_EQ(KillServer(&m_strOutput), ADB_GETEXITCODE_FAILED);
-    EXPECT_EQ(m_strOutput, "x");
+    EXPECT_EQ(m_strOutput, "y");
     EXPECT_EQ(KillServer(&m_strOutput), ADB_SUCCESS);
-}
-
-TEST_F(AnsweringAdbTest, TellsWhenARunBegins)
-{
-    AnsweringAdb adb;
-    std::vector<size_t> runs;
-    adb.Prints("").Prints("").WhenItRuns([&](size_t nRun) { runs.push_back(nRun); });
-    KillServer(&m_strOutput);
-    KillServer(&m_strOutput);
-    EXPECT_EQ(runs, (std::vector<size_t>{0, 1}));
+    EXPECT_EQ(runs, (std::vector<size_t>{0, 1, 2, 3}));
+    EXPECT_EQ(adb.Commands(),
+              (std::vector<std::wstring>{L" kill-server", L" connect a", L" kill-server", L" kill-server"}));
+    EXPECT_EQ(JournalOf({"adb kill-server", "adb connect a"}),
+              (Lines{"adb kill-server", "adb connect a", "adb kill-server", "adb kill-server"}));
 }
 
 TEST_F(AnsweringAdbTest, FailsOverARunThatNobodyExpected)
