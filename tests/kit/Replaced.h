@@ -80,6 +80,17 @@ struct InTurn
     std::tuple<Answers...> answers;
 };
 
+// Among the arguments that a test expects: any.
+struct AnyArgument
+{
+    template<typename T>
+    friend bool operator==(const T&, AnyArgument)
+    {
+        return true;
+    }
+};
+inline constexpr AnyArgument kAny;
+
 // Whether calls from the current thread are the test's. Calls from any other thread, such as those
 // of the test framework, reach the real function and leave no trace.
 bool IsTestThread();
@@ -180,15 +191,21 @@ public:
         return m_calls.size();
     }
 
-    // Argument t_nIndex of a call, both counted from 0.
+    // The arguments of a call, counted from 0, as they are kept.
+    auto Arguments(size_t nCall = 0) const
+    {
+        if (nCall < m_calls.size()) {
+            return m_calls[nCall];
+        }
+        ADD_FAILURE() << t_name.sz << " was called only " << m_calls.size() << " times";
+        return KeptArguments();
+    }
+
+    // Argument t_nIndex of it, counted from 0 too.
     template<size_t t_nIndex>
     auto Arg(size_t nCall = 0) const
     {
-        if (nCall < m_calls.size()) {
-            return std::get<t_nIndex>(m_calls[nCall]);
-        }
-        ADD_FAILURE() << t_name.sz << " was called only " << m_calls.size() << " times";
-        return std::tuple_element_t<t_nIndex, Arguments>();
+        return std::get<t_nIndex>(Arguments(nCall));
     }
 
     // What would have been called without this replacement: the next one outside, or the function.
@@ -205,7 +222,7 @@ public:
 
 private:
     using Function = Result (*)(Args...);
-    using Arguments = std::tuple<decltype(Kept(std::declval<Args>()))...>;
+    using KeptArguments = std::tuple<decltype(Kept(std::declval<Args>()))...>;
 
     Answer MakeAnswer(PassOn)
     {
@@ -269,7 +286,7 @@ private:
     bool m_bOptional = false;
     bool m_bNoted = true;
     bool m_bFails = false;
-    std::vector<Arguments> m_calls;
+    std::vector<KeptArguments> m_calls;
     std::vector<ImportSlot> m_slots;
     Replaced* m_pOuter = nullptr;
 };

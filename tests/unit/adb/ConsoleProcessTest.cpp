@@ -196,9 +196,7 @@ TEST_F(ProcessSteps, TheProcessGetsThePipeTwiceAndNoInput)
     EXPECT_EQ(m_sa.bInheritHandle, TRUE);
     EXPECT_EQ(m_createPipe.Arg<3>(), 0u);
     EXPECT_EQ(m_setInformation.Calls(), 1u);
-    EXPECT_EQ(m_setInformation.Arg<0>(), hReadEnd);
-    EXPECT_EQ(m_setInformation.Arg<1>(), static_cast<DWORD>(HANDLE_FLAG_INHERIT));
-    EXPECT_EQ(m_setInformation.Arg<2>(), 0u);
+    EXPECT_EQ(m_setInformation.Arguments(), std::tuple(hReadEnd, DWORD(HANDLE_FLAG_INHERIT), 0u));
     STARTUPINFOW wanted = {};
     wanted.cb = 104;
     wanted.dwFlags = 0x100;
@@ -214,15 +212,9 @@ TEST_F(ProcessSteps, TheProcessGetsThePipeTwiceAndNoInput)
 TEST_F(ProcessSteps, TheProcessIsTheDeployedAdbHidden)
 {
     RunAdb();
-    EXPECT_EQ(m_createProcess.Arg<0>(), L"C:\\tools\\adb.exe");
-    EXPECT_EQ(m_createProcess.Arg<1>(), m_szArguments);
+    EXPECT_EQ(m_createProcess.Arguments(), std::tuple(L"C:\\tools\\adb.exe", m_szArguments, nullptr, nullptr, TRUE,
+                                                      0x08000000u, nullptr, L"(null)", kAny, kAny));
     EXPECT_EQ(m_strCommandLine, L" kill-server");
-    EXPECT_EQ(m_createProcess.Arg<2>(), nullptr);
-    EXPECT_EQ(m_createProcess.Arg<3>(), nullptr);
-    EXPECT_EQ(m_createProcess.Arg<4>(), TRUE);
-    EXPECT_EQ(m_createProcess.Arg<5>(), 0x08000000u);
-    EXPECT_EQ(m_createProcess.Arg<6>(), nullptr);
-    EXPECT_EQ(m_createProcess.Arg<7>(), L"(null)");
 }
 
 TEST_F(ProcessSteps, OutputIsReadInPiecesOf1024Bytes)
@@ -230,9 +222,7 @@ TEST_F(ProcessSteps, OutputIsReadInPiecesOf1024Bytes)
     m_reads = {{TRUE, std::string(1024, 'a'), 0}, {TRUE, "b", 0}, {FALSE, "", ERROR_BROKEN_PIPE}};
     EXPECT_EQ(RunAdb(), ADB_SUCCESS);
     EXPECT_EQ(m_strOutput, std::string(1024, 'a') + "b");
-    EXPECT_EQ(m_read.Arg<0>(), hReadEnd);
-    EXPECT_EQ(m_read.Arg<2>(), 1024u);
-    EXPECT_EQ(m_read.Arg<4>(), nullptr);
+    EXPECT_EQ(m_read.Arguments(), std::tuple(hReadEnd, kAny, 1024u, kAny, nullptr));
 }
 
 TEST_F(ProcessSteps, AFailedReadIsTriedAgainUntilThePipeIsBroken)

@@ -68,14 +68,9 @@ TEST_F(AboutBox, ReadsTheVersionOfTheRunningExecutable)
 
     ExpectVersion(L"65535.2.3");
 
-    EXPECT_EQ(size.Arg<0>(), 0u);
-    EXPECT_EQ(size.Arg<1>(), m_strSelf);
-    EXPECT_EQ(read.Arg<0>(), 0u);
-    EXPECT_EQ(read.Arg<1>(), m_strSelf);
-    EXPECT_EQ(read.Arg<2>(), 0x77u);
-    EXPECT_EQ(read.Arg<3>(), 300u);
-    EXPECT_EQ(query.Arg<0>(), read.Arg<4>());
-    EXPECT_EQ(query.Arg<1>(), L"\\");
+    EXPECT_EQ(size.Arguments(), std::tuple(0u, m_strSelf, kAny));
+    EXPECT_EQ(read.Arguments(), std::tuple(0u, m_strSelf, 0x77u, 300u, kAny));
+    EXPECT_EQ(query.Arguments(), std::tuple(read.Arg<4>(), L"\\", kAny, kAny));
 }
 
 TEST_F(AboutBox, AsksForTheExecutableWhereStartUpLeftNoPath)
@@ -84,8 +79,7 @@ TEST_F(AboutBox, AsksForTheExecutableWhereStartUpLeftNoPath)
     const REPLACED(GetModuleFileNameW) moduleFileName(InTurn(PassOn(), Returns(DWORD(0))));
     const REPLACED(GetFileVersionInfoSizeExW) size;
     ExpectVersion(L"1.4.0");
-    EXPECT_EQ(moduleFileName.Arg<0>(), nullptr);
-    EXPECT_EQ(moduleFileName.Arg<2>(), 260u);
+    EXPECT_EQ(moduleFileName.Arguments(), std::tuple(nullptr, kAny, 260u));
     EXPECT_EQ(size.Arg<1>(), m_strSelf);
     ExpectVersion(L""); // nobody knows it
 }

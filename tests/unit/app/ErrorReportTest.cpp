@@ -23,12 +23,7 @@ public:
     void ExpectAskedForAndFreed(DWORD dwCode) const
     {
         ASSERT_EQ(m_format.Calls(), 1u);
-        EXPECT_EQ(m_format.Arg<0>(), 0x1300u);
-        EXPECT_EQ(m_format.Arg<1>(), nullptr);
-        EXPECT_EQ(m_format.Arg<2>(), dwCode);
-        EXPECT_EQ(m_format.Arg<3>(), 0x0400u);
-        EXPECT_EQ(m_format.Arg<5>(), 0u);
-        EXPECT_EQ(m_format.Arg<6>(), nullptr);
+        EXPECT_EQ(m_format.Arguments(), std::tuple(0x1300u, nullptr, dwCode, 0x0400u, kAny, 0u, nullptr));
         ExpectFreed(m_pszGiven);
     }
 
@@ -106,8 +101,7 @@ TEST_F(ErrorReport, TheTextIsAsLongAsItsPartsNeed)
     ReportLastError(L"Method");
     EXPECT_EQ(TakeBox().strCaption, L"Error");
     EXPECT_EQ(allocate.Calls(), 1u);
-    EXPECT_EQ(allocate.Arg<0>(), static_cast<UINT>(LMEM_ZEROINIT));
-    EXPECT_EQ(allocate.Arg<1>(), (6 + 30 + 40) * sizeof(WCHAR));
+    EXPECT_EQ(allocate.Arguments(), std::tuple(UINT(LMEM_ZEROINIT), (6 + 30 + 40) * sizeof(WCHAR)));
     description.ExpectFreed(pText);
 }
 

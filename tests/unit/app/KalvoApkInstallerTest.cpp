@@ -77,12 +77,9 @@ protected:
 TEST_F(ApplicationPaths, AreThoseOfTheExecutableAndTheUser)
 {
     ExpectPaths(L"D:\\Some folder\\sub.dir\\", L"Kalvo Installer.v2.exe");
-    EXPECT_EQ(m_imageName.Arg<0>(), GetCurrentProcess());
-    EXPECT_EQ(m_imageName.Arg<1>(), 0u);
+    EXPECT_EQ(m_imageName.Arguments(), std::tuple(GetCurrentProcess(), 0u, Paths().m_szFullPath, kAny));
     EXPECT_EQ(m_cchPath, 260u);
-    EXPECT_EQ(m_knownFolder.Arg<0>(), FOLDERID_LocalAppData);
-    EXPECT_EQ(m_knownFolder.Arg<1>(), 0u);
-    EXPECT_EQ(m_knownFolder.Arg<2>(), nullptr);
+    EXPECT_EQ(m_knownFolder.Arguments(), std::tuple(FOLDERID_LocalAppData, 0u, nullptr, kAny));
     EXPECT_EQ(m_free.Calls(), 1u);
     EXPECT_EQ(m_free.Arg<0>(), m_pszGiven);
 }
@@ -106,19 +103,11 @@ TEST_F(ApplicationPaths, AreMadeWithinTheirBounds)
     const Copy copy;
     const REPLACED(PathCchAppend) append;
     EXPECT_TRUE(Paths().Initialize());
-    EXPECT_EQ(split.Arg<0>(), m_strExecutable);
-    EXPECT_EQ(split.Arg<2>(), 3u);
-    EXPECT_EQ(split.Arg<4>(), 256u);
-    EXPECT_EQ(split.Arg<6>(), 256u);
-    EXPECT_EQ(split.Arg<8>(), 256u);
-    EXPECT_EQ(make.Arg<0>(0), Paths().m_szFolderPath);
-    EXPECT_EQ(make.Arg<1>(0), 260u);
-    EXPECT_EQ(make.Arg<0>(1), Paths().m_szFileName);
-    EXPECT_EQ(make.Arg<1>(1), 260u);
-    EXPECT_EQ(copy.Arg<0>(), Paths().m_szAppDataFolderPath);
-    EXPECT_EQ(copy.Arg<1>(), 260u);
-    EXPECT_EQ(append.Arg<0>(), Paths().m_szAppDataFolderPath);
-    EXPECT_EQ(append.Arg<1>(), 260u);
+    EXPECT_EQ(split.Arguments(), std::tuple(m_strExecutable, kAny, 3u, kAny, 256u, kAny, 256u, kAny, 256u));
+    EXPECT_EQ(make.Arguments(0), std::tuple(Paths().m_szFolderPath, 260u, kAny, kAny, kAny, kAny));
+    EXPECT_EQ(make.Arguments(1), std::tuple(Paths().m_szFileName, 260u, kAny, kAny, kAny, kAny));
+    EXPECT_EQ(copy.Arguments(), std::tuple(Paths().m_szAppDataFolderPath, 260u, kAny, kAny));
+    EXPECT_EQ(append.Arguments(), std::tuple(Paths().m_szAppDataFolderPath, 260u, kAny));
 }
 
 // As the runtime fails: with nothing in what it was to fill.

@@ -46,17 +46,14 @@ TEST_F(SupportedWindows, IsTenBuild19041OrNewer)
     const DWORD fields[] = {VER_MAJORVERSION, VER_MINORVERSION, VER_BUILDNUMBER};
     const ULONGLONG masksSoFar[] = {0, 0x11, 0x22};
     for (size_t n = 0; n < 3; ++n) {
-        EXPECT_EQ(set.Arg<0>(n), masksSoFar[n]) << n;
-        EXPECT_EQ(set.Arg<1>(n), fields[n]) << n;
-        EXPECT_EQ(set.Arg<2>(n), VER_GREATER_EQUAL) << n;
+        EXPECT_EQ(set.Arguments(n), std::tuple(masksSoFar[n], fields[n], VER_GREATER_EQUAL));
     }
     OSVERSIONINFOEXW wanted = {};
     wanted.dwOSVersionInfoSize = sizeof(wanted);
     wanted.dwMajorVersion = 10;
     wanted.dwBuildNumber = 19041;
     EXPECT_EQ(memcmp(&asked, &wanted, sizeof(wanted)), 0);
-    EXPECT_EQ(verify.Arg<1>(), 7u);
-    EXPECT_EQ(verify.Arg<2>(), 0x33u);
+    EXPECT_EQ(verify.Arguments(), std::tuple(kAny, 7u, 0x33u));
 }
 
 } // namespace

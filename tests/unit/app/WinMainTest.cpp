@@ -163,12 +163,9 @@ TEST_F(WinMainWithAdb, DeploysRunsTheWizardAndLeavesNothing)
     EXPECT_TRUE(exists(WorkingFolder()));
     EXPECT_TRUE(is_empty(WorkingFolder()));
     // A mutex that is owned from the start, a single-threaded apartment, sockets 2.2.
-    EXPECT_EQ(m_createMutex.Arg<0>(), nullptr);
-    EXPECT_EQ(m_createMutex.Arg<1>(), TRUE);
-    EXPECT_EQ(m_createMutex.Arg<2>(), L"KALVO_APK_INSTALLER_MUTEX");
+    EXPECT_EQ(m_createMutex.Arguments(), std::tuple(nullptr, TRUE, L"KALVO_APK_INSTALLER_MUTEX"));
     EXPECT_EQ(m_release.Arg<0>(), hMutex);
-    EXPECT_EQ(m_comStart.Arg<0>(), nullptr);
-    EXPECT_EQ(m_comStart.Arg<1>(), 6u);
+    EXPECT_EQ(m_comStart.Arguments(), std::tuple(nullptr, 6u));
     EXPECT_EQ(m_socketStart.Arg<0>(), 0x0202);
     EXPECT_NE(m_socketStart.Arg<1>(), nullptr);
 }
@@ -222,8 +219,7 @@ TEST_F(WinMain, ARunningInstanceIsBroughtToTheFrontWithoutAWord)
     const REPLACED(CreateMutexW) createMutex(Returns(hMutex, ERROR_ALREADY_EXISTS));
     const REPLACED(FindWindowW) findWindow(InTurn(Returns(hwnd), Returns(HWND(nullptr))));
     ExpectOnly({"CreateMutexW", "CloseHandle of the mutex", "FindWindowW", "SetForegroundWindow"});
-    EXPECT_EQ(findWindow.Arg<0>(), L"(null)");
-    EXPECT_EQ(findWindow.Arg<1>(), strTitle);
+    EXPECT_EQ(findWindow.Arguments(), std::tuple(L"(null)", strTitle));
     EXPECT_EQ(m_foreground.Arg<0>(), hwnd);
     // Without a window there is nothing to bring.
     ExpectOnly({"CreateMutexW", "CloseHandle of the mutex", "FindWindowW"});

@@ -34,10 +34,9 @@ TEST_F(KitTest, KeepsArgumentsOfEveryCall)
     SetEnvironmentVariableW(szName, nullptr);
     SetEnvironmentVariableW(MAKEINTRESOURCEW(5), nullptr);
     EXPECT_EQ(set.Calls(), 3u);
-    EXPECT_EQ(set.Arg<0>(0), L"A");
-    EXPECT_EQ(set.Arg<1>(0), L"x");
-    EXPECT_EQ(set.Arg<0>(1), L"B");
-    EXPECT_EQ(set.Arg<1>(1), L"(null)");
+    EXPECT_EQ(set.Arguments(), std::tuple(L"A", L"x"));
+    EXPECT_EQ(set.Arguments(1), std::tuple(kAny, L"(null)"));
+    EXPECT_NE(set.Arguments(1), std::tuple(L"A", kAny));
     EXPECT_EQ(set.Arg<0>(2), L"#5");
     EXPECT_NONFATAL_FAILURE(set.Arg<0>(3), "SetEnvironmentVariableW was called only 3 times");
 }

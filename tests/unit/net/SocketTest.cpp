@@ -31,9 +31,7 @@ TEST_F(Socket, IsAnIpv4StreamSocketOfTcpAndClosedAtTheEnd)
         EXPECT_TRUE(owner.Socket());
         EXPECT_EQ(owner.m_socket, kSocket);
     }
-    EXPECT_EQ(open.Arg<0>(), 2);
-    EXPECT_EQ(open.Arg<1>(), 1);
-    EXPECT_EQ(open.Arg<2>(), 6);
+    EXPECT_EQ(open.Arguments(), std::tuple(2, 1, 6));
     EXPECT_EQ(close.Calls(), 1u);
     EXPECT_EQ(close.Arg<0>(), kSocket);
 }
@@ -74,14 +72,10 @@ TEST_F(Socket, PassesItsCallsOn)
     EXPECT_EQ(owner.Ioctlsocket(0), 5);
     EXPECT_EQ(owner.Connect(&address), 7);
     EXPECT_EQ(owner.Shutdown(), 3);
-    EXPECT_EQ(mode.Arg<0>(), kSocket);
-    EXPECT_EQ(static_cast<u_long>(mode.Arg<1>()), 0x8004667Eu);
+    EXPECT_EQ(mode.Arguments(), std::tuple(kSocket, static_cast<long>(0x8004667E), kAny));
     EXPECT_EQ(modes, (std::vector<u_long>{1, 0}));
-    EXPECT_EQ(connection.Arg<0>(), kSocket);
-    EXPECT_EQ(connection.Arg<1>(), reinterpret_cast<const SOCKADDR*>(&address));
-    EXPECT_EQ(connection.Arg<2>(), 16);
-    EXPECT_EQ(end.Arg<0>(), kSocket);
-    EXPECT_EQ(end.Arg<1>(), 2);
+    EXPECT_EQ(connection.Arguments(), std::tuple(kSocket, reinterpret_cast<const SOCKADDR*>(&address), 16));
+    EXPECT_EQ(end.Arguments(), std::tuple(kSocket, 2));
     EXPECT_EQ(owner.m_socket, kSocket);
 }
 

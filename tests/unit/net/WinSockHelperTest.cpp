@@ -72,9 +72,7 @@ protected:
         EXPECT_EQ(nLength, nFamily != 0 ? 7 : 93);
         if (nFamily != 0) {
             EXPECT_EQ(strGiven, pszAddress);
-            EXPECT_EQ(convert.Arg<1>(), nFamily);
-            EXPECT_EQ(convert.Arg<2>(), nullptr);
-            EXPECT_EQ(convert.Arg<3>(), pStorage);
+            EXPECT_EQ(convert.Arguments(), std::tuple(kAny, nFamily, nullptr, pStorage, kAny));
         }
     }
 };
@@ -192,15 +190,12 @@ TEST_F(AddressText, IsAskedForWithTheLengthsOfItsFamily)
     for (size_t n = 0; n < 2; ++n) {
         CStringW szAddress = L"before";
         EXPECT_EQ(CWinSockHelper::AddressToString(addresses[n].Get(), szAddress), TRUE);
-        EXPECT_EQ(withPort.Arg<0>(n), addresses[n].Get());
-        EXPECT_EQ(withPort.Arg<1>(n), n == 0 ? 16u : 28u);
-        EXPECT_EQ(withPort.Arg<2>(n), nullptr);
+        EXPECT_EQ(withPort.Arguments(n), std::tuple(addresses[n].Get(), n == 0 ? 16u : 28u, nullptr, kAny, kAny));
         EXPECT_EQ(szAddress.GetLength(), 127);
         EXPECT_NE(withPort.Arg<3>(n), szAddress.GetString());
         EXPECT_EQ(CWinSockHelper::AddressToIpString(addresses[n].Get(), szAddress), TRUE);
-        EXPECT_EQ(withoutPort.Arg<0>(n), n == 0 ? 2 : 23);
-        EXPECT_EQ(withoutPort.Arg<1>(n), addresses[n].Number());
-        EXPECT_EQ(withoutPort.Arg<3>(n), n == 0 ? 16u : 46u);
+        EXPECT_EQ(withoutPort.Arguments(n),
+                  std::tuple(n == 0 ? 2 : 23, addresses[n].Number(), kAny, n == 0 ? 16u : 46u));
         EXPECT_EQ(szAddress.GetLength(), n == 0 ? 16 : 46);
     }
 }

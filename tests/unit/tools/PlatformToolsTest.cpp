@@ -85,14 +85,10 @@ TEST_F(PlatformToolsPaths, LieBelowTheWorkingFolder)
     EXPECT_STREQ(Tools().m_szAdbExePath, L"C:\\Users\\kim\\Local\\KALVO_ApkInstaller\\platform-tools\\adb.exe");
 
     EXPECT_EQ(combine.Calls(), 3u);
-    EXPECT_EQ(combine.Arg<0>(0), Tools().m_szZipFilePath);
-    EXPECT_EQ(combine.Arg<0>(1), Tools().m_szPlatformToolsFolderPath);
-    EXPECT_EQ(combine.Arg<0>(2), Tools().m_szAdbExePath);
-    for (size_t n = 0; n < 3; ++n) {
-        EXPECT_EQ(combine.Arg<1>(n), 260u);
-    }
-    EXPECT_EQ(copy.Arg<0>(), Tools().m_szRootFolderPath);
-    EXPECT_EQ(copy.Arg<1>(), 260u);
+    EXPECT_EQ(combine.Arguments(0), std::tuple(Tools().m_szZipFilePath, 260u, kAny, kAny));
+    EXPECT_EQ(combine.Arguments(1), std::tuple(Tools().m_szPlatformToolsFolderPath, 260u, kAny, kAny));
+    EXPECT_EQ(combine.Arguments(2), std::tuple(Tools().m_szAdbExePath, 260u, kAny, kAny));
+    EXPECT_EQ(copy.Arguments(), std::tuple(Tools().m_szRootFolderPath, 260u, kAny, kAny));
 }
 
 TEST_F(PlatformToolsPaths, ASecondInitialisationFails)
@@ -163,15 +159,10 @@ TEST_F(DeployedPlatformTools, AreInstalledOnACleanAccount)
     EXPECT_TRUE(Tools().Install());
     EXPECT_EQ(Journal(),
               (Lines{"SHCreateDirectoryExW", "FindResourceW", "LoadResource", "LockResource", "SizeofResource"}));
-    EXPECT_EQ(createFolder.Arg<0>(), nullptr);
-    EXPECT_EQ(createFolder.Arg<1>(), ToolsFolder().wstring());
-    EXPECT_EQ(createFolder.Arg<2>(), nullptr);
-    EXPECT_EQ(find.Arg<0>(), nullptr);
-    EXPECT_EQ(find.Arg<1>(), L"#223");
-    EXPECT_EQ(find.Arg<2>(), L"#10");
-    EXPECT_EQ(load.Arg<0>(), nullptr);
-    EXPECT_EQ(size.Arg<0>(), nullptr);
-    EXPECT_EQ(load.Arg<1>(), size.Arg<1>());
+    EXPECT_EQ(createFolder.Arguments(), std::tuple(nullptr, ToolsFolder().wstring(), nullptr));
+    EXPECT_EQ(find.Arguments(), std::tuple(nullptr, L"#223", L"#10"));
+    EXPECT_EQ(load.Arguments(), std::tuple(nullptr, kAny));
+    EXPECT_EQ(size.Arguments(), load.Arguments());
 }
 
 TEST_F(DeployedPlatformTools, AreThoseOfTheProgramAndLeaveNothingWhenTheyAreRemoved)
@@ -362,19 +353,10 @@ TEST_F(PlatformToolsArchive, IsWrittenWholeAndUnpacked)
     EXPECT_EQ(ReadTextFile(ToolsFolder() / "adb.exe"), "tool");
 
     EXPECT_EQ(m_lock.Arg<0>(), this);
-    EXPECT_EQ(create.Arg<0>(), Archive().wstring());
-    EXPECT_EQ(create.Arg<1>(), static_cast<DWORD>(GENERIC_WRITE));
-    EXPECT_EQ(create.Arg<2>(), 0u);
-    EXPECT_EQ(create.Arg<3>(), nullptr);
-    EXPECT_EQ(create.Arg<4>(), static_cast<DWORD>(CREATE_ALWAYS));
-    EXPECT_EQ(create.Arg<5>(), static_cast<DWORD>(FILE_ATTRIBUTE_NORMAL));
-    EXPECT_EQ(create.Arg<6>(), nullptr);
-    EXPECT_EQ(write.Calls(), 1u);
-    EXPECT_EQ(write.Arg<0>(), hFile);
-    EXPECT_EQ(write.Arg<1>(), Resource());
-    EXPECT_EQ(write.Arg<2>(), m_strZip.size());
+    EXPECT_EQ(create.Arguments(), std::tuple(Archive().wstring(), GENERIC_WRITE, 0u, nullptr, DWORD(CREATE_ALWAYS),
+                                             DWORD(FILE_ATTRIBUTE_NORMAL), nullptr));
+    EXPECT_EQ(write.Arguments(), std::tuple(hFile, Resource(), m_strZip.size(), kAny, nullptr));
     EXPECT_NE(write.Arg<3>(), nullptr);
-    EXPECT_EQ(write.Arg<4>(), nullptr);
     EXPECT_EQ(Journal(), (Lines{"CreateFileW", "WriteFile", "CloseHandle"}));
 }
 
@@ -423,9 +405,9 @@ TEST_F(PlatformToolsArchive, IsReadByItsNameInTheThreadsCodePage)
     EXPECT_EQ(narrow.Calls(), 2u);
     const std::wstring paths[] = {Archive().wstring(), WorkingFolder().wstring()};
     for (size_t n = 0; n < 2; ++n) {
-        EXPECT_EQ(narrow.Arg<0>(n), static_cast<UINT>(CP_THREAD_ACP));
-        EXPECT_EQ(narrow.Arg<2>(n), paths[n]);
-        EXPECT_EQ(narrow.Arg<5>(n), static_cast<int>(4 * (paths[n].size() + 1))); // four bytes for each character
+        const int cb = 4 * static_cast<int>(paths[n].size() + 1); // four bytes for each character
+        EXPECT_EQ(narrow.Arguments(n),
+                  std::tuple(UINT(CP_THREAD_ACP), kAny, paths[n], kAny, kAny, cb, nullptr, nullptr));
     }
 }
 
@@ -589,9 +571,7 @@ TEST_F(PlatformToolsArchives, FailWhenThePatternOrAPathCannotBeMade)
     {
         const REPLACED(PathCchCombine) combine{InTurn(Returns(HRESULT(E_INVALIDARG)))};
         EXPECT_FALSE(DeletesArchives());
-        EXPECT_EQ(combine.Arg<1>(), 260u);
-        EXPECT_EQ(combine.Arg<2>(), WorkingFolder().wstring());
-        EXPECT_EQ(combine.Arg<3>(), L"platform-tools_*.zip");
+        EXPECT_EQ(combine.Arguments(), std::tuple(kAny, 260u, WorkingFolder().wstring(), L"platform-tools_*.zip"));
         EXPECT_EQ(m_findFirst.Calls(), 0u);
     }
     const REPLACED(PathCchCombine) combine{InTurn(PassOn(), Returns(HRESULT(E_INVALIDARG)))};
