@@ -2,7 +2,6 @@
 
 #include "adb/AdbOutput.h"
 
-#include "tests/kit/ProcessorTime.h"
 #include "tests/kit/Test.h"
 #include "tests/unit/adb/Outcomes.h"
 
@@ -316,21 +315,6 @@ TEST_F(FailedToInstall, TheFirstNameBetweenFailureAndAColonCounts)
                   {": Failure [ INSTALL_FAILED_DEXOPT: x]", INSTALL_FAILED},
                   {": Failure: [INSTALL_FAILED_DEXOPT: x]", INSTALL_FAILED},
                   {"", INSTALL_FAILED}});
-}
-
-// Adb passes on what the watch prints, so a line may be of any length. Recursion, or a search that
-// begins anew at every character, would be seen here.
-TEST_F(FailedToInstall, AnEndlessLineTakesNeitherStackNorTime)
-{
-    constexpr size_t cb = 64U << 20;
-    const Seconds begin = ProcessorTime();
-    EXPECT_EQ(GetFailedToInstallExitCode(std::string(cb, 'A')), INSTALL_FAILED);
-    EXPECT_EQ(GetFailedToInstallExitCode(": Failure [" + std::string(cb, 'A')), INSTALL_FAILED);
-    EXPECT_EQ(ClassifyInstallOutput("adb: failed to install " + std::string(cb, ':') +
-                                    " Failure [INSTALL_FAILED_ABORTED: x]"),
-              INSTALL_FAILED_ABORTED);
-    EXPECT_EQ(ClassifyConnectOutput(std::string(cb, 'c')), ADB_PARSE_ERROR);
-    EXPECT_LT(ProcessorTime() - begin, Seconds(10));
 }
 
 } // namespace

@@ -244,6 +244,8 @@ TEST_F(RunningPlatformTools, AreRemovedThoughTheirServerHeldThemOpen)
 {
     ASSERT_TRUE(Tools().Initialize(WorkingFolder().c_str()));
     ASSERT_TRUE(Tools().Install());
+    EXPECT_TRUE(Tools().Uninstall()); // it never ran
+    ASSERT_TRUE(Tools().Install());
     std::string strOutput;
     EXPECT_EQ(Connect(L"127.0.0.1:5999", &strOutput), CONNECT_CANNOT_CONNECT) << strOutput;
     EXPECT_NE(strOutput.find("daemon started successfully"), std::string::npos) << strOutput;
