@@ -1,10 +1,5 @@
-// Replaces a function that the program imports, for the length of a scope:
-//
-//     REPLACED(WriteFile) write(Returns(FALSE, ERROR_DISK_FULL));
-//     EXPECT_FALSE(Save());
-//     EXPECT_EQ(write.Arg<2>(), 7u);
-//
-// A replacement that nobody called fails the test. See README.md.
+// Replaces a function that the program imports, for the length of a scope. A replacement that nobody
+// called fails the test. See README.md.
 #pragma once
 
 #include "tests/kit/ImportTable.h"

@@ -1,14 +1,6 @@
 // The fixture of every unit test. While a test runs, no box waits for anybody, no sleep takes time
-// and nothing can end the test program:
-//
-//     TEST_F(ReportTest, ReportsAndEnds)
-//     {
-//         EXPECT_EQ(ExitCodeOf([] { ReportFatalError(L"A()", L"broken"); }), 1u);
-//         ExpectBox(L"A()\nbroken", L"Error");
-//     }
-//
-// The test fails over a box that it did not expect, and over an end of the process outside
-// ExitCodeOf. The journal begins empty.
+// and nothing can end the test program. It fails over a box that it did not expect, and over an end
+// of the process outside ExitCodeOf. The journal begins empty. See README.md.
 #pragma once
 
 #include "tests/kit/Journal.h"

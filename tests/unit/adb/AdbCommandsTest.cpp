@@ -88,9 +88,7 @@ TEST_P(AdbCommand, WhoseRunFailedIsNotJudged)
 
 INSTANTIATE_TEST_SUITE_P(Adb, AdbCommand, testing::ValuesIn(kCommands), kByName);
 
-class AdbCommands : public Test
-{
-};
+using AdbCommands = Test;
 
 TEST_F(AdbCommands, ALongPathIsPassedWhole)
 {

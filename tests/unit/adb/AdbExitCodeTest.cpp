@@ -11,9 +11,7 @@ using namespace kit;
 
 namespace {
 
-class AdbExitCode : public Test
-{
-};
+using AdbExitCode = Test;
 
 // Looked up twice, the texts are the same ones.
 TEST_F(AdbExitCode, EveryOutcomeHasItsNumberNameAndMessage)

@@ -62,9 +62,7 @@ int Find(std::string_view line, int nFirst, int nLast)
     return FindOutputPattern(line, nFirst, nLast, nIndex) ? nIndex : -1;
 }
 
-class OutputPattern : public Test
-{
-};
+using OutputPattern = Test;
 
 TEST_F(OutputPattern, MatchesALineThatBeginsWithItLetterByLetter)
 {
@@ -116,9 +114,7 @@ TEST_F(OutputPattern, LeavesTheIndexAloneWithoutAMatch)
     EXPECT_EQ(nIndex, 77);
 }
 
-class AdbOutput : public Test
-{
-};
+using AdbOutput = Test;
 
 TEST_F(AdbOutput, OfKillServerIsJudgedByItsFirstLineAlone)
 {

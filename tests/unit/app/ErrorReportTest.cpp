@@ -57,9 +57,7 @@ private:
     REPLACED(LocalFree) m_free { Quietly() };
 };
 
-class ErrorReport : public Test
-{
-};
+using ErrorReport = Test;
 
 TEST_F(ErrorReport, LastErrorIsToldWithMethodCodeAndUntrimmedDescription)
 {

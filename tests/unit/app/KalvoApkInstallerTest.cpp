@@ -129,9 +129,7 @@ TEST_F(ApplicationPaths, AreThereThoughTheExecutablesCannotBeSplitOrMade)
     ExpectPaths(L"", L"");
 }
 
-class RealPaths : public Test
-{
-};
+using RealPaths = Test;
 
 TEST_F(RealPaths, AreThoseOfThisVeryProgram)
 {

@@ -8,9 +8,7 @@ using namespace kit;
 
 namespace {
 
-class InstanceLock : public Test
-{
-};
+using InstanceLock = Test;
 
 TEST_F(InstanceLock, KeepsASecondOneOutAndIsReleasedWhereItIsHeld)
 {
@@ -25,9 +23,7 @@ TEST_F(InstanceLock, KeepsASecondOneOutAndIsReleasedWhereItIsHeld)
     EXPECT_EQ(release.Calls(), 1u);
 }
 
-class SupportedWindows : public Test
-{
-};
+using SupportedWindows = Test;
 
 TEST_F(SupportedWindows, IsTenBuild19041OrNewer)
 {
