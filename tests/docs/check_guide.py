@@ -39,7 +39,8 @@ PARTS = {part for parts in ASSEMBLED.values() for part in parts}
 SHORTEST_BEGINNING = 10
 
 _QUOTED = r'"((?:[^"\\\n]|\\.)*)"'
-_COMMENT_OR_LITERALS = re.compile(r'//[^\n]*|/\*.*?\*/|\bLR"\(.*?\)"' + rf"|\bL?{_QUOTED}(?:\s*L?{_QUOTED})*", re.DOTALL)
+_LITERALS = rf"(?:\bL)?{_QUOTED}(?:\s*L?{_QUOTED})*"
+_COMMENT_OR_LITERALS = re.compile(r'//[^\n]*|/\*.*?\*/|\bLR"\(.*?\)"|' + _LITERALS, re.DOTALL)
 _CONVERSION = re.compile(r"%[-+0# ]*\d*(?:h|l|ll)?[a-zA-Z]")
 _IN_A_BOX = re.compile(rf"\bL{_QUOTED},\s*L{_QUOTED},\s*MB_OK")
 
