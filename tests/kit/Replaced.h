@@ -86,12 +86,11 @@ struct AnyArgument
 };
 inline constexpr AnyArgument kAny;
 
-// Whether calls from the current thread are the test's. Calls from any other thread, such as those
-// of the test framework, reach the real function and leave no trace.
-bool IsTestThread();
-
-// Makes one more thread the test's: that of a body that may end the process.
-void SetBodyThread(DWORD dwThreadId);
+// The threads whose calls are the test's: the one that runs it, and that of a body that may end the
+// process. Calls from any other, such as those of the test framework, reach the real function and
+// leave no trace.
+inline const DWORD g_dwMainThread = unreplaced::GetCurrentThreadId();
+inline DWORD g_dwBodyThread = 0;
 
 // A function's name as a template argument.
 template<size_t t_nSize>
@@ -107,7 +106,13 @@ struct FunctionName
 
 // How an argument is kept: wide texts as they were at the time of the call, "(null)" for none, "#5" for a resource id;
 // everything else as it is.
-std::wstring Kept(const wchar_t* psz);
+inline std::wstring Kept(const wchar_t* psz)
+{
+    if (psz == nullptr) {
+        return L"(null)";
+    }
+    return IS_INTRESOURCE(psz) ? L"#" + std::to_wstring(reinterpret_cast<ULONG_PTR>(psz)) : psz;
+}
 template<typename T>
 T Kept(T argument)
 {
@@ -245,7 +250,9 @@ private:
     // What stands in the import table.
     static Result Thunk(Args... args)
     {
-        return IsTestThread() ? s_pCurrent->Call(args...) : s_pReal(args...);
+        const DWORD dwThread = unreplaced::GetCurrentThreadId();
+        const bool bOurs = dwThread == g_dwMainThread || dwThread == g_dwBodyThread;
+        return bOurs ? s_pCurrent->Call(args...) : s_pReal(args...);
     }
 
     // The answer finds the last error as the caller left it, and the caller as the answer left it.

@@ -64,17 +64,13 @@ std::optional<UINT> Test::ExitCodeOf(std::function<void()> body)
         return 0;
     };
     m_exitCode.reset();
-    DWORD dwThread = 0;
-    const HANDLE hThread = unreplaced::CreateThread(nullptr, 0, run, &body, CREATE_SUSPENDED, &dwThread);
+    const HANDLE hThread = unreplaced::CreateThread(nullptr, 0, run, &body, CREATE_SUSPENDED, &g_dwBodyThread);
     if (hThread == nullptr) {
         throw std::runtime_error("no thread for the body");
     }
-    m_dwBodyThread = dwThread;
-    SetBodyThread(dwThread);
     unreplaced::ResumeThread(hThread);
     unreplaced::WaitForSingleObject(hThread, INFINITE);
-    SetBodyThread(0);
-    m_dwBodyThread = 0;
+    g_dwBodyThread = 0;
     unreplaced::CloseHandle(hThread);
     return m_exitCode;
 }
@@ -93,7 +89,7 @@ int Test::OnMessageBox(HWND hwndOwner, PCWSTR pszText, PCWSTR pszCaption, UINT n
 void Test::OnExitProcess(UINT nExitCode)
 {
     Note("exit " + std::to_string(nExitCode));
-    if (unreplaced::GetCurrentThreadId() == m_dwBodyThread) {
+    if (unreplaced::GetCurrentThreadId() == g_dwBodyThread) {
         m_exitCode = nExitCode;
         unreplaced::ExitThread(0);
     }

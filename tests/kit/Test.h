@@ -65,7 +65,6 @@ private:
     std::deque<Box> m_boxes;
     std::function<void(const Box&)> m_onBox;
     std::vector<DWORD> m_sleeps;
-    DWORD m_dwBodyThread = 0;
     std::optional<UINT> m_exitCode;
 
     REPLACED(MessageBoxW) m_messageBox;
