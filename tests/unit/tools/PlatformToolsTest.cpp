@@ -467,32 +467,6 @@ TEST_F(PlatformToolsArchive, BelowAnUnnarrowablePathIsNotUnpacked)
     EXPECT_FALSE(exists(folder / "platform-tools" / "adb.exe"));
 }
 
-// A code page may need several bytes for a character, so a path that fits its buffer can become too
-// long for the archive library's.
-TEST_F(PlatformToolsArchive, BelowAPathOfTooManyBytesIsNotUnpacked)
-{
-    Tools() = {};
-    const std::filesystem::path folder = m_folder.Path() / std::wstring(150, L'w');
-    ASSERT_TRUE(Tools().Initialize(folder.c_str()));
-    const auto tooLong = [](UINT, DWORD, PCWSTR, int, PSTR psz, int cb, PCSTR, BOOL*) {
-        EXPECT_GT(cb, 512);
-        memset(psz, 'w', 512);
-        psz[512] = '\0';
-        return 513;
-    };
-    const REPLACED(WideCharToMultiByte) narrow{InTurn(PassOn(), tooLong)};
-    FILE* pArchive = nullptr;
-    const REPLACED(_wfopen_s) open([&](FILE** ppFile, PCWSTR pszPath, PCWSTR pszMode) {
-        const errno_t nResult = open.Next(ppFile, pszPath, pszMode);
-        pArchive = *ppFile;
-        return nResult;
-    });
-    EXPECT_FALSE(Tools().Install());
-    EXPECT_EQ(open.Calls(), 1u); // nothing but the archive
-    EXPECT_TRUE(is_empty(folder / "platform-tools"));
-    fclose(pArchive);
-}
-
 class PlatformToolsArchives : public DeployedPlatformTools
 {
 protected:
