@@ -18,7 +18,7 @@ struct Command
 };
 
 // As long as a path can be, and with blanks.
-const std::wstring strPackage = L"C:\\My apps\\" + std::wstring(243, L'p') + L".apk";
+const std::wstring strPackage = L"C:\\My apps\\" + std::wstring(244, L'p') + L".apk";
 
 const Command kCommands[] = {
     {"KillServer",
