@@ -267,6 +267,7 @@ const PathRow kPathRows[] = {
      "~a~../b:../c",
      {"C:\\r", "C:\\r\\~a~..", "C:\\r\\~a~../b:.."},
      "C:\\r\\~a~../b:../c"},
+    {"NoneTwiceBehindASeparator", "C:\\r/", "x", {"C:\\r"}, "C:\\r/x"},
     {"TheColonMustBeSecond", "ab:\\x", "y", {"ab:", "ab:\\x"}, "ab:\\x\\y"},
     {"APathIsCutTo511Bytes", "C:\\r", str507, {"C:\\r"}, "C:\\r\\" + str505 + "n"},
     {"APathOf511BytesIsWhole", "C:\\r", str505 + "x", {"C:\\r"}, "C:\\r\\" + str505 + "x"},
