@@ -16,10 +16,9 @@ PATIENCE = 60.0
 
 @dataclass(frozen=True)
 class Answer:
-    """What a command came to."""
+    """What a command came to; the outcome is the name of its row."""
 
-    outcome: int
-    name: str
+    outcome: str
     boxes: tuple[tuple[str, str], ...]
     sleeps: tuple[int, ...]
     output: str
@@ -57,4 +56,4 @@ class Commander(Answering):
     def _issue(self, *words: str) -> Answer:
         told = json.loads(self.ask("\t".join(words)))
         boxes = tuple((caption, text) for caption, text in told["boxes"])
-        return Answer(told["outcome"], told["name"], boxes, tuple(told["sleeps"]), told["output"])
+        return Answer(told["outcome"], boxes, tuple(told["sleeps"]), told["output"])

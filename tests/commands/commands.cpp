@@ -7,9 +7,9 @@
 //   pair ADDRESS CODE
 //   connect ADDRESS
 //   install ADDRESS PATH
-// The answer is a line of JSON on standard output: the outcome, the name of its row, the boxes that were shown, each
-// caption and text, the pauses in milliseconds, and what adb printed, a character for each byte. Boxes are answered
-// with OK and pauses take no time. The end of the input ends it.
+// The answer is a line of JSON on standard output: the name of the outcome, the boxes that were shown, each caption and
+// text, the pauses in milliseconds, and what adb printed, a character for each byte. Boxes are answered with OK and
+// pauses take no time. The end of the input ends it.
 #include "adb/AdbCommands.h"
 #include "tests/kit/Replaced.h"
 #include "tests/kit/Request.h"
@@ -56,11 +56,8 @@ public:
         m_boxes.clear();
         m_sleeps.clear();
         std::string strOutput;
-        const ADB_EXIT_CODE nOutcome = Issue(SplitRequest(strRequest), strOutput);
-        ADB_EXIT_CODE_ENTRY entry = {L"", L""};
-        LookupAdbExitCode(nOutcome, entry);
-        return std::format(R"({{"outcome":{},"name":{},"boxes":{},"sleeps":{},"output":{}}})",
-                           static_cast<int>(nOutcome), Quoted(std::wstring_view(entry.pszName)), List(m_boxes),
+        const std::wstring_view outcome = DescribeAdbExitCode(Issue(SplitRequest(strRequest), strOutput)).pszName;
+        return std::format(R"({{"outcome":{},"boxes":{},"sleeps":{},"output":{}}})", Quoted(outcome), List(m_boxes),
                            List(m_sleeps), Quoted(std::string_view(strOutput)));
     }
 

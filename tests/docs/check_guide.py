@@ -38,9 +38,11 @@ PARTS = {part for parts in ASSEMBLED.values() for part in parts}
 # So much of a text that it cannot be another's by chance.
 SHORTEST_BEGINNING = 10
 
-_COMMENT_OR_LITERAL = re.compile(r'//[^\n]*|/\*.*?\*/|\bLR"\(.*?\)"|\b(L?)"((?:[^"\\\n]|\\.)*)"', re.DOTALL)
+_QUOTED = r'"((?:[^"\\\n]|\\.)*)"'
+_LITERALS = rf"(?:\bL)?{_QUOTED}(?:\s*L?{_QUOTED})*"
+_COMMENT_OR_LITERALS = re.compile(r'//[^\n]*|/\*.*?\*/|\bLR"\(.*?\)"|' + _LITERALS, re.DOTALL)
 _CONVERSION = re.compile(r"%[-+0# ]*\d*(?:h|l|ll)?[a-zA-Z]")
-_IN_A_BOX = re.compile(r"§(\d+)§,\s*§(\d+)§,\s*MB_OK")
+_IN_A_BOX = re.compile(rf"\bL{_QUOTED},\s*L{_QUOTED},\s*MB_OK")
 
 
 def plain(literal: str) -> str:
@@ -51,29 +53,20 @@ def plain(literal: str) -> str:
     return re.sub(r"\s+", " ", shown).rstrip()
 
 
+def joined(match: re.Match[str]) -> str:
+    """Neighbouring literals as one; nothing of comments and of raw literals."""
+    if match[0].startswith(("/", "LR")):
+        return ""
+    return "L" * match[0].startswith("L") + '"' + "".join(re.findall(_QUOTED, match[0])) + '"'
+
+
 def literals(source: str) -> tuple[list[str], list[tuple[str, str]]]:
-    """The wide literals of a source, neighbours joined, and the pairs of text and caption among them."""
+    """The wide literals of a source and the pairs of text and caption among them."""
     source = re.sub(r"^\s*#\s*include.*$", "", source, flags=re.MULTILINE).replace("\\\n", "\n")
-    found: list[str] = []
-    rest, end, joins = "", 0, False
-    for match in _COMMENT_OR_LITERAL.finditer(source):
-        between = source[end : match.start()]
-        end = match.end()
-        joins = joins and not between.strip()
-        if not joins:
-            rest += between
-        if match[2] is None:
-            continue
-        if joins:
-            found[-1] += match[2]
-            continue
-        # A name that a macro makes of its argument begins with an empty literal.
-        joins = bool(match[1])
-        if joins:
-            rest += f"§{len(found)}§"
-            found.append(match[2])
-    pairs = [(plain(found[int(text)]), plain(found[int(caption)])) for text, caption in _IN_A_BOX.findall(rest + source[end:])]
-    return [plain(literal) for literal in found if literal], pairs
+    source = _COMMENT_OR_LITERALS.sub(joined, source)
+    # A name that a macro makes of its argument begins with an empty literal.
+    found = [plain(literal) for literal in re.findall(r"\bL" + _QUOTED, source) if literal]
+    return found, [(plain(text), plain(caption)) for text, caption in _IN_A_BOX.findall(source)]
 
 
 def begins(text: str, quote: str) -> bool:

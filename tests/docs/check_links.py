@@ -37,8 +37,10 @@ def faults_of_links(page: Path) -> list[str]:
 def faults_of_pins(checkout: Path) -> list[str]:
     """Who builds without scripts/setup compares with README."""
     pinned = re.findall(r'"([\w.]+) ([0-9a-f]{64})"', (checkout / PINS).read_text(encoding="utf-8"))
-    rows = re.findall(r"^ *\| `([\w.]+)` \| `([0-9a-f]{64})` \|$", (checkout / "README.md").read_text(encoding="utf-8"), re.MULTILINE)
-    return [] if pinned and sorted(pinned) == sorted(rows) else [f"README.md: its hashes are not those of {PINS}: {pinned}"]
+    readme = (checkout / "README.md").read_text(encoding="utf-8")
+    rows = re.findall(r"^ *\| `([\w.]+)` \| `([0-9a-f]{64})` \|$", readme, re.MULTILINE)
+    good = pinned and sorted(pinned) == sorted(rows)
+    return [] if good else [f"README.md: its hashes are not those of {PINS}: {pinned}"]
 
 
 def main() -> int:

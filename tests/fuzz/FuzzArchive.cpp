@@ -70,7 +70,7 @@ std::string ArchiveOf(std::span<const uint8_t> rest)
         entry.strText = TakeBytes(rest, TakeNumber(rest, 2));
         entries.push_back(entry);
     }
-    return StoredZip(entries).Bytes();
+    return StoredZip(entries);
 }
 
 std::wstring Wide(const std::string& text)

@@ -1,10 +1,5 @@
-// Replaces a function that the program imports, for the length of a scope:
-//
-//     REPLACED(WriteFile) write(Returns(FALSE, ERROR_DISK_FULL));
-//     EXPECT_FALSE(Save());
-//     EXPECT_EQ(write.Arg<2>(), 7u);
-//
-// A replacement that nobody called fails the test. See README.md.
+// Replaces a function that the program imports, for the length of a scope. A replacement that nobody
+// called fails the test. See README.md.
 #pragma once
 
 #include "tests/kit/ImportTable.h"
@@ -43,6 +38,34 @@ struct PassOn
 {
 };
 
+template<typename Inner>
+struct OptionalAnswer
+{
+    Inner answer;
+    bool bNoted = true;
+    bool bFails = false;
+};
+
+// Around an answer: need not be called.
+template<typename Inner = PassOn>
+OptionalAnswer<Inner> Maybe(Inner answer = {})
+{
+    return {std::move(answer)};
+}
+
+// Around an answer: need not be called, and leaves no lines in the journal.
+template<typename Inner = PassOn>
+OptionalAnswer<Inner> Quietly(Inner answer = {})
+{
+    return {std::move(answer), false};
+}
+
+// An answer: must not be called. A call fails the test and is passed on.
+inline OptionalAnswer<PassOn> Never()
+{
+    return {{}, true, true};
+}
+
 // Answers for the first, second, third call. One more call than answers fails the test and gets the
 // last answer again.
 template<typename... Answers>
@@ -52,12 +75,22 @@ struct InTurn
     std::tuple<Answers...> answers;
 };
 
-// Whether calls from the current thread are the test's. Calls from any other thread, such as those
-// of the test framework, reach the real function and leave no trace.
-bool IsTestThread();
+// Among the arguments that a test expects: any.
+struct AnyArgument
+{
+    template<typename T>
+    friend bool operator==(const T&, AnyArgument)
+    {
+        return true;
+    }
+};
+inline constexpr AnyArgument kAny;
 
-// Makes one more thread the test's: that of a body that may end the process.
-void SetBodyThread(DWORD dwThreadId);
+// The threads whose calls are the test's: the one that runs it, and that of a body that may end the
+// process. Calls from any other, such as those of the test framework, reach the real function and
+// leave no trace.
+inline const DWORD g_dwMainThread = unreplaced::GetCurrentThreadId();
+inline DWORD g_dwBodyThread = 0;
 
 // A function's name as a template argument.
 template<size_t t_nSize>
@@ -71,24 +104,20 @@ struct FunctionName
     char sz[t_nSize];
 };
 
-// How an argument is kept: wide texts as they were at the time of the call, everything else as it is.
-template<typename T>
-struct KeptArgument
+// How an argument is kept: wide texts as they were at the time of the call, "(null)" for none, "#5" for a resource id;
+// everything else as it is.
+inline std::wstring Kept(const wchar_t* psz)
 {
-    using type = T;
-    static T From(T argument)
-    {
-        return argument;
+    if (psz == nullptr) {
+        return L"(null)";
     }
-};
-
-template<>
-struct KeptArgument<const wchar_t*>
+    return IS_INTRESOURCE(psz) ? L"#" + std::to_wstring(reinterpret_cast<ULONG_PTR>(psz)) : psz;
+}
+template<typename T>
+T Kept(T argument)
 {
-    using type = std::wstring;
-    // "(null)" for none, "#5" for a resource id.
-    static std::wstring From(const wchar_t* psz);
-};
+    return argument;
+}
 
 template<FunctionName t_name, typename Function>
 class Replaced;
@@ -105,6 +134,14 @@ public:
     explicit Replaced(PassOn passOn) : m_answers{MakeAnswer(passOn)}
     {
         Install();
+    }
+
+    template<typename Inner>
+    explicit Replaced(OptionalAnswer<Inner> optional) : Replaced(std::move(optional.answer))
+    {
+        m_bOptional = true;
+        m_bNoted = optional.bNoted;
+        m_bFails = optional.bFails;
     }
 
     // One answer for every call: Returns(…), or anything that takes the arguments.
@@ -154,15 +191,21 @@ public:
         return m_calls.size();
     }
 
-    // Argument t_nIndex of a call, both counted from 0.
+    // The arguments of a call, counted from 0, as they are kept.
+    auto Arguments(size_t nCall = 0) const
+    {
+        if (nCall < m_calls.size()) {
+            return m_calls[nCall];
+        }
+        ADD_FAILURE() << t_name.sz << " was called only " << m_calls.size() << " times";
+        return KeptArguments();
+    }
+
+    // Argument t_nIndex of it, counted from 0 too.
     template<size_t t_nIndex>
     auto Arg(size_t nCall = 0) const
     {
-        if (nCall < m_calls.size()) {
-            return std::get<t_nIndex>(m_calls[nCall]);
-        }
-        ADD_FAILURE() << t_name.sz << " was called only " << m_calls.size() << " times";
-        return std::tuple_element_t<t_nIndex, Kept>();
+        return std::get<t_nIndex>(Arguments(nCall));
     }
 
     // What would have been called without this replacement: the next one outside, or the function.
@@ -179,7 +222,7 @@ public:
 
 private:
     using Function = Result (*)(Args...);
-    using Kept = std::tuple<typename KeptArgument<Args>::type...>;
+    using KeptArguments = std::tuple<decltype(Kept(std::declval<Args>()))...>;
 
     Answer MakeAnswer(PassOn)
     {
@@ -207,7 +250,9 @@ private:
     // What stands in the import table.
     static Result Thunk(Args... args)
     {
-        return IsTestThread() ? s_pCurrent->Call(args...) : s_pReal(args...);
+        const DWORD dwThread = unreplaced::GetCurrentThreadId();
+        const bool bOurs = dwThread == g_dwMainThread || dwThread == g_dwBodyThread;
+        return bOurs ? s_pCurrent->Call(args...) : s_pReal(args...);
     }
 
     // The answer finds the last error as the caller left it, and the caller as the answer left it.
@@ -222,9 +267,12 @@ private:
     const Answer& Keep(Args... args)
     {
         const size_t nCall = m_calls.size();
-        m_calls.emplace_back(KeptArgument<Args>::From(args)...);
+        m_calls.emplace_back(Kept(args)...);
         if (m_bNoted) {
             Note(t_name.sz);
+        }
+        if (m_bFails) {
+            ADD_FAILURE() << t_name.sz << " was called";
         }
         if (m_bInTurn && nCall >= m_answers.size()) {
             ADD_FAILURE() << t_name.sz << " was called more than " << m_answers.size() << " times";
@@ -239,7 +287,8 @@ private:
     bool m_bInTurn = false;
     bool m_bOptional = false;
     bool m_bNoted = true;
-    std::vector<Kept> m_calls;
+    bool m_bFails = false;
+    std::vector<KeptArguments> m_calls;
     std::vector<ImportSlot> m_slots;
     Replaced* m_pOuter = nullptr;
 };

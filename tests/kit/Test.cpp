@@ -4,29 +4,11 @@
 
 namespace kit {
 
-namespace {
-
-struct Body
-{
-    std::function<void()> function;
-};
-
-DWORD WINAPI RunBody(void* pParameter)
-{
-    static_cast<Body*>(pParameter)->function();
-    return 0;
-}
-
-} // namespace
-
 Test::Test()
-    : m_messageBox([this](auto... args) { return OnMessageBox(args...); }),
-      m_exitProcess([this](UINT nExitCode) { OnExitProcess(nExitCode); }),
-      m_sleep([this](DWORD dwMilliseconds) { OnSleep(dwMilliseconds); })
+    : m_messageBox(Quietly([this](auto... args) { return OnMessageBox(args...); })),
+      m_exitProcess(Quietly([this](UINT nExitCode) { OnExitProcess(nExitCode); })),
+      m_sleep(Quietly([this](DWORD dwMilliseconds) { OnSleep(dwMilliseconds); }))
 {
-    m_messageBox.Optional().Unnoted();
-    m_exitProcess.Optional().Unnoted();
-    m_sleep.Optional().Unnoted();
     Journal().clear();
 }
 
@@ -75,29 +57,27 @@ void Test::WhenBoxShows(std::function<void(const Box&)> action)
     m_onBox = std::move(action);
 }
 
-std::optional<UINT> Test::ExitCodeOf(std::function<void()> function)
+std::optional<UINT> Test::ExitCodeOf(std::function<void()> body)
 {
-    Body body{std::move(function)};
+    const auto run = [](void* pBody) -> DWORD {
+        (*static_cast<std::function<void()>*>(pBody))();
+        return 0;
+    };
     m_exitCode.reset();
-    DWORD dwThread = 0;
-    const HANDLE hThread = unreplaced::CreateThread(nullptr, 0, RunBody, &body, CREATE_SUSPENDED, &dwThread);
+    const HANDLE hThread = unreplaced::CreateThread(nullptr, 0, run, &body, CREATE_SUSPENDED, &g_dwBodyThread);
     if (hThread == nullptr) {
         throw std::runtime_error("no thread for the body");
     }
-    m_dwBodyThread = dwThread;
-    SetBodyThread(dwThread);
     unreplaced::ResumeThread(hThread);
     unreplaced::WaitForSingleObject(hThread, INFINITE);
-    SetBodyThread(0);
-    m_dwBodyThread = 0;
+    g_dwBodyThread = 0;
     unreplaced::CloseHandle(hThread);
     return m_exitCode;
 }
 
 int Test::OnMessageBox(HWND hwndOwner, PCWSTR pszText, PCWSTR pszCaption, UINT nFlags)
 {
-    using Text = KeptArgument<const wchar_t*>;
-    const Box box{hwndOwner, Text::From(pszText), Text::From(pszCaption), nFlags};
+    const Box box{hwndOwner, Kept(pszText), Kept(pszCaption), nFlags};
     Note("box \"" + Narrow(box.strText) + '"');
     m_boxes.push_back(box);
     if (m_onBox) {
@@ -109,7 +89,7 @@ int Test::OnMessageBox(HWND hwndOwner, PCWSTR pszText, PCWSTR pszCaption, UINT n
 void Test::OnExitProcess(UINT nExitCode)
 {
     Note("exit " + std::to_string(nExitCode));
-    if (unreplaced::GetCurrentThreadId() == m_dwBodyThread) {
+    if (unreplaced::GetCurrentThreadId() == g_dwBodyThread) {
         m_exitCode = nExitCode;
         unreplaced::ExitThread(0);
     }
@@ -131,6 +111,14 @@ std::string Narrow(const std::wstring& str)
     strNarrow.resize(static_cast<size_t>(unreplaced::WideCharToMultiByte(
         CP_UTF8, 0, str.data(), cch, strNarrow.data(), static_cast<int>(strNarrow.size()), nullptr, nullptr)));
     return strNarrow;
+}
+
+std::wstring SystemDescription(DWORD dwCode)
+{
+    WCHAR szText[512] = {};
+    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, dwCode, 0, szText, 512,
+                   nullptr);
+    return szText;
 }
 
 } // namespace kit

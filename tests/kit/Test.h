@@ -1,14 +1,6 @@
 // The fixture of every unit test. While a test runs, no box waits for anybody, no sleep takes time
-// and nothing can end the test program:
-//
-//     TEST_F(ReportTest, ReportsAndEnds)
-//     {
-//         EXPECT_EQ(ExitCodeOf([] { ReportFatalError(L"A()", L"broken"); }), 1u);
-//         ExpectBox(L"A()\nbroken", L"Error");
-//     }
-//
-// The test fails over a box that it did not expect, and over an end of the process outside
-// ExitCodeOf. The journal begins empty.
+// and nothing can end the test program. It fails over a box that it did not expect, and over an end
+// of the process outside ExitCodeOf. The journal begins empty. See README.md.
 #pragma once
 
 #include "tests/kit/Journal.h"
@@ -73,7 +65,6 @@ private:
     std::deque<Box> m_boxes;
     std::function<void(const Box&)> m_onBox;
     std::vector<DWORD> m_sleeps;
-    DWORD m_dwBodyThread = 0;
     std::optional<UINT> m_exitCode;
 
     REPLACED(MessageBoxW) m_messageBox;
@@ -83,5 +74,11 @@ private:
 
 // UTF-8 of a wide text, for journals and messages.
 std::string Narrow(const std::wstring& str);
+
+// What the system says of an error code, with the line break at its end.
+std::wstring SystemDescription(DWORD dwCode);
+
+// Names the instances of a parameterised test after the rows' own names (letters and digits).
+inline constexpr auto kByName = [](const auto& info) { return std::string(info.param.pszName); };
 
 } // namespace kit

@@ -1,4 +1,8 @@
-"""Which tests CTest runs, asked of CTest and of the tests themselves, and which of those in the sources it does not."""
+"""Which tests CTest runs, asked of CTest and of the tests themselves. As a script it fails over those that stand in the
+sources and do not run: each class and method, and each program of unit tests as a whole.
+
+    running.py CHECKOUT BUILD HOST_BUILD
+"""
 
 import ast
 import json
@@ -141,3 +145,15 @@ def add_unit_tests(found: Running, checkout: Path, builds: list[Path], tests: li
                 found.faults.append(f"{suite}.{case} is disabled")
             elif of_source & run:
                 found.names.add(f"{suite}.{case}")
+
+
+def main() -> int:
+    found = running(*map(Path, sys.argv[1:]))
+    for fault in found.faults:
+        print(fault, file=sys.stderr)
+    print(f"{len(found.names)} tests run")
+    return 1 if found.faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -10,20 +10,6 @@ using namespace kit;
 
 namespace {
 
-// Runs a program with an argument text as adb is run.
-ADB_EXIT_CODE RunProgram(std::string& strOutput, std::wstring strArguments)
-{
-    return RunAdbCommand(strOutput, strArguments.data());
-}
-
-std::string SystemDescription(DWORD dwCode)
-{
-    WCHAR szText[512] = {};
-    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, dwCode, 0, szText, 512,
-                   nullptr);
-    return Narrow(szText);
-}
-
 // A real program in adb's place.
 class RealProcess : public Test
 {
@@ -38,19 +24,25 @@ protected:
         wcscpy_s(CPlatformTools::GetInstance().m_szAdbExePath, child.c_str());
     }
 
-    std::string m_strOutput = "from before";
+    static void ExpectOutput(std::wstring strArguments, const std::string& strExpected)
+    {
+        std::string strOutput = "from before";
+        EXPECT_EQ(RunAdbCommand(strOutput, strArguments.data()), ADB_SUCCESS) << Narrow(strArguments);
+        EXPECT_EQ(strOutput, strExpected) << Narrow(strArguments);
+    }
 };
 
-TEST_F(RealProcess, ThatPrintsNothingLeavesNoOutput)
+// Nothing, NULs, both streams in order; whatever its status. It gets the arguments and no program name, and shows no
+// window.
+TEST_F(RealProcess, IsReadByteForByteForAllThatItsStatusMatters)
 {
-    EXPECT_EQ(RunProgram(m_strOutput, L" nothing"), ADB_SUCCESS);
-    EXPECT_EQ(m_strOutput, "");
-}
-
-TEST_F(RealProcess, GetsTheArgumentsAndNoProgramName)
-{
-    EXPECT_EQ(RunProgram(m_strOutput, L" arguments pair \"a b\""), ADB_SUCCESS);
-    EXPECT_EQ(m_strOutput, " arguments pair \"a b\"\narguments\npair\na b\n");
+    ExpectOutput(L" nothing", "");
+    ExpectOutput(L" arguments pair \"a b\"", " arguments pair \"a b\"\narguments\npair\na b\n");
+    ExpectOutput(L" nuls", std::string("a\0b\0\0c\n\0", 8));
+    ExpectOutput(L" both", "out1\r\nerr1\r\nout2\r\nerr2\r\nout3\r\nerr3\r\n");
+    ExpectOutput(L" exit 1", "Success\r\n");
+    ExpectOutput(L" exit 259", "Success\r\n");
+    ExpectOutput(L" console", "no window");
 }
 
 TEST_F(RealProcess, MayPrintMoreThanAReadTakes)
@@ -60,35 +52,13 @@ TEST_F(RealProcess, MayPrintMoreThanAReadTakes)
         for (size_t n = 0; n < nCount; ++n) {
             strExpected += static_cast<char>(n % 251);
         }
-        EXPECT_EQ(RunProgram(m_strOutput, L" bytes " + std::to_wstring(nCount)), ADB_SUCCESS);
-        EXPECT_TRUE(m_strOutput == strExpected) << nCount;
+        ExpectOutput(L" bytes " + std::to_wstring(nCount), strExpected);
     }
-}
-
-TEST_F(RealProcess, MayPrintNuls)
-{
-    EXPECT_EQ(RunProgram(m_strOutput, L" nuls"), ADB_SUCCESS);
-    EXPECT_EQ(m_strOutput, std::string("a\0b\0\0c\n\0", 8));
-}
-
-TEST_F(RealProcess, PrintsOnBothStreamsInOrder)
-{
-    EXPECT_EQ(RunProgram(m_strOutput, L" both"), ADB_SUCCESS);
-    EXPECT_EQ(m_strOutput, "out1\r\nerr1\r\nout2\r\nerr2\r\nout3\r\nerr3\r\n");
-}
-
-TEST_F(RealProcess, MayFailForAllThatItsStatusMatters)
-{
-    EXPECT_EQ(RunProgram(m_strOutput, L" exit 1"), ADB_SUCCESS);
-    EXPECT_EQ(m_strOutput, "Success\r\n");
-    EXPECT_EQ(RunProgram(m_strOutput, L" exit 259"), ADB_SUCCESS);
-    EXPECT_EQ(m_strOutput, "Success\r\n");
 }
 
 TEST_F(RealProcess, IsReadUntilTheLastHolderOfThePipeIsDone)
 {
-    EXPECT_EQ(RunProgram(m_strOutput, L" hand-on"), ADB_SUCCESS);
-    EXPECT_EQ(m_strOutput, "early\nlate\n");
+    ExpectOutput(L" hand-on", "early\nlate\n");
 }
 
 // The end of its output is the end of the run. Nothing waits for the process itself.
@@ -103,75 +73,13 @@ TEST_F(RealProcess, ThatClosesItsOutputAndLivesOnIsLeftToItself)
         dwExitCode = *pdw;
         return bResult;
     });
-    EXPECT_EQ(RunProgram(m_strOutput, L" live-on \"end of child\""), ADB_SUCCESS);
-    EXPECT_EQ(m_strOutput, "done\n");
+    ExpectOutput(L" live-on \"end of child\"", "done\n");
     EXPECT_EQ(dwExitCode, static_cast<DWORD>(STILL_ACTIVE));
     EXPECT_EQ(WaitForSingleObject(hChild, 0), static_cast<DWORD>(WAIT_TIMEOUT));
     SetEvent(hEnd);
     EXPECT_EQ(WaitForSingleObject(hChild, INFINITE), WAIT_OBJECT_0);
     CloseHandle(hChild);
     CloseHandle(hEnd);
-}
-
-TEST_F(RealProcess, ShowsNoWindow)
-{
-    EXPECT_EQ(RunProgram(m_strOutput, L" console"), ADB_SUCCESS);
-    EXPECT_EQ(m_strOutput, "no window");
-}
-
-TEST_F(RealProcess, InheritsOnlyTheWriteEnd)
-{
-    DWORD dwReadFlags = 0;
-    DWORD dwWriteFlags = 0;
-    const REPLACED(CreateProcessW)
-        createProcess([&](PCWSTR pszApplication, PWSTR pszCommandLine, SECURITY_ATTRIBUTES* pProcess,
-                          SECURITY_ATTRIBUTES* pThread, BOOL bInherit, DWORD dwCreation, void* pEnvironment,
-                          PCWSTR pszFolder, STARTUPINFOW* pSi, PROCESS_INFORMATION* pPi) {
-            GetHandleInformation(pSi->hStdOutput, &dwWriteFlags);
-            return createProcess.Next(pszApplication, pszCommandLine, pProcess, pThread, bInherit, dwCreation,
-                                      pEnvironment, pszFolder, pSi, pPi);
-        });
-    const REPLACED(SetHandleInformation) setInformation([&](HANDLE h, DWORD dwMask, DWORD dwNew) {
-        const BOOL bResult = setInformation.Next(h, dwMask, dwNew);
-        GetHandleInformation(h, &dwReadFlags);
-        return bResult;
-    });
-    EXPECT_EQ(RunProgram(m_strOutput, L" nothing"), ADB_SUCCESS);
-    EXPECT_EQ(dwReadFlags & HANDLE_FLAG_INHERIT, 0u);
-    EXPECT_EQ(dwWriteFlags & HANDLE_FLAG_INHERIT, static_cast<DWORD>(HANDLE_FLAG_INHERIT));
-}
-
-TEST_F(RealProcess, LeavesItsReadEndOpenAndNothingElse)
-{
-    HANDLE hRead = nullptr;
-    HANDLE hWrite = nullptr;
-    PROCESS_INFORMATION pi = {};
-    {
-        const REPLACED(CreatePipe) createPipe([&](HANDLE* phRead, HANDLE* phWrite, SECURITY_ATTRIBUTES* pSa, DWORD cb) {
-            const BOOL bResult = createPipe.Next(phRead, phWrite, pSa, cb);
-            hRead = *phRead;
-            hWrite = *phWrite;
-            return bResult;
-        });
-        const REPLACED(GetExitCodeProcess) exitCode([&](HANDLE h, DWORD* pdw) {
-            pi.hProcess = h;
-            return exitCode.Next(h, pdw);
-        });
-        EXPECT_EQ(RunProgram(m_strOutput, L" nothing"), ADB_SUCCESS);
-    }
-    DWORD dwFlags = 0;
-    EXPECT_TRUE(GetHandleInformation(hRead, &dwFlags));
-    EXPECT_FALSE(GetHandleInformation(hWrite, &dwFlags));
-    EXPECT_FALSE(GetHandleInformation(pi.hProcess, &dwFlags));
-    CloseHandle(hRead);
-}
-
-TEST_F(RealProcess, ThatIsMissingEndsThisOne)
-{
-    wcscpy_s(CPlatformTools::GetInstance().m_szAdbExePath, L"C:\\no such folder\\adb.exe");
-    EXPECT_EQ(ExitCodeOf([this] { RunProgram(m_strOutput, L" nothing"); }), static_cast<UINT>(ERROR_PATH_NOT_FOUND));
-    EXPECT_EQ(Narrow(TakeBox().strText),
-              "CreateProcess(lpApplicationName, lpCommandLine, ...) failed with error 3: " + SystemDescription(3));
 }
 
 const HANDLE hReadEnd = reinterpret_cast<HANDLE>(0xA1);
@@ -201,21 +109,21 @@ protected:
     };
 
     ProcessSteps()
-        : m_createPipe([this](HANDLE* phRead, HANDLE* phWrite, SECURITY_ATTRIBUTES* pSa, DWORD) {
+        : m_createPipe(Maybe([this](HANDLE* phRead, HANDLE* phWrite, SECURITY_ATTRIBUTES* pSa, DWORD) {
               m_sa = *pSa;
               *phRead = hReadEnd;
               *phWrite = hWriteEnd;
               return TRUE;
-          }),
-          m_createProcess([this](PCWSTR, PWSTR pszCommandLine, auto, auto, BOOL, DWORD, void*, PCWSTR,
-                                 STARTUPINFOW* pSi, PROCESS_INFORMATION* pPi) {
+          })),
+          m_createProcess(Maybe([this](PCWSTR, PWSTR pszCommandLine, auto, auto, BOOL, DWORD, void*, PCWSTR,
+                                       STARTUPINFOW* pSi, PROCESS_INFORMATION* pPi) {
               m_strCommandLine = pszCommandLine;
               m_si = *pSi;
               m_piBefore = *pPi;
               *pPi = {hProcess, hThread, 1, 1};
               return TRUE;
-          }),
-          m_read([this](HANDLE, void* pBuffer, DWORD, DWORD* pcbRead, OVERLAPPED*) {
+          })),
+          m_read(Maybe([this](HANDLE, void* pBuffer, DWORD, DWORD* pcbRead, OVERLAPPED*) {
               const Read read = m_reads.at(m_nRead++);
               memcpy(pBuffer, read.strBytes.data(), read.strBytes.size());
               // A call that fails need not say how much it read.
@@ -224,94 +132,71 @@ protected:
               }
               SetLastError(read.dwError);
               return read.bResult;
-          }),
-          m_close([this](HANDLE h) -> BOOL {
+          })),
+          m_close(Quietly([this](HANDLE h) -> BOOL {
               Note("close " + NameOf(h));
-              return h != nullptr && h != m_hUncloseable && !m_bNothingCloses;
-          })
+              return h != nullptr && std::ranges::count(m_uncloseable, h) == 0;
+          }))
     {
         CPlatformTools::GetInstance() = {};
         wcscpy_s(CPlatformTools::GetInstance().m_szAdbExePath, L"C:\\tools\\adb.exe");
-        m_createPipe.Optional();
-        m_setInformation.Optional();
-        m_createProcess.Optional();
-        m_read.Optional();
-        m_exitCode.Optional();
-        m_close.Optional().Unnoted();
     }
 
     ADB_EXIT_CODE RunAdb()
     {
-        return RunProgram(m_strOutput, L" kill-server");
+        m_nRead = 0;
+        return RunAdbCommand(m_strOutput, m_szArguments);
+    }
+
+    // This process ends with the last error, after that step and a report of its call.
+    void ExpectEnd(UINT nExitCode, const std::string& strStep, const std::wstring& strCall)
+    {
+        EXPECT_EQ(ExitCodeOf([this] { RunAdb(); }), nExitCode);
+        ExpectBox(strCall + L" failed with error " + std::to_wstring(nExitCode) + L": " + SystemDescription(nExitCode),
+                  L"Error");
+        EXPECT_EQ(Journal().end()[-3], strStep);
     }
 
     std::string m_strOutput = "from before";
+    WCHAR m_szArguments[16] = L" kill-server";
     std::wstring m_strCommandLine;
     SECURITY_ATTRIBUTES m_sa = {};
     STARTUPINFOW m_si = {};
     PROCESS_INFORMATION m_piBefore = {};
     std::vector<Read> m_reads = {{FALSE, "", ERROR_BROKEN_PIPE}};
     size_t m_nRead = 0;
-    HANDLE m_hUncloseable = nullptr;
-    bool m_bNothingCloses = false;
+    std::vector<HANDLE> m_uncloseable;
 
     REPLACED(CreatePipe) m_createPipe;
-    REPLACED(SetHandleInformation) m_setInformation { Returns(TRUE) };
+    REPLACED(SetHandleInformation) m_setInformation { Maybe(Returns(TRUE)) };
     REPLACED(CreateProcessW) m_createProcess;
     REPLACED(ReadFile) m_read;
-    REPLACED(GetExitCodeProcess) m_exitCode { Returns(TRUE) };
+    REPLACED(GetExitCodeProcess) m_exitCode { Maybe(Returns(TRUE)) };
     REPLACED(CloseHandle) m_close;
 };
 
-TEST_F(ProcessSteps, AreTakenInOrderAfterAPause)
+// The read end is left open.
+TEST_F(ProcessSteps, AreTakenInOrderAfterAPauseForEachRunAnew)
 {
-    EXPECT_EQ(RunAdb(), ADB_SUCCESS);
-    EXPECT_EQ(Journal(), (Lines{"sleep 2000", "CreatePipe", "SetHandleInformation", "CreateProcessW", "close write end",
-                                "close null", "ReadFile", "GetExitCodeProcess", "close thread", "close process"}));
-    EXPECT_EQ(Sleeps(), std::vector<DWORD>{2000});
+    for (int n = 0; n < 2; ++n) {
+        Journal().clear();
+        EXPECT_EQ(RunAdb(), ADB_SUCCESS);
+        EXPECT_EQ(Journal(),
+                  (Lines{"sleep 2000", "CreatePipe", "SetHandleInformation", "CreateProcessW", "close write end",
+                         "close null", "ReadFile", "GetExitCodeProcess", "close thread", "close process"}));
+    }
 }
 
-TEST_F(ProcessSteps, ThePipeIsMadeInheritableWithTheSystemsBuffer)
+// Only the write end passes to the child. The pipe has the system's own buffer.
+TEST_F(ProcessSteps, TheProcessGetsThePipeTwiceAndNoInput)
 {
     RunAdb();
     EXPECT_EQ(m_sa.nLength, 24u);
     EXPECT_EQ(m_sa.lpSecurityDescriptor, nullptr);
     EXPECT_EQ(m_sa.bInheritHandle, TRUE);
     EXPECT_EQ(m_createPipe.Arg<3>(), 0u);
-}
-
-TEST_F(ProcessSteps, TheReadEndIsKeptFromTheChild)
-{
-    RunAdb();
     EXPECT_EQ(m_setInformation.Calls(), 1u);
-    EXPECT_EQ(m_setInformation.Arg<0>(), hReadEnd);
-    EXPECT_EQ(m_setInformation.Arg<1>(), static_cast<DWORD>(HANDLE_FLAG_INHERIT));
-    EXPECT_EQ(m_setInformation.Arg<2>(), 0u);
-}
-
-TEST_F(ProcessSteps, TheProcessIsTheDeployedAdbHidden)
-{
-    RunAdb();
-    EXPECT_EQ(m_createProcess.Arg<0>(), L"C:\\tools\\adb.exe");
-    EXPECT_EQ(m_strCommandLine, L" kill-server");
-    EXPECT_EQ(m_createProcess.Arg<2>(), nullptr);
-    EXPECT_EQ(m_createProcess.Arg<3>(), nullptr);
-    EXPECT_EQ(m_createProcess.Arg<4>(), TRUE);
-    EXPECT_EQ(m_createProcess.Arg<5>(), 0x08000000u);
-    EXPECT_EQ(m_createProcess.Arg<6>(), nullptr);
-    EXPECT_EQ(m_createProcess.Arg<7>(), L"(null)");
-}
-
-TEST_F(ProcessSteps, TheProcessMayWriteIntoItsCommandLine)
-{
-    WCHAR szArguments[] = L" pair";
-    RunAdbCommand(m_strOutput, szArguments);
-    EXPECT_EQ(m_createProcess.Arg<1>(), szArguments);
-}
-
-TEST_F(ProcessSteps, TheProcessGetsThePipeTwiceAndNoInput)
-{
-    RunAdb();
+    EXPECT_EQ(m_setInformation.Arguments(), std::tuple(hReadEnd, DWORD(HANDLE_FLAG_INHERIT), 0u));
     STARTUPINFOW wanted = {};
     wanted.cb = 104;
     wanted.dwFlags = 0x100;
@@ -323,27 +208,29 @@ TEST_F(ProcessSteps, TheProcessGetsThePipeTwiceAndNoInput)
     EXPECT_EQ(m_piBefore.hThread, nullptr);
 }
 
+// It may write into its command line.
+TEST_F(ProcessSteps, TheProcessIsTheDeployedAdbHidden)
+{
+    RunAdb();
+    EXPECT_EQ(m_createProcess.Arguments(), std::tuple(L"C:\\tools\\adb.exe", m_szArguments, nullptr, nullptr, TRUE,
+                                                      0x08000000u, nullptr, L"(null)", kAny, kAny));
+    EXPECT_EQ(m_strCommandLine, L" kill-server");
+}
+
 TEST_F(ProcessSteps, OutputIsReadInPiecesOf1024Bytes)
 {
     m_reads = {{TRUE, std::string(1024, 'a'), 0}, {TRUE, "b", 0}, {FALSE, "", ERROR_BROKEN_PIPE}};
     EXPECT_EQ(RunAdb(), ADB_SUCCESS);
     EXPECT_EQ(m_strOutput, std::string(1024, 'a') + "b");
-    EXPECT_EQ(m_read.Arg<0>(), hReadEnd);
-    EXPECT_EQ(m_read.Arg<2>(), 1024u);
-    EXPECT_EQ(m_read.Arg<4>(), nullptr);
-}
-
-TEST_F(ProcessSteps, AnEmptyReadIsNotTheEnd)
-{
-    m_reads = {{TRUE, "", 0}, {TRUE, "a", 0}, {TRUE, "", ERROR_BROKEN_PIPE}, {TRUE, "b", 0}, {FALSE, "", 109}};
-    EXPECT_EQ(RunAdb(), ADB_SUCCESS);
-    EXPECT_EQ(m_strOutput, "ab");
+    EXPECT_EQ(m_read.Arguments(), std::tuple(hReadEnd, kAny, 1024u, kAny, nullptr));
 }
 
 TEST_F(ProcessSteps, AFailedReadIsTriedAgainUntilThePipeIsBroken)
 {
     m_reads = {{FALSE, "", ERROR_NO_DATA},
                {TRUE, "a", 0},
+               {TRUE, "", 0},
+               {TRUE, "", ERROR_BROKEN_PIPE},
                {FALSE, "partly", ERROR_MORE_DATA},
                {FALSE, "", ERROR_INVALID_HANDLE},
                {FALSE, "", ERROR_SUCCESS},
@@ -352,7 +239,7 @@ TEST_F(ProcessSteps, AFailedReadIsTriedAgainUntilThePipeIsBroken)
                {FALSE, "", ERROR_BROKEN_PIPE}};
     EXPECT_EQ(RunAdb(), ADB_SUCCESS);
     EXPECT_EQ(m_strOutput, "apartlyb");
-    EXPECT_EQ(m_read.Calls(), 8u);
+    EXPECT_EQ(m_read.Calls(), 10u);
 }
 
 TEST_F(ProcessSteps, TheExitCodeIsThatOfTheProcessAndDoesNotMatter)
@@ -374,73 +261,32 @@ TEST_F(ProcessSteps, WithoutExitCodeTheProcessStaysOpen)
     EXPECT_EQ(Journal().back(), "GetExitCodeProcess");
 }
 
-TEST_F(ProcessSteps, AThreadThatCannotBeClosedFailsTheRunButTheProcessIsClosedToo)
+// The other one is closed all the same.
+TEST_F(ProcessSteps, AThreadOrAProcessThatCannotBeClosedFailsTheRun)
 {
-    m_hUncloseable = hThread;
-    EXPECT_EQ(RunAdb(), ADB_CLOSE_FAILED);
-    EXPECT_EQ(Journal().back(), "close process");
-}
-
-TEST_F(ProcessSteps, AProcessThatCannotBeClosedFailsTheRun)
-{
-    m_hUncloseable = hProcess;
-    EXPECT_EQ(RunAdb(), ADB_CLOSE_FAILED);
-}
-
-TEST_F(ProcessSteps, NothingThatClosesFailsTheRun)
-{
-    m_bNothingCloses = true;
-    EXPECT_EQ(RunAdb(), ADB_CLOSE_FAILED);
-    EXPECT_EQ(Journal().back(), "close process");
-}
-
-TEST_F(ProcessSteps, AWriteEndThatCannotBeClosedIsNotMinded)
-{
-    m_hUncloseable = hWriteEnd;
-    EXPECT_EQ(RunAdb(), ADB_SUCCESS);
-}
-
-TEST_F(ProcessSteps, EachRunMakesAPipeOfItsOwn)
-{
-    EXPECT_EQ(RunAdb(), ADB_SUCCESS);
-    m_nRead = 0;
-    EXPECT_EQ(RunAdb(), ADB_SUCCESS);
-    EXPECT_EQ(m_createPipe.Calls(), 2u);
-    EXPECT_EQ(Sleeps(), (std::vector<DWORD>{2000, 2000}));
-    for (const std::string& strLine : Journal()) {
-        EXPECT_NE(strLine, "close read end");
+    for (const std::vector<HANDLE>& handles :
+         std::vector<std::vector<HANDLE>>{{hThread}, {hProcess}, {hThread, hProcess}}) {
+        SCOPED_TRACE(NameOf(handles[0]));
+        m_uncloseable = handles;
+        EXPECT_EQ(RunAdb(), ADB_CLOSE_FAILED);
+        EXPECT_EQ(Journal().back(), "close process");
     }
+    m_uncloseable = {hWriteEnd};
+    EXPECT_EQ(RunAdb(), ADB_SUCCESS);
 }
 
-TEST_F(ProcessSteps, WithoutPipeThisProcessEnds)
+TEST_F(ProcessSteps, OneThatFailsBeforeThereIsAChildEndsThisProcess)
 {
-    const REPLACED(CreatePipe) createPipe(Returns(FALSE, ERROR_NOT_ENOUGH_MEMORY));
-    EXPECT_EQ(ExitCodeOf([this] { RunAdb(); }), 8u);
-    const Box box = TakeBox();
-    EXPECT_EQ(Narrow(box.strText),
-              "CreatePipe(&m_hStandardOutputRead, &m_hStandardOutputWrite, &m_sa, 0) failed with error 8: " +
-                  SystemDescription(8));
-    EXPECT_EQ(box.strCaption, L"Error");
-    EXPECT_EQ(m_setInformation.Calls(), 0u);
-}
-
-TEST_F(ProcessSteps, WithAnInheritableReadEndThisProcessEnds)
-{
-    const REPLACED(SetHandleInformation) setInformation(Returns(FALSE, ERROR_INVALID_HANDLE));
-    EXPECT_EQ(ExitCodeOf([this] { RunAdb(); }), 6u);
-    EXPECT_EQ(Narrow(TakeBox().strText),
-              "SetHandleInformation(m_hStandardOutputRead, HANDLE_FLAG_INHERIT, 0) failed with error 6: " +
-                  SystemDescription(6));
-    EXPECT_EQ(m_createProcess.Calls(), 0u);
-}
-
-TEST_F(ProcessSteps, WithoutChildThisProcessEnds)
-{
+    {
+        const REPLACED(CreatePipe) createPipe(Returns(FALSE, ERROR_NOT_ENOUGH_MEMORY));
+        ExpectEnd(8, "CreatePipe", L"CreatePipe(&m_hStandardOutputRead, &m_hStandardOutputWrite, &m_sa, 0)");
+    }
+    {
+        const REPLACED(SetHandleInformation) setInformation(Returns(FALSE, ERROR_INVALID_HANDLE));
+        ExpectEnd(6, "SetHandleInformation", L"SetHandleInformation(m_hStandardOutputRead, HANDLE_FLAG_INHERIT, 0)");
+    }
     const REPLACED(CreateProcessW) createProcess(Returns(FALSE, ERROR_FILE_NOT_FOUND));
-    EXPECT_EQ(ExitCodeOf([this] { RunAdb(); }), 2u);
-    EXPECT_EQ(Narrow(TakeBox().strText),
-              "CreateProcess(lpApplicationName, lpCommandLine, ...) failed with error 2: " + SystemDescription(2));
-    EXPECT_EQ(m_read.Calls(), 0u);
+    ExpectEnd(2, "CreateProcessW", L"CreateProcess(lpApplicationName, lpCommandLine, ...)");
 }
 
 } // namespace

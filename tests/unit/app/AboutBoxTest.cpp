@@ -12,22 +12,32 @@ namespace {
 const HWND hwndPage = reinterpret_cast<HWND>(0x5150);
 constexpr UINT nAboutButton = 1039;
 
-std::wstring AboutText(const std::wstring& strVersion)
-{
-    return L"KALVO Solvane Android Watch Installer\n\nApplication to install APK on Android Device\n\nVersion: " +
-           strVersion;
-}
-
 class AboutBox : public Test
 {
 protected:
     AboutBox()
     {
-        CKalvoApkInstaller::GetInstance() = {};
         WCHAR szSelf[MAX_PATH];
         GetModuleFileNameW(nullptr, szSelf, MAX_PATH);
         m_strSelf = szSelf;
-        wcscpy_s(CKalvoApkInstaller::GetInstance().m_szFullPath, szSelf);
+        SetPath(szSelf);
+    }
+
+    // What start-up leaves.
+    static void SetPath(PCWSTR pszPath)
+    {
+        wcscpy_s(CKalvoApkInstaller::GetInstance().m_szFullPath, pszPath);
+    }
+
+    // A click on the button shows the box with this version.
+    void ExpectVersion(const std::wstring& strVersion, WPARAM wParam = 0)
+    {
+        ShowAboutBox(hwndPage, nAboutButton, wParam, BN_CLICKED);
+        ExpectBox(
+            hwndPage,
+            L"KALVO Solvane Android Watch Installer\n\nApplication to install APK on Android Device\n\nVersion: " +
+                strVersion,
+            L"About");
     }
 
     std::wstring m_strSelf;
@@ -35,14 +45,8 @@ protected:
 
 TEST_F(AboutBox, TellsTitlePurposeAndVersionOnThePage)
 {
-    ShowAboutBox(hwndPage, nAboutButton, 0, BN_CLICKED);
-    ExpectBox(hwndPage, AboutText(L"1.4.0"), L"About");
-}
-
-TEST_F(AboutBox, DoesNotLookAtTheWholeParameter)
-{
-    ShowAboutBox(hwndPage, nAboutButton, 0xDEADBEEF, BN_CLICKED);
-    ExpectBox(hwndPage, AboutText(L"1.4.0"), L"About");
+    ExpectVersion(L"1.4.0");
+    ExpectVersion(L"1.4.0", 0xDEADBEEF); // the parameter is not looked at
 }
 
 TEST_F(AboutBox, ReadsTheVersionOfTheRunningExecutable)
@@ -60,81 +64,53 @@ TEST_F(AboutBox, ReadsTheVersionOfTheRunningExecutable)
         *pcbInfo = sizeof(s_info);
         return TRUE;
     });
-    REPLACED(GetModuleFileNameW) moduleFileName;
-    moduleFileName.Optional();
+    const REPLACED(GetModuleFileNameW) moduleFileName(Never());
 
-    ShowAboutBox(hwndPage, nAboutButton, 0, BN_CLICKED);
+    ExpectVersion(L"65535.2.3");
 
-    ExpectBox(hwndPage, AboutText(L"65535.2.3"), L"About");
-    EXPECT_EQ(size.Arg<0>(), 0u);
-    EXPECT_EQ(size.Arg<1>(), m_strSelf);
-    EXPECT_EQ(read.Arg<0>(), 0u);
-    EXPECT_EQ(read.Arg<1>(), m_strSelf);
-    EXPECT_EQ(read.Arg<2>(), 0x77u);
-    EXPECT_EQ(read.Arg<3>(), 300u);
-    EXPECT_EQ(query.Arg<0>(), read.Arg<4>());
-    EXPECT_EQ(query.Arg<1>(), L"\\");
-    EXPECT_EQ(moduleFileName.Calls(), 0u);
+    EXPECT_EQ(size.Arguments(), std::tuple(0u, m_strSelf, kAny));
+    EXPECT_EQ(read.Arguments(), std::tuple(0u, m_strSelf, 0x77u, 300u, kAny));
+    EXPECT_EQ(query.Arguments(), std::tuple(read.Arg<4>(), L"\\", kAny, kAny));
 }
 
 TEST_F(AboutBox, AsksForTheExecutableWhereStartUpLeftNoPath)
 {
-    CKalvoApkInstaller::GetInstance() = {};
-    const REPLACED(GetModuleFileNameW) moduleFileName;
+    SetPath(L"");
+    const REPLACED(GetModuleFileNameW) moduleFileName(InTurn(PassOn(), Returns(DWORD(0))));
     const REPLACED(GetFileVersionInfoSizeExW) size;
-    ShowAboutBox(hwndPage, nAboutButton, 0, BN_CLICKED);
-    ExpectBox(hwndPage, AboutText(L"1.4.0"), L"About");
-    EXPECT_EQ(moduleFileName.Arg<0>(), nullptr);
-    EXPECT_EQ(moduleFileName.Arg<2>(), 260u);
+    ExpectVersion(L"1.4.0");
+    EXPECT_EQ(moduleFileName.Arguments(), std::tuple(nullptr, kAny, 260u));
     EXPECT_EQ(size.Arg<1>(), m_strSelf);
+    ExpectVersion(L""); // nobody knows it
 }
 
-TEST_F(AboutBox, ShowsNoVersionWithoutAnyPath)
+TEST_F(AboutBox, ShowsNoVersionWhereNoneCanBeRead)
 {
-    CKalvoApkInstaller::GetInstance() = {};
-    const REPLACED(GetModuleFileNameW) moduleFileName(Returns(DWORD(0)));
-    ShowAboutBox(hwndPage, nAboutButton, 0, BN_CLICKED);
-    ExpectBox(hwndPage, AboutText(L""), L"About");
-}
-
-TEST_F(AboutBox, ShowsNoVersionWithoutAVersionResource)
-{
-    const REPLACED(GetFileVersionInfoSizeExW) size(Returns(DWORD(0)));
-    REPLACED(GetFileVersionInfoExW) read;
-    read.Optional();
-    ShowAboutBox(hwndPage, nAboutButton, 0, BN_CLICKED);
-    ExpectBox(hwndPage, AboutText(L""), L"About");
-    EXPECT_EQ(read.Calls(), 0u);
-}
-
-TEST_F(AboutBox, ShowsNoVersionWithoutFixedFileInformation)
-{
-    const REPLACED(VerQueryValueW) query(Returns(FALSE));
-    ShowAboutBox(hwndPage, nAboutButton, 0, BN_CLICKED);
-    ExpectBox(hwndPage, AboutText(L""), L"About");
-}
-
-TEST_F(AboutBox, ShowsNoVersionWhereTheFixedFileInformationIsEmpty)
-{
-    const REPLACED(VerQueryValueW) query([](auto, auto, void** ppInfo, auto) {
+    {
+        const REPLACED(GetFileVersionInfoSizeExW) noResource(Returns(DWORD(0)));
+        const REPLACED(GetFileVersionInfoExW) read(Never());
+        ExpectVersion(L"");
+    }
+    {
+        const REPLACED(VerQueryValueW) noFixedInformation(Returns(FALSE));
+        ExpectVersion(L"");
+    }
+    const REPLACED(VerQueryValueW) emptyInformation([](auto, auto, void** ppInfo, auto) {
         *ppInfo = nullptr;
         return TRUE;
     });
-    ShowAboutBox(hwndPage, nAboutButton, 0, BN_CLICKED);
-    ExpectBox(hwndPage, AboutText(L""), L"About");
+    ExpectVersion(L"");
 }
 
 TEST_F(AboutBox, AnswersNoOtherCommand)
 {
-    REPLACED(GetFileVersionInfoSizeExW) size;
-    size.Optional();
+    const REPLACED(GetFileVersionInfoSizeExW) size(Never());
     for (const UINT nControl : {0u, 1u, 2u, 1038u, 1040u}) {
         ShowAboutBox(hwndPage, nControl, 0, BN_CLICKED);
     }
     for (const UINT nNotification : {1u, 5u, 6u, 7u}) {
         ShowAboutBox(hwndPage, nAboutButton, 0, nNotification);
     }
-    EXPECT_EQ(size.Calls(), 0u);
     EXPECT_EQ(Journal(), Lines());
 }
 

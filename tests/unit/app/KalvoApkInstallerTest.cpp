@@ -13,37 +13,31 @@ using namespace kit;
 
 namespace {
 
-std::wstring SystemDescription(HRESULT hr)
-{
-    WCHAR szText[512] = {};
-    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, static_cast<DWORD>(hr), 0,
-                   szText, 512, nullptr);
-    std::wstring strText = szText;
-    strText.erase(strText.find_last_not_of(L"\r\n .") + 1);
-    return strText;
-}
+// The fields, in order.
+static_assert(offsetof(CKalvoApkInstaller, m_bInitialized) == 0);
+static_assert(offsetof(CKalvoApkInstaller, m_szFileName) == 4);
+static_assert(offsetof(CKalvoApkInstaller, m_szFolderPath) == 4 + 520);
+static_assert(offsetof(CKalvoApkInstaller, m_szFullPath) == 4 + 2 * 520);
+static_assert(offsetof(CKalvoApkInstaller, m_szAppDataFolderPath) == 4 + 3 * 520);
+static_assert(sizeof(CKalvoApkInstaller) == 4 + 4 * 520);
 
 class ApplicationPaths : public Test
 {
 protected:
     ApplicationPaths()
-        : m_imageName([this](HANDLE, DWORD, PWSTR pszPath, DWORD* pcch) {
+        : m_imageName(Maybe([this](HANDLE, DWORD, PWSTR pszPath, DWORD* pcch) {
               m_cchPath = *pcch;
               wcscpy_s(pszPath, MAX_PATH, m_strExecutable.c_str());
               *pcch = static_cast<DWORD>(m_strExecutable.size());
               return TRUE;
-          }),
-          m_knownFolder([this](const GUID& folder, DWORD, HANDLE, PWSTR* ppszPath) {
-              m_folder = folder;
+          })),
+          m_knownFolder(Maybe([this](const GUID&, DWORD, HANDLE, PWSTR* ppszPath) {
               const size_t cb = (m_strLocalAppData.size() + 1) * sizeof(WCHAR);
               m_pszGiven = *ppszPath = static_cast<PWSTR>(CoTaskMemAlloc(cb));
               memcpy(*ppszPath, m_strLocalAppData.c_str(), cb);
               return m_hrKnownFolder;
-          })
+          }))
     {
-        m_imageName.Optional();
-        m_knownFolder.Optional();
-        m_free.Optional().Unnoted();
         Paths() = {};
     }
 
@@ -52,47 +46,40 @@ protected:
         return CKalvoApkInstaller::GetInstance();
     }
 
+    void ExpectPaths(PCWSTR pszFolder, PCWSTR pszFile)
+    {
+        EXPECT_TRUE(Paths().Initialize());
+        EXPECT_EQ(Paths().m_bInitialized, 1);
+        EXPECT_EQ(Paths().m_szFullPath, m_strExecutable);
+        EXPECT_STREQ(Paths().m_szFolderPath, pszFolder);
+        EXPECT_STREQ(Paths().m_szFileName, pszFile);
+        EXPECT_EQ(Paths().m_szAppDataFolderPath, m_strLocalAppData + L"\\KALVO_ApkInstaller");
+    }
+
+    // Under this call's name.
+    void ExpectEnd(UINT nExitCode, const std::wstring& strCall)
+    {
+        EXPECT_EQ(ExitCodeOf([] { Paths().Initialize(); }), nExitCode);
+        EXPECT_EQ(TakeBox().strCaption, L"CKalvoApkInstaller::GetAppDataLocalFolderPath() > " + strCall);
+        EXPECT_EQ(Paths().m_bInitialized, 0);
+    }
+
     std::wstring m_strExecutable = L"D:\\Some folder\\sub.dir\\Kalvo Installer.v2.exe";
     std::wstring m_strLocalAppData = L"C:\\Users\\kim\\AppData\\Local";
     HRESULT m_hrKnownFolder = S_OK;
     DWORD m_cchPath = 0;
-    GUID m_folder = {};
     PWSTR m_pszGiven = nullptr;
     REPLACED(QueryFullProcessImageNameW) m_imageName;
     REPLACED(SHGetKnownFolderPath) m_knownFolder;
-    REPLACED(CoTaskMemFree) m_free;
+    REPLACED(CoTaskMemFree) m_free { Quietly() };
 };
-
-TEST_F(ApplicationPaths, ThereIsOneObject)
-{
-    EXPECT_EQ(&CKalvoApkInstaller::GetInstance(), &CKalvoApkInstaller::GetInstance());
-}
-
-TEST_F(ApplicationPaths, HaveTheirFieldsInOrder)
-{
-    EXPECT_EQ(offsetof(CKalvoApkInstaller, m_bInitialized), 0u);
-    EXPECT_EQ(offsetof(CKalvoApkInstaller, m_szFileName), 4u);
-    EXPECT_EQ(offsetof(CKalvoApkInstaller, m_szFolderPath), 4u + 520);
-    EXPECT_EQ(offsetof(CKalvoApkInstaller, m_szFullPath), 4u + 2 * 520);
-    EXPECT_EQ(offsetof(CKalvoApkInstaller, m_szAppDataFolderPath), 4u + 3 * 520);
-    EXPECT_EQ(sizeof(CKalvoApkInstaller), 4u + 4 * 520);
-}
 
 TEST_F(ApplicationPaths, AreThoseOfTheExecutableAndTheUser)
 {
-    EXPECT_TRUE(Paths().Initialize());
-    EXPECT_EQ(Paths().m_bInitialized, 1);
-    EXPECT_STREQ(Paths().m_szFullPath, L"D:\\Some folder\\sub.dir\\Kalvo Installer.v2.exe");
-    EXPECT_STREQ(Paths().m_szFolderPath, L"D:\\Some folder\\sub.dir\\");
-    EXPECT_STREQ(Paths().m_szFileName, L"Kalvo Installer.v2.exe");
-    EXPECT_STREQ(Paths().m_szAppDataFolderPath, L"C:\\Users\\kim\\AppData\\Local\\KALVO_ApkInstaller");
-
-    EXPECT_EQ(m_imageName.Arg<0>(), GetCurrentProcess());
-    EXPECT_EQ(m_imageName.Arg<1>(), 0u);
+    ExpectPaths(L"D:\\Some folder\\sub.dir\\", L"Kalvo Installer.v2.exe");
+    EXPECT_EQ(m_imageName.Arguments(), std::tuple(GetCurrentProcess(), 0u, Paths().m_szFullPath, kAny));
     EXPECT_EQ(m_cchPath, 260u);
-    EXPECT_EQ(m_folder, FOLDERID_LocalAppData);
-    EXPECT_EQ(m_knownFolder.Arg<1>(), 0u);
-    EXPECT_EQ(m_knownFolder.Arg<2>(), nullptr);
+    EXPECT_EQ(m_knownFolder.Arguments(), std::tuple(FOLDERID_LocalAppData, 0u, nullptr, kAny));
     EXPECT_EQ(m_free.Calls(), 1u);
     EXPECT_EQ(m_free.Arg<0>(), m_pszGiven);
 }
@@ -100,9 +87,7 @@ TEST_F(ApplicationPaths, AreThoseOfTheExecutableAndTheUser)
 TEST_F(ApplicationPaths, MayBeAtTheRootOfADrive)
 {
     m_strExecutable = L"E:\\a.exe";
-    EXPECT_TRUE(Paths().Initialize());
-    EXPECT_STREQ(Paths().m_szFolderPath, L"E:\\");
-    EXPECT_STREQ(Paths().m_szFileName, L"a.exe");
+    ExpectPaths(L"E:\\", L"a.exe");
 }
 
 // The runtime declares these in several forms, so the form that is imported is spelled out.
@@ -111,58 +96,40 @@ using Split =
 using Make = Replaced<"_wmakepath_s", errno_t (*)(PWSTR, size_t, PCWSTR, PCWSTR, PCWSTR, PCWSTR)>;
 using Copy = Replaced<"wcsncpy_s", errno_t (*)(PWSTR, size_t, PCWSTR, size_t)>;
 
-TEST_F(ApplicationPaths, AreSplitMadeAndCopiedWithinTheirBounds)
+TEST_F(ApplicationPaths, AreMadeWithinTheirBounds)
 {
     const Split split;
     const Make make;
     const Copy copy;
+    const REPLACED(PathCchAppend) append;
     EXPECT_TRUE(Paths().Initialize());
-    EXPECT_EQ(split.Arg<0>(), m_strExecutable);
-    EXPECT_EQ(split.Arg<2>(), 3u);
-    EXPECT_EQ(split.Arg<4>(), 256u);
-    EXPECT_EQ(split.Arg<6>(), 256u);
-    EXPECT_EQ(split.Arg<8>(), 256u);
-    EXPECT_EQ(make.Arg<0>(0), Paths().m_szFolderPath);
-    EXPECT_EQ(make.Arg<1>(0), 260u);
-    EXPECT_EQ(make.Arg<0>(1), Paths().m_szFileName);
-    EXPECT_EQ(make.Arg<1>(1), 260u);
-    EXPECT_EQ(copy.Arg<0>(), Paths().m_szAppDataFolderPath);
-    EXPECT_EQ(copy.Arg<1>(), 260u);
+    EXPECT_EQ(split.Arguments(), std::tuple(m_strExecutable, kAny, 3u, kAny, 256u, kAny, 256u, kAny, 256u));
+    EXPECT_EQ(make.Arguments(0), std::tuple(Paths().m_szFolderPath, 260u, kAny, kAny, kAny, kAny));
+    EXPECT_EQ(make.Arguments(1), std::tuple(Paths().m_szFileName, 260u, kAny, kAny, kAny, kAny));
+    EXPECT_EQ(copy.Arguments(), std::tuple(Paths().m_szAppDataFolderPath, 260u, kAny, kAny));
+    EXPECT_EQ(append.Arguments(), std::tuple(Paths().m_szAppDataFolderPath, 260u, kAny));
 }
 
 // As the runtime fails: with nothing in what it was to fill.
-TEST_F(ApplicationPaths, AreThereThoughTheExecutablesCannotBeSplit)
+TEST_F(ApplicationPaths, AreThereThoughTheExecutablesCannotBeSplitOrMade)
 {
-    const Split split([](PCWSTR, PWSTR pszDrive, size_t, PWSTR pszDirectory, size_t, PWSTR pszName, size_t,
-                         PWSTR pszExtension, size_t) -> errno_t {
-        *pszDrive = *pszDirectory = *pszName = *pszExtension = L'\0';
-        return ERANGE;
-    });
-    EXPECT_TRUE(Paths().Initialize());
-    EXPECT_EQ(Paths().m_bInitialized, 1);
-    EXPECT_STREQ(Paths().m_szFullPath, L"D:\\Some folder\\sub.dir\\Kalvo Installer.v2.exe");
-    EXPECT_STREQ(Paths().m_szFolderPath, L"");
-    EXPECT_STREQ(Paths().m_szFileName, L"");
-    EXPECT_STREQ(Paths().m_szAppDataFolderPath, L"C:\\Users\\kim\\AppData\\Local\\KALVO_ApkInstaller");
-}
-
-TEST_F(ApplicationPaths, AreThereThoughFolderAndNameCannotBeMade)
-{
-    const auto fail = [](PWSTR psz, auto&&...) -> errno_t {
+    {
+        const Split split([](PCWSTR, PWSTR pszDrive, size_t, PWSTR pszDirectory, size_t, PWSTR pszName, size_t,
+                             PWSTR pszExtension, size_t) -> errno_t {
+            *pszDrive = *pszDirectory = *pszName = *pszExtension = L'\0';
+            return ERANGE;
+        });
+        ExpectPaths(L"", L"");
+    }
+    Paths() = {};
+    const Make make([](PWSTR psz, auto&&...) -> errno_t {
         *psz = L'\0';
         return EINVAL;
-    };
-    const Make make{InTurn(fail, fail)};
-    EXPECT_TRUE(Paths().Initialize());
-    EXPECT_EQ(Paths().m_bInitialized, 1);
-    EXPECT_STREQ(Paths().m_szFolderPath, L"");
-    EXPECT_STREQ(Paths().m_szFileName, L"");
-    EXPECT_STREQ(Paths().m_szAppDataFolderPath, L"C:\\Users\\kim\\AppData\\Local\\KALVO_ApkInstaller");
+    });
+    ExpectPaths(L"", L"");
 }
 
-class RealPaths : public Test
-{
-};
+using RealPaths = Test;
 
 TEST_F(RealPaths, AreThoseOfThisVeryProgram)
 {
@@ -180,10 +147,8 @@ TEST_F(ApplicationPaths, ASecondInitialisationFailsAndAsksNothing)
 {
     ASSERT_TRUE(Paths().Initialize());
     Journal().clear();
-    m_strExecutable = L"E:\\other.exe";
     EXPECT_FALSE(Paths().Initialize());
     EXPECT_EQ(Journal(), Lines());
-    EXPECT_STREQ(Paths().m_szFileName, L"Kalvo Installer.v2.exe");
 }
 
 TEST_F(ApplicationPaths, FailWithoutAWordWhenTheExecutablesPathCannotBeHad)
@@ -197,36 +162,20 @@ TEST_F(ApplicationPaths, FailWithoutAWordWhenTheExecutablesPathCannotBeHad)
 TEST_F(ApplicationPaths, EndTheProcessWhenTheUsersFolderCannotBeHad)
 {
     m_hrKnownFolder = E_ACCESSDENIED;
-    EXPECT_EQ(ExitCodeOf([] { Paths().Initialize(); }), 0x80070005u);
-    ExpectBox(SystemDescription(E_ACCESSDENIED),
-              L"CKalvoApkInstaller::GetAppDataLocalFolderPath() > SHGetKnownFolderPath()");
-    EXPECT_EQ(Paths().m_bInitialized, 0);
-}
-
-TEST_F(ApplicationPaths, TheWorkingFolderIsAppendedWithinThePathsBounds)
-{
-    const REPLACED(PathCchAppend) append;
-    EXPECT_TRUE(Paths().Initialize());
-    EXPECT_EQ(append.Arg<0>(), Paths().m_szAppDataFolderPath);
-    EXPECT_EQ(append.Arg<1>(), 260u);
-    EXPECT_EQ(append.Arg<2>(), L"KALVO_ApkInstaller");
+    ExpectEnd(0x80070005u, L"SHGetKnownFolderPath()");
 }
 
 TEST_F(ApplicationPaths, EndTheProcessWhenTheWorkingFolderCannotBeAppended)
 {
     const REPLACED(PathCchAppend) append(Returns(HRESULT(0x8007007A)));
-    EXPECT_EQ(ExitCodeOf([] { Paths().Initialize(); }), 0x8007007Au);
-    ExpectBox(SystemDescription(HRESULT(0x8007007A)),
-              L"CKalvoApkInstaller::GetAppDataLocalFolderPath() > PathCchAppend()");
-    EXPECT_EQ(Paths().m_bInitialized, 0);
+    ExpectEnd(0x8007007Au, L"PathCchAppend()");
 }
 
 // Room for 259 characters: 240 and "\KALVO_ApkInstaller" just fit.
 TEST_F(ApplicationPaths, TheWorkingFolderMayFillThePath)
 {
     m_strLocalAppData = L"C:\\" + std::wstring(237, L'u');
-    EXPECT_TRUE(Paths().Initialize());
-    EXPECT_EQ(Paths().m_szAppDataFolderPath, m_strLocalAppData + L"\\KALVO_ApkInstaller");
+    ExpectPaths(L"D:\\Some folder\\sub.dir\\", L"Kalvo Installer.v2.exe");
 }
 
 TEST_F(ApplicationPaths, AWorkingFolderLongerThanThePathEndsTheProcess)

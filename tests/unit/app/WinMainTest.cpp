@@ -32,50 +32,38 @@ class WinMain : public Test
 {
 protected:
     WinMain()
-        : m_close([this](HANDLE h) -> BOOL {
+        : m_close(Quietly([this](HANDLE h) -> BOOL {
               if (h == hMutex) {
                   Note("CloseHandle of the mutex");
                   return TRUE;
               }
               return m_close.Next(h);
-          }),
-          m_knownFolder([this](const GUID&, DWORD, HANDLE, PWSTR* ppszPath) -> HRESULT {
+          })),
+          m_knownFolder(Maybe([this](const GUID&, DWORD, HANDLE, PWSTR* ppszPath) -> HRESULT {
               const std::wstring str = m_folder.Path().wstring();
               *ppszPath = static_cast<PWSTR>(CoTaskMemAlloc((str.size() + 1) * sizeof(WCHAR)));
               wcscpy(*ppszPath, str.c_str());
               return S_OK;
-          }),
-          m_propertySheet([this](const PROPSHEETHEADERW* pHeader) -> INT_PTR {
+          })),
+          m_propertySheet(Maybe([this](const PROPSHEETHEADERW* pHeader) -> INT_PTR {
               m_hWizardInstance = pHeader->hInstance;
               m_bToolsThere = ToolsAreThere();
               return m_nWizardResult;
-          })
+          }))
     {
-        CKalvoApkInstaller::GetInstance() = {};
-        CPlatformTools::GetInstance() = {};
-        // Inner replacements, those of the adb above all, come and go; nothing here must be called.
-        m_dllDirectories.Optional().Unnoted();
-        m_ghosting.Optional().Unnoted();
-        m_createMutex.Optional();
-        m_release.Optional();
-        m_close.Optional().Unnoted();
-        m_findWindow.Optional();
-        m_foreground.Optional();
-        m_verify.Optional();
-        m_comStart.Optional();
-        m_comEnd.Optional();
-        m_socketStart.Optional();
-        m_socketEnd.Optional();
-        m_imageName.Optional();
-        m_knownFolder.Optional();
-        m_createFolder.Optional();
-        m_deleteFolder.Optional();
-        m_propertySheet.Optional();
+        Forget();
     }
 
     ~WinMain() override
     {
         std::set_terminate(m_pfnTerminate);
+    }
+
+    // What a run before this one has left in the process.
+    static void Forget()
+    {
+        CKalvoApkInstaller::GetInstance() = {};
+        CPlatformTools::GetInstance() = {};
     }
 
     static int Run()
@@ -98,20 +86,35 @@ protected:
         return exists(AdbExe()) && exists(WorkingFolder() / "platform-tools_kalvo.zip");
     }
 
-    // The journal from a line on: what came after a box.
-    static Lines From(const std::string& strLine)
+    void LeaveTools() const
     {
-        const auto it = std::ranges::find(Journal(), strLine);
-        return {it, Journal().end()};
+        create_directories(AdbExe().parent_path());
+        WriteTextFile(AdbExe(), "old");
+        WriteTextFile(AdbExe().parent_path() / "stale.txt", "old");
+        WriteTextFile(WorkingFolder() / "platform-tools_other.zip", "old");
     }
 
-    // After a message of start-up proper everything is given back, and nothing else happens.
-    void ExpectErrorExit(const std::wstring& strText)
+    // The run ends with this message, after which this is given back, and nothing else happens.
+    void ExpectToldAndEnded(const std::wstring& strText, const Lines& teardown = kTeardown)
+    {
+        EXPECT_EQ(Run(), 0);
+        ExpectToldLast(strText, teardown);
+    }
+
+    void ExpectToldLast(const std::wstring& strText, const Lines& teardown = kTeardown)
     {
         ExpectBox(strText, strTitle);
-        Lines expected = kTeardown;
-        expected.insert(expected.begin(), "box \"" + Narrow(strText) + '"');
-        EXPECT_EQ(From(expected.front()), expected);
+        const auto itBox = std::ranges::find(Journal(), "box \"" + Narrow(strText) + '"');
+        ASSERT_NE(itBox, Journal().end());
+        EXPECT_EQ(Lines(itBox + 1, Journal().end()), teardown);
+    }
+
+    // The run does no more than this.
+    void ExpectOnly(const Lines& calls)
+    {
+        Journal().clear();
+        EXPECT_EQ(Run(), 0);
+        EXPECT_EQ(Journal(), calls);
     }
 
     TemporaryFolder m_folder;
@@ -121,22 +124,24 @@ protected:
 
     const std::terminate_handler m_pfnTerminate = std::get_terminate();
 
-    REPLACED(SetDefaultDllDirectories) m_dllDirectories { Returns(TRUE) };
-    REPLACED(DisableProcessWindowsGhosting) m_ghosting { [] {} };
-    REPLACED(CreateMutexW) m_createMutex { Returns(hMutex, ERROR_SUCCESS) };
-    REPLACED(ReleaseMutex) m_release { Returns(TRUE) };
+    // Inner replacements, those of the adb above all, come and go; nothing here must be called.
+    REPLACED(SetDefaultDllDirectories) m_dllDirectories { Quietly(Returns(TRUE)) };
+    REPLACED(DisableProcessWindowsGhosting) m_ghosting { Quietly([] {}) };
+    // An old last error means nothing.
+    REPLACED(CreateMutexW) m_createMutex { Maybe(Returns(hMutex, ERROR_ACCESS_DENIED)) };
+    REPLACED(ReleaseMutex) m_release { Maybe(Returns(TRUE)) };
     REPLACED(CloseHandle) m_close;
-    REPLACED(FindWindowW) m_findWindow { Returns(HWND(nullptr)) };
-    REPLACED(SetForegroundWindow) m_foreground { Returns(TRUE) };
-    REPLACED(VerifyVersionInfoW) m_verify { Returns(TRUE) };
-    REPLACED(CoInitializeEx) m_comStart { Returns(HRESULT(S_OK)) };
-    REPLACED(CoUninitialize) m_comEnd { [] {} };
-    REPLACED(WSAStartup) m_socketStart { Returns(0) };
-    REPLACED(WSACleanup) m_socketEnd { Returns(0) };
-    REPLACED(QueryFullProcessImageNameW) m_imageName;
+    REPLACED(FindWindowW) m_findWindow { Maybe(Returns(HWND(nullptr))) };
+    REPLACED(SetForegroundWindow) m_foreground { Maybe(Returns(TRUE)) };
+    REPLACED(VerifyVersionInfoW) m_verify { Maybe(Returns(TRUE)) };
+    REPLACED(CoInitializeEx) m_comStart { Maybe(Returns(HRESULT(S_OK))) };
+    REPLACED(CoUninitialize) m_comEnd { Maybe([] {}) };
+    REPLACED(WSAStartup) m_socketStart { Maybe(Returns(0)) };
+    REPLACED(WSACleanup) m_socketEnd { Maybe(Returns(0)) };
+    REPLACED(QueryFullProcessImageNameW) m_imageName { Maybe() };
     REPLACED(SHGetKnownFolderPath) m_knownFolder;
-    REPLACED(SHCreateDirectoryExW) m_createFolder;
-    REPLACED(SHFileOperationW) m_deleteFolder;
+    REPLACED(SHCreateDirectoryExW) m_createFolder { Maybe() };
+    REPLACED(SHFileOperationW) m_deleteFolder { Maybe() };
     REPLACED(PropertySheetW) m_propertySheet;
 };
 
@@ -150,16 +155,19 @@ protected:
 TEST_F(WinMainWithAdb, DeploysRunsTheWizardAndLeavesNothing)
 {
     m_adb.Prints("");
-    EXPECT_EQ(Run(), 0);
-    EXPECT_EQ(Journal(),
-              (Lines{"CreateMutexW", "VerifyVersionInfoW", "CoInitializeEx", "WSAStartup", "QueryFullProcessImageNameW",
-                     "SHGetKnownFolderPath", "SHCreateDirectoryExW", "PropertySheetW", "sleep 2000", "adb kill-server",
-                     "SHFileOperationW", "WSACleanup", "CoUninitialize", "ReleaseMutex", "CloseHandle of the mutex"}));
+    ExpectOnly({"CreateMutexW", "VerifyVersionInfoW", "CoInitializeEx", "WSAStartup", "QueryFullProcessImageNameW",
+                "SHGetKnownFolderPath", "SHCreateDirectoryExW", "PropertySheetW", "sleep 2000", "adb kill-server",
+                "SHFileOperationW", "WSACleanup", "CoUninitialize", "ReleaseMutex", "CloseHandle of the mutex"});
     EXPECT_TRUE(m_bToolsThere);
     EXPECT_EQ(m_hWizardInstance, hInstance);
     EXPECT_TRUE(exists(WorkingFolder()));
     EXPECT_TRUE(is_empty(WorkingFolder()));
+    // A mutex that is owned from the start, a single-threaded apartment, sockets 2.2.
+    EXPECT_EQ(m_createMutex.Arguments(), std::tuple(nullptr, TRUE, L"KALVO_APK_INSTALLER_MUTEX"));
     EXPECT_EQ(m_release.Arg<0>(), hMutex);
+    EXPECT_EQ(m_comStart.Arguments(), std::tuple(nullptr, 6u));
+    EXPECT_EQ(m_socketStart.Arg<0>(), 0x0202);
+    EXPECT_NE(m_socketStart.Arg<1>(), nullptr);
 }
 
 TEST_F(WinMain, SetsTheProcessUpBeforeAnythingElse)
@@ -168,9 +176,8 @@ TEST_F(WinMain, SetsTheProcessUpBeforeAnythingElse)
     const REPLACED(DisableProcessWindowsGhosting) ghosting([] {});
     const REPLACED(LoadStringW) load;
     const REPLACED(CreateMutexW) createMutex(Returns(HANDLE(nullptr), ERROR_ACCESS_DENIED));
-    EXPECT_EQ(Run(), 0);
-    EXPECT_EQ(Journal(), (Lines{"SetDefaultDllDirectories", "DisableProcessWindowsGhosting", "LoadStringW",
-                                "CreateMutexW", "FindWindowW"}));
+    ExpectOnly(
+        {"SetDefaultDllDirectories", "DisableProcessWindowsGhosting", "LoadStringW", "CreateMutexW", "FindWindowW"});
     EXPECT_EQ(dllDirectories.Arg<0>(), static_cast<DWORD>(LOAD_LIBRARY_SEARCH_SYSTEM32));
 }
 
@@ -184,13 +191,13 @@ TEST_F(WinMain, AnExceptionThatNobodyCatchesEndsTheProcessWithoutAWord)
 
 TEST_F(WinMainWithAdb, CancellingTheWizardEndsAsFinishingDoes)
 {
+    const REPLACED(CoInitializeEx) startedAlready(Returns(HRESULT(S_FALSE)));
     m_adb.Prints("");
     m_nWizardResult = 0;
     EXPECT_EQ(Run(), 0);
-    EXPECT_EQ(JournalOf({"PropertySheetW", "adb kill-server", "WSACleanup", "CoUninitialize", "ReleaseMutex",
-                         "CloseHandle of the mutex"}),
-              (Lines{"PropertySheetW", "adb kill-server", "WSACleanup", "CoUninitialize", "ReleaseMutex",
-                     "CloseHandle of the mutex"}));
+    Lines steps = {"PropertySheetW", "adb kill-server"};
+    steps.insert(steps.end(), kTeardown.begin(), kTeardown.end());
+    EXPECT_EQ(JournalOf(steps), steps);
     EXPECT_TRUE(is_empty(WorkingFolder()));
 }
 
@@ -210,74 +217,61 @@ TEST_F(WinMain, ARunningInstanceIsBroughtToTheFrontWithoutAWord)
 {
     const HWND hwnd = reinterpret_cast<HWND>(0x5150);
     const REPLACED(CreateMutexW) createMutex(Returns(hMutex, ERROR_ALREADY_EXISTS));
-    const REPLACED(FindWindowW) findWindow(Returns(hwnd));
-    EXPECT_EQ(Run(), 0);
-    EXPECT_EQ(Journal(), (Lines{"CreateMutexW", "CloseHandle of the mutex", "FindWindowW", "SetForegroundWindow"}));
-    EXPECT_EQ(findWindow.Arg<0>(), L"(null)");
-    EXPECT_EQ(findWindow.Arg<1>(), strTitle);
+    const REPLACED(FindWindowW) findWindow(InTurn(Returns(hwnd), Returns(HWND(nullptr))));
+    ExpectOnly({"CreateMutexW", "CloseHandle of the mutex", "FindWindowW", "SetForegroundWindow"});
+    EXPECT_EQ(findWindow.Arguments(), std::tuple(L"(null)", strTitle));
     EXPECT_EQ(m_foreground.Arg<0>(), hwnd);
-}
-
-TEST_F(WinMain, ARunningInstanceWithoutWindowIsLeftAlone)
-{
-    const REPLACED(CreateMutexW) createMutex(Returns(hMutex, ERROR_ALREADY_EXISTS));
-    EXPECT_EQ(Run(), 0);
-    EXPECT_EQ(Journal(), (Lines{"CreateMutexW", "CloseHandle of the mutex", "FindWindowW"}));
+    // Without a window there is nothing to bring.
+    ExpectOnly({"CreateMutexW", "CloseHandle of the mutex", "FindWindowW"});
 }
 
 TEST_F(WinMain, AMutexThatCannotBeMadeCountsAsARunningInstance)
 {
-    const REPLACED(CreateMutexW) createMutex(Returns(HANDLE(nullptr), ERROR_ACCESS_DENIED));
     const REPLACED(FindWindowW) findWindow(Returns(reinterpret_cast<HWND>(0x5150)));
-    EXPECT_EQ(Run(), 0);
-    EXPECT_EQ(Journal(), (Lines{"CreateMutexW", "FindWindowW", "SetForegroundWindow"}));
+    for (const DWORD dwError : {ERROR_ACCESS_DENIED, ERROR_SUCCESS, ERROR_ALREADY_EXISTS}) {
+        const REPLACED(CreateMutexW) createMutex(Returns(HANDLE(nullptr), dwError));
+        const REPLACED(CloseHandle) close(Never());
+        ExpectOnly({"CreateMutexW", "FindWindowW", "SetForegroundWindow"});
+    }
 }
 
 TEST_F(WinMain, AnOlderWindowsIsRefused)
 {
     const REPLACED(VerifyVersionInfoW) verify(Returns(FALSE, ERROR_OLD_WIN_VERSION));
-    EXPECT_EQ(Run(), 0);
-    const std::wstring strText =
-        L"This application requires Windows 10 Version 2004 (build 19041) or newer.  Please update Windows on you "
-        L"computer.";
-    ExpectBox(strText, strTitle);
-    EXPECT_EQ(Journal(), (Lines{"CreateMutexW", "VerifyVersionInfoW", "box \"" + Narrow(strText) + '"', "ReleaseMutex",
-                                "CloseHandle of the mutex"}));
+    ExpectToldAndEnded(L"This application requires Windows 10 Version 2004 (build 19041) or newer.  Please update "
+                       L"Windows on you computer.",
+                       {"ReleaseMutex", "CloseHandle of the mutex"});
 }
 
+// It is left all the same.
 TEST_F(WinMain, AFailedStartOfComIsTold)
 {
-    const REPLACED(CoInitializeEx) comStart(Returns(HRESULT(E_OUTOFMEMORY)));
-    EXPECT_EQ(Run(), 0);
-    ExpectBox(L"Unable to initalize COM Library", strTitle);
-    EXPECT_EQ(Journal(),
-              (Lines{"CreateMutexW", "VerifyVersionInfoW", "CoInitializeEx", "box \"Unable to initalize COM Library\"",
-                     "CoUninitialize", "ReleaseMutex", "CloseHandle of the mutex"}));
+    for (const HRESULT hr : {E_OUTOFMEMORY, RPC_E_CHANGED_MODE}) {
+        const REPLACED(CoInitializeEx) comStart(Returns(hr));
+        ExpectToldAndEnded(L"Unable to initalize COM Library",
+                           {"CoUninitialize", "ReleaseMutex", "CloseHandle of the mutex"});
+        Journal().clear();
+    }
 }
 
 TEST_F(WinMain, AFailedStartOfTheSocketsIsTold)
 {
     const REPLACED(WSAStartup) socketStart(Returns(int(WSAVERNOTSUPPORTED)));
-    EXPECT_EQ(Run(), 0);
-    ExpectBox(L"Unable to start WinSock Library", strTitle);
-    EXPECT_EQ(Journal(), (Lines{"CreateMutexW", "VerifyVersionInfoW", "CoInitializeEx", "WSAStartup",
-                                "box \"Unable to start WinSock Library\"", "CoUninitialize", "ReleaseMutex",
-                                "CloseHandle of the mutex"}));
+    ExpectToldAndEnded(L"Unable to start WinSock Library",
+                       {"CoUninitialize", "ReleaseMutex", "CloseHandle of the mutex"});
 }
 
 TEST_F(WinMain, AnUnknownPathOfItsOwnIsTold)
 {
     const REPLACED(QueryFullProcessImageNameW) imageName(Returns(FALSE, ERROR_ACCESS_DENIED));
-    EXPECT_EQ(Run(), 0);
-    ExpectErrorExit(L"Unable to initalize Application Path");
+    ExpectToldAndEnded(L"Unable to initalize Application Path");
     EXPECT_EQ(m_knownFolder.Calls(), 0u);
 }
 
 TEST_F(WinMain, PathsThatAreSetAlreadyAreTold)
 {
     CKalvoApkInstaller::GetInstance().m_bInitialized = TRUE;
-    EXPECT_EQ(Run(), 0);
-    ExpectErrorExit(L"Unable to initalize Application Path");
+    ExpectToldAndEnded(L"Unable to initalize Application Path");
 }
 
 TEST_F(WinMain, AnUnknownUsersFolderEndsTheProcessWithoutTeardown)
@@ -292,8 +286,7 @@ TEST_F(WinMain, AnUnknownUsersFolderEndsTheProcessWithoutTeardown)
 TEST_F(WinMain, ToolsThatAreInitialisedAlreadyAreTold)
 {
     CPlatformTools::GetInstance().m_bInitialized = TRUE;
-    EXPECT_EQ(Run(), 0);
-    ExpectErrorExit(L"Unable to initalize Platform Tools");
+    ExpectToldAndEnded(L"Unable to initalize Platform Tools");
     EXPECT_FALSE(exists(WorkingFolder()));
 }
 
@@ -302,71 +295,56 @@ TEST_F(WinMain, AFailedDeploymentIsTold)
     create_directories(WorkingFolder() / "platform-tools_kalvo.zip"); // a folder where the archive goes
     EXPECT_EQ(Run(), 0);
     EXPECT_EQ(TakeBox().strCaption, L"Error");
-    ExpectErrorExit(L"Unable to install Platform Tools");
+    ExpectToldLast(L"Unable to install Platform Tools");
     EXPECT_EQ(m_propertySheet.Calls(), 0u);
 }
 
+// Whether they could be removed does not matter.
 TEST_F(WinMainWithAdb, LeftOverToolsAreRemovedBeforeTheNewOnesAreWritten)
 {
-    create_directories(AdbExe().parent_path());
-    WriteTextFile(AdbExe(), "old");
-    WriteTextFile(AdbExe().parent_path() / "stale.txt", "old");
-    WriteTextFile(WorkingFolder() / "platform-tools_other.zip", "old");
-    m_adb.Prints("cannot connect to daemon at tcp:5037: refused\r\n").Prints("");
     m_adb.WhenItRuns([this](size_t nRun) {
-        if (nRun == 0) {
+        if (nRun % 2 == 0) {
             EXPECT_EQ(ReadTextFile(AdbExe()), "old");
         }
     });
-    EXPECT_EQ(Run(), 0);
-    const Lines steps = {"adb kill-server", "SHFileOperationW", "SHCreateDirectoryExW", "PropertySheetW"};
-    EXPECT_EQ(JournalOf(steps), (Lines{"adb kill-server", "SHFileOperationW", "SHCreateDirectoryExW", "PropertySheetW",
-                                       "adb kill-server", "SHFileOperationW"}));
-    EXPECT_TRUE(m_bToolsThere);
-    EXPECT_TRUE(is_empty(WorkingFolder()));
+    for (const char* pszFirstAnswer : {"cannot connect to daemon at tcp:5037: refused\r\n", "what?\r\n"}) {
+        SCOPED_TRACE(pszFirstAnswer);
+        Forget();
+        Journal().clear();
+        LeaveTools();
+        m_adb.Prints(pszFirstAnswer).Prints("");
+        EXPECT_EQ(Run(), 0);
+        EXPECT_EQ(JournalOf({"adb kill-server", "SHFileOperationW", "SHCreateDirectoryExW", "PropertySheetW"}),
+                  (Lines{"adb kill-server", "SHFileOperationW", "SHCreateDirectoryExW", "PropertySheetW",
+                         "adb kill-server", "SHFileOperationW"}));
+        EXPECT_EQ(JournalOf(kTeardown), kTeardown);
+        EXPECT_TRUE(m_bToolsThere);
+        EXPECT_TRUE(is_empty(WorkingFolder()));
+    }
 }
 
-TEST_F(WinMainWithAdb, WhetherLeftOverToolsCouldBeRemovedDoesNotMatter)
-{
-    create_directories(AdbExe().parent_path());
-    WriteTextFile(AdbExe(), "old");
-    m_adb.Prints("what?\r\n").Prints("");
-    EXPECT_EQ(Run(), 0);
-    EXPECT_TRUE(m_bToolsThere);
-    EXPECT_EQ(JournalOf(kTeardown), kTeardown);
-}
-
-TEST_F(WinMain, AFolderOfToolsWithoutAdbIsNoLeftOver)
-{
-    create_directories(AdbExe().parent_path());
-    const REPLACED(PropertySheetW) propertySheet(Returns(INT_PTR(-1)));
-    EXPECT_EQ(Run(), 0); // without any run of adb
-    TakeBox();
-    EXPECT_TRUE(ToolsAreThere());
-}
-
+// A folder of tools without it is no left-over: adb does not run.
 TEST_F(WinMain, LooksForLeftOversAtThePathOfAdb)
 {
-    const REPLACED(PathFileExistsW) fileExists(Returns(FALSE));
+    create_directories(AdbExe().parent_path());
+    const REPLACED(PathFileExistsW) fileExists;
+    const REPLACED(CreateProcessW) run(Never());
     m_nWizardResult = -1;
-    EXPECT_EQ(Run(), 0);
-    TakeBox();
+    ExpectToldAndEnded(L"A Property Sheet error has occurred");
     EXPECT_EQ(fileExists.Arg<0>(), AdbExe().wstring());
 }
 
 TEST_F(WinMain, AFailedWizardIsToldAndTheToolsStay)
 {
     m_nWizardResult = -1;
-    EXPECT_EQ(Run(), 0);
-    ExpectErrorExit(L"A Property Sheet error has occurred");
+    ExpectToldAndEnded(L"A Property Sheet error has occurred");
     EXPECT_TRUE(ToolsAreThere());
 }
 
 TEST_F(WinMainWithAdb, AFailedRemovalIsTold)
 {
     m_adb.Prints("something else\r\n");
-    EXPECT_EQ(Run(), 0);
-    ExpectErrorExit(L"Unable to unistall Platform Tools");
+    ExpectToldAndEnded(L"Unable to unistall Platform Tools");
     EXPECT_TRUE(is_empty(WorkingFolder())); // what could be removed is
 }
 
@@ -374,8 +352,7 @@ TEST_F(WinMainWithAdb, ARemovalWithoutFolderIsToldOnce)
 {
     m_adb.Prints("");
     const REPLACED(SHFileOperationW) deleteFolder(Returns(2));
-    EXPECT_EQ(Run(), 0);
-    ExpectErrorExit(L"Unable to unistall Platform Tools");
+    ExpectToldAndEnded(L"Unable to unistall Platform Tools");
 }
 
 TEST_F(WinMainWithAdb, AFolderThatCannotBeDeletedEndsTheProcessWithoutTeardown)

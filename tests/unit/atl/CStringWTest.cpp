@@ -47,28 +47,18 @@ TEST(CStringW, IsOnePointerThatPointsAtItsCharacters)
     EXPECT_STREQ(L"watch", pszInside);
 }
 
-TEST(CStringW, IsEmptyToBeginWith)
+TEST(CStringW, IsMadeOfNothingOrOfAPlainStringUpToItsNul)
 {
-    const CStringW str;
-    EXPECT_TRUE(str.IsEmpty());
-    EXPECT_EQ(0, str.GetLength());
-    ASSERT_NE(nullptr, str.GetString());
-    EXPECT_STREQ(L"", str);
-}
-
-TEST(CStringW, TakesAPlainStringUpToItsNul)
-{
+    for (const CStringW& str : {CStringW(), CStringW(static_cast<PCWSTR>(nullptr))}) {
+        EXPECT_TRUE(str.IsEmpty());
+        EXPECT_EQ(0, str.GetLength());
+        ASSERT_NE(nullptr, str.GetString());
+        EXPECT_STREQ(L"", str);
+    }
     const CStringW str(L"wa\0tch");
     EXPECT_EQ(2, str.GetLength());
     EXPECT_STREQ(L"wa", str);
     EXPECT_FALSE(str.IsEmpty());
-}
-
-TEST(CStringW, TakesANullPointerForAnEmptyString)
-{
-    const CStringW str(static_cast<PCWSTR>(nullptr));
-    EXPECT_TRUE(str.IsEmpty());
-    EXPECT_STREQ(L"", str);
 }
 
 TEST(CStringW, SharesItsCharactersWithItsCopies)
@@ -92,55 +82,35 @@ TEST(CStringW, KeepsSharedCharactersAliveForTheLastOfTheSharers)
     EXPECT_STREQ(L"outlived", strLast);
 }
 
-// Each way of changing a string, tried on one that shares its characters.
-class ChangedSharer : public testing::Test
+// A way of changing a string.
+struct Change
 {
-protected:
-    CStringW m_strOriginal = Own(L"Solvane ");
-    CStringW m_str = m_strOriginal;
-
-    void ExpectChangedAlone(PCWSTR pszChanged)
-    {
-        EXPECT_STREQ(pszChanged, m_str);
-        EXPECT_STREQ(L"Solvane ", m_strOriginal);
-        EXPECT_NE(m_strOriginal.GetString(), m_str.GetString());
-    }
+    PCSTR pszName;
+    void (*pfnChange)(CStringW& str);
+    PCWSTR pszChanged;
 };
 
-TEST_F(ChangedSharer, LeavesTheOthersAloneByAppendChar)
-{
-    m_str.AppendChar(L'2');
-    ExpectChangedAlone(L"Solvane 2");
-}
+constexpr Change kChanges[] = {
+    {"AppendChar", [](CStringW& str) { str.AppendChar(L'2'); }, L"Solvane 2"},
+    {"GetBuffer", [](CStringW& str) { str.GetBuffer()[1] = L'a'; }, L"Salvane "},
+    {"Assignment", [](CStringW& str) { str = L"other"; }, L"other"},
+    {"Empty", [](CStringW& str) { str.Empty(); }, L""},
+    {"Format", [](CStringW& str) { str.Format(L"%d", 7); }, L"7"},
+    {"LoadString", [](CStringW& str) { str.LoadStringW(IDS_APPLICATION_TITLE); }, kTitle},
+    {"PartOfItself", [](CStringW& str) { str = str.GetString() + 3; }, L"vane "},
+};
 
-TEST_F(ChangedSharer, LeavesTheOthersAloneByGetBuffer)
+TEST(CStringW, LeavesItsSharersAloneHoweverItIsChanged)
 {
-    m_str.GetBuffer()[1] = L'a';
-    ExpectChangedAlone(L"Salvane ");
-}
-
-TEST_F(ChangedSharer, LeavesTheOthersAloneByAssignment)
-{
-    m_str = L"other";
-    ExpectChangedAlone(L"other");
-}
-
-TEST_F(ChangedSharer, LeavesTheOthersAloneByEmpty)
-{
-    m_str.Empty();
-    ExpectChangedAlone(L"");
-}
-
-TEST_F(ChangedSharer, LeavesTheOthersAloneByFormat)
-{
-    m_str.Format(L"%d", 7);
-    ExpectChangedAlone(L"7");
-}
-
-TEST_F(ChangedSharer, LeavesTheOthersAloneByLoadString)
-{
-    ASSERT_TRUE(m_str.LoadStringW(IDS_APPLICATION_TITLE));
-    ExpectChangedAlone(kTitle);
+    for (const Change& change : kChanges) {
+        SCOPED_TRACE(change.pszName);
+        const CStringW strOriginal = Own(L"Solvane ");
+        CStringW str = strOriginal;
+        change.pfnChange(str);
+        EXPECT_STREQ(change.pszChanged, str);
+        EXPECT_STREQ(L"Solvane ", strOriginal);
+        EXPECT_NE(strOriginal.GetString(), str.GetString());
+    }
 }
 
 TEST(CStringW, WritesInPlaceWhenNobodyShares)
@@ -191,7 +161,7 @@ TEST(CStringW, LeavesAMovedFromStringEmpty)
     EXPECT_STREQ(L"moved", strAssigned);
 }
 
-TEST(CStringW, SurvivesAssignmentToItself)
+TEST(CStringW, SurvivesAssignmentOfItselfAndOfAPartOfIt)
 {
     CStringW str = Own(L"myself");
     CStringW& strSame = str;
@@ -202,31 +172,8 @@ TEST(CStringW, SurvivesAssignmentToItself)
     str = str.GetString();
     EXPECT_STREQ(L"myself", str);
     EXPECT_EQ(6, str.GetLength());
-}
-
-TEST(CStringW, TakesAPartOfItself)
-{
-    CStringW str = Own(L"platform-tools");
-    str = str.GetString() + 9;
-    EXPECT_STREQ(L"tools", str);
-}
-
-TEST(CStringW, TakesAPartOfItselfWhileItShares)
-{
-    CStringW str = Own(L"platform-tools");
-    const CStringW strCopy(str);
-    str = str.GetString() + 9;
-    EXPECT_STREQ(L"tools", str);
-    EXPECT_STREQ(L"platform-tools", strCopy);
-}
-
-TEST(CStringW, IsAssignedAPlainString)
-{
-    CStringW str;
-    str = L"port";
-    EXPECT_STREQ(L"port", str);
-    str = static_cast<PCWSTR>(nullptr);
-    EXPECT_TRUE(str.IsEmpty());
+    str = str.GetString() + 2;
+    EXPECT_STREQ(L"self", str);
 }
 
 TEST(CStringW, AppendsNuls)
@@ -255,14 +202,19 @@ TEST(CStringW, GrowsFromManySmallPieces)
     EXPECT_EQ(expected, str.GetString());
 }
 
-TEST(CStringW, EmptiesItself)
+TEST(CStringW, IsAssignedAPlainStringOrEmptied)
 {
-    CStringW str = Own(L"full");
-    str.Empty();
+    CStringW str;
+    str = L"port";
+    EXPECT_STREQ(L"port", str);
+    str = static_cast<PCWSTR>(nullptr);
     EXPECT_TRUE(str.IsEmpty());
-    EXPECT_STREQ(L"", str);
-    str.Empty();
-    EXPECT_TRUE(str.IsEmpty());
+    str = L"full";
+    for (int i = 0; i < 2; i++) {
+        str.Empty();
+        EXPECT_TRUE(str.IsEmpty());
+        EXPECT_STREQ(L"", str);
+    }
 }
 
 TEST(CStringW, LeavesOtherEmptyStringsEmptyWhenOneIsWrittenTo)
@@ -275,7 +227,7 @@ TEST(CStringW, LeavesOtherEmptyStringsEmptyWhenOneIsWrittenTo)
     EXPECT_EQ(0, CStringW().GetLength());
 }
 
-TEST(CStringW, KeepsItsTextInALargerBuffer)
+TEST(CStringW, KeepsItsTextInALargerBufferOrASmallerOne)
 {
     CStringW str = Own(L"text");
     const PWSTR pszBuffer = str.GetBuffer(5000);
@@ -284,11 +236,7 @@ TEST(CStringW, KeepsItsTextInALargerBuffer)
     str.ReleaseBufferSetLength(5000);
     EXPECT_EQ(5000, str.GetLength());
     EXPECT_EQ(std::wstring(5000, L'y'), str.GetString());
-}
-
-TEST(CStringW, KeepsItsTextWhenTheBufferAskedForIsSmaller)
-{
-    CStringW str = Own(L"longer");
+    str = Own(L"longer");
     EXPECT_STREQ(L"longer", str.GetBuffer(1));
     const CStringW strCopy(str);
     EXPECT_STREQ(L"longer", str.GetBuffer(1)) << "also when the buffer is a new one";
@@ -337,31 +285,17 @@ TEST(CStringW, FormatsNumbersTextsAndCharacters)
     EXPECT_TRUE(str.IsEmpty());
 }
 
-TEST(CStringW, FormatsAnotherStringAsItIs)
+TEST(CStringW, FormatsAnotherStringAsItIsOverALongerOrAShorterText)
 {
     const CStringW strTitle(L"Solvane");
-    CStringW str;
+    CStringW str(L"a rather long text that was there before");
     str.Format(L"%s\n\n%s|%5s|", strTitle, CStringW(L"temporary"), CStringW(L"ab"));
     EXPECT_STREQ(L"Solvane\n\ntemporary|   ab|", str);
-}
-
-TEST(CStringW, FormatsTextsOfAnyLength)
-{
+    EXPECT_EQ(25, str.GetLength());
     const CStringW strLong(std::wstring(200000, L'n').c_str());
-    CStringW str;
     str.Format(L"<%s%s>", strLong, strLong);
     ASSERT_EQ(400002, str.GetLength());
     EXPECT_EQ(L"<" + std::wstring(400000, L'n') + L">", str.GetString());
-}
-
-TEST(CStringW, FormatsOverAnOldTextWhetherLongerOrShorter)
-{
-    CStringW str(L"a rather long text that was there before");
-    str.Format(L"%d", 1);
-    EXPECT_STREQ(L"1", str);
-    EXPECT_EQ(1, str.GetLength());
-    str.Format(L"%s", L"and now another long text");
-    EXPECT_STREQ(L"and now another long text", str);
 }
 
 #ifndef __ATLSTR_H__ // the platform's class does not promise it
@@ -373,17 +307,12 @@ TEST(CStringW, FormatsItself)
 }
 #endif
 
-TEST(CStringW, LoadsAStringOfTheExecutable)
+TEST(CStringW, LoadsAStringOfTheExecutableWhole)
 {
     CStringW str(L"old text");
     EXPECT_EQ(TRUE, str.LoadStringW(IDS_APPLICATION_TITLE));
     EXPECT_STREQ(kTitle, str);
     EXPECT_EQ(static_cast<int>(wcslen(kTitle)), str.GetLength());
-}
-
-TEST(CStringW, LoadsALongStringWhole)
-{
-    CStringW str;
     ASSERT_EQ(TRUE, str.LoadStringW(IDS_WIRELESS_DEBUGGING_ON_BODY));
     EXPECT_EQ(858, str.GetLength());
     EXPECT_STREQ(L"same network as your computer.", str.GetString() + 828);
@@ -393,7 +322,6 @@ TEST(CStringW, StaysAsItWasWhenAStringIsNotThere)
 {
     CStringW str(L"kept");
     EXPECT_EQ(FALSE, str.LoadStringW(kAbsentID));
-    EXPECT_STREQ(L"kept", str);
     EXPECT_EQ(FALSE, str.LoadStringW(IDS_APPLICATION_TITLE - 1)) << "a block that is there, an entry that is not";
     EXPECT_STREQ(L"kept", str);
 }

@@ -36,14 +36,6 @@ auto RouteOver(PCWSTR pszGateway)
     };
 }
 
-std::wstring SystemDescription(DWORD dwCode)
-{
-    WCHAR szText[512] = {};
-    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, dwCode, 0, szText, 512,
-                   nullptr);
-    return szText;
-}
-
 class Gateway : public Test
 {
 protected:
@@ -59,46 +51,29 @@ protected:
         return CWinSockHelper::GetDefaultGateway(m_szGateway);
     }
 
-    std::optional<UINT> ExitCode()
-    {
-        return ExitCodeOf([this] { Get(); });
-    }
-
     void ExpectUntouched() const
     {
         EXPECT_EQ(std::wstring(m_szGateway, 16), std::wstring(16, L'?'));
     }
 
     WCHAR m_szGateway[16];
+    REPLACED(GetBestInterfaceEx) m_interfaceTo { Maybe(FindInterface) };
 
 private:
     Sockets m_sockets;
 };
 
+// The longest address fills the buffer. Without a gateway between this computer and the destination the next hop is no
+// address, which is a text like any.
 TEST_F(Gateway, IsTheNextHopOfTheRouteToTheInternet)
 {
-    const REPLACED(GetBestInterfaceEx) interfaceTo(FindInterface);
-    const REPLACED(GetBestRoute2) route(RouteOver(L"192.168.1.1"));
-    EXPECT_EQ(Get(), TRUE);
-    EXPECT_STREQ(m_szGateway, L"192.168.1.1");
-    EXPECT_EQ(Journal(), (Lines{"GetBestInterfaceEx", "GetBestRoute2"}));
-}
-
-TEST_F(Gateway, OfTheLongestAddressFillsTheBuffer)
-{
-    const REPLACED(GetBestInterfaceEx) interfaceTo(FindInterface);
-    const REPLACED(GetBestRoute2) route(RouteOver(L"255.255.255.255"));
-    EXPECT_EQ(Get(), TRUE);
-    EXPECT_STREQ(m_szGateway, L"255.255.255.255");
-}
-
-// Without a gateway between this computer and the destination the next hop is no address, which is a text like any.
-TEST_F(Gateway, MayBeNoAddressAtAll)
-{
-    const REPLACED(GetBestInterfaceEx) interfaceTo(FindInterface);
-    const REPLACED(GetBestRoute2) route(RouteOver(L"0.0.0.0"));
-    EXPECT_EQ(Get(), TRUE);
-    EXPECT_STREQ(m_szGateway, L"0.0.0.0");
+    for (const PCWSTR pszGateway : {L"192.168.1.1", L"255.255.255.255", L"0.0.0.0"}) {
+        Journal().clear();
+        const REPLACED(GetBestRoute2) route(RouteOver(pszGateway));
+        EXPECT_EQ(Get(), TRUE);
+        EXPECT_STREQ(m_szGateway, pszGateway);
+        EXPECT_EQ(Journal(), (Lines{"GetBestInterfaceEx", "GetBestRoute2"}));
+    }
 }
 
 // The system fills the row as it is documented, whatever the header at hand makes of it; the answers of these tests
@@ -166,97 +141,67 @@ TEST_F(Gateway, IsAskedForTowardOneFixedAddress)
 TEST_F(Gateway, IsUnknownWhenTheDestinationCannotBeConverted)
 {
     const REPLACED(WSAStringToAddressW) convert(Returns(INT(SOCKET_ERROR), WSAEINVAL));
-    REPLACED(GetBestInterfaceEx) interfaceTo;
-    REPLACED(GetBestRoute2) route;
-    interfaceTo.Optional();
-    route.Optional();
+    const REPLACED(GetBestRoute2) route(Never());
     EXPECT_EQ(Get(), FALSE);
     ExpectUntouched();
-    EXPECT_EQ(interfaceTo.Calls() + route.Calls(), 0u);
+    EXPECT_EQ(m_interfaceTo.Calls(), 0u);
 }
 
 TEST_F(Gateway, IsUnknownWhenItsAddressHasNoText)
 {
-    const REPLACED(GetBestInterfaceEx) interfaceTo(FindInterface);
     const REPLACED(GetBestRoute2) route(RouteOver(L"192.168.1.1"));
     const REPLACED(InetNtopW) text(Returns(PCWSTR(nullptr)));
     EXPECT_EQ(Get(), FALSE);
     ExpectUntouched();
 }
 
+// What one of the two calls returns, and what is told of it: a text, or else the last error in place of the result.
 struct Failure
 {
+    bool bRoute;
     DWORD dwResult;
-    PCWSTR pszDetail;
+    PCWSTR pszDetail = nullptr;
 };
 
-class GatewayInterfaceFailure : public Gateway, public testing::WithParamInterface<Failure>
+constexpr PCWSTR kNoInterface = L"The network interface could not be found, e.g. Wi-Fi turned off.";
+constexpr PCWSTR kNoIpv4 = L"IPv4 is not available on the local computer";
+constexpr PCWSTR kInvalid = L"Invalid parameter passed";
+constexpr Failure kFailures[] = {
+    {false, 50, kNoIpv4},    {false, 87, kInvalid},      {false, 1003, L"The operation could not be completed"},
+    {true, 2, kNoInterface}, {true, 1168, kNoInterface}, {true, 50, kNoIpv4},
+    {true, 87, kInvalid},
+};
+constexpr Failure kOtherFailures[] = {
+    {false, 1}, {false, 2}, {false, 8}, {false, 49},  {false, 86},  {false, 1002}, {false, 1168},
+    {true, 1},  {true, 3},  {true, 8},  {true, 1003}, {true, 1167}, {true, 1231},  {false, 1231},
+};
+
+class GatewayFailure : public Gateway, public testing::WithParamInterface<Failure>
 {
 };
 
-TEST_P(GatewayInterfaceFailure, EndsTheProcessWithItsText)
+TEST_P(GatewayFailure, EndsTheProcessWithItsTextOrTheLastError)
 {
-    const REPLACED(GetBestInterfaceEx) interfaceTo(Returns(GetParam().dwResult, 4711));
-    REPLACED(GetBestRoute2) route;
-    route.Optional();
-    EXPECT_EQ(ExitCode(), 1u);
-    ExpectBox(std::wstring(L"CWinSockHelper::GetDefaultGateway()\n") + GetParam().pszDetail, L"Error");
-    EXPECT_EQ(route.Calls(), 0u);
+    const auto& [bRoute, dwResult, pszDetail] = GetParam();
+    const REPLACED(GetBestInterfaceEx) interfaceTo([&](SOCKADDR* pDestination, DWORD* pdwIndex) {
+        SetLastError(ERROR_ACCESS_DENIED);
+        return bRoute ? FindInterface(pDestination, pdwIndex) : dwResult;
+    });
+    const REPLACED(GetBestRoute2) route(Maybe(Returns(dwResult, ERROR_ACCESS_DENIED)));
+    EXPECT_EQ(ExitCodeOf([this] { Get(); }), pszDetail != nullptr ? 1u : 5u);
+    const std::wstring strCall = L"CWinSockHelper::GetDefaultGateway()";
+    ExpectBox(strCall + (pszDetail != nullptr ? std::wstring(L"\n") + pszDetail
+                                              : L" failed with error 5: " + SystemDescription(5)),
+              L"Error");
+    EXPECT_EQ(route.Calls(), bRoute ? 1u : 0u);
     ExpectUntouched();
 }
 
-INSTANTIATE_TEST_SUITE_P(Known, GatewayInterfaceFailure,
-                         testing::Values(Failure{50, L"IPv4 is not available on the local computer"},
-                                         Failure{87, L"Invalid parameter passed"},
-                                         Failure{1003, L"The operation could not be completed"}));
-
-class GatewayRouteFailure : public Gateway, public testing::WithParamInterface<Failure>
-{
+constexpr auto kByCall = [](const auto& info) {
+    return (info.param.bRoute ? "GetBestRoute2Returns" : "GetBestInterfaceExReturns") +
+           std::to_string(info.param.dwResult);
 };
-
-TEST_P(GatewayRouteFailure, EndsTheProcessWithItsText)
-{
-    const REPLACED(GetBestInterfaceEx) interfaceTo(FindInterface);
-    const REPLACED(GetBestRoute2) route(Returns(GetParam().dwResult, 4711));
-    EXPECT_EQ(ExitCode(), 1u);
-    ExpectBox(std::wstring(L"CWinSockHelper::GetDefaultGateway()\n") + GetParam().pszDetail, L"Error");
-    ExpectUntouched();
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Known, GatewayRouteFailure,
-    testing::Values(Failure{2, L"The network interface could not be found, e.g. Wi-Fi turned off."},
-                    Failure{1168, L"The network interface could not be found, e.g. Wi-Fi turned off."},
-                    Failure{50, L"IPv4 is not available on the local computer"},
-                    Failure{87, L"Invalid parameter passed"}));
-
-class GatewayInterfaceOtherFailure : public Gateway, public testing::WithParamInterface<DWORD>
-{
-};
-
-TEST_P(GatewayInterfaceOtherFailure, EndsTheProcessWithTheLastErrorAndNotTheResult)
-{
-    const REPLACED(GetBestInterfaceEx) interfaceTo(Returns(GetParam(), ERROR_ACCESS_DENIED));
-    EXPECT_EQ(ExitCode(), 5u);
-    ExpectBox(L"CWinSockHelper::GetDefaultGateway() failed with error 5: " + SystemDescription(5), L"Error");
-    ExpectUntouched();
-}
-
-INSTANTIATE_TEST_SUITE_P(Any, GatewayInterfaceOtherFailure, testing::Values(1, 2, 8, 49, 86, 1002, 1168, 1231));
-
-class GatewayRouteOtherFailure : public Gateway, public testing::WithParamInterface<DWORD>
-{
-};
-
-TEST_P(GatewayRouteOtherFailure, EndsTheProcessWithTheLastErrorAndNotTheResult)
-{
-    const REPLACED(GetBestInterfaceEx) interfaceTo(FindInterface);
-    const REPLACED(GetBestRoute2) route(Returns(GetParam(), ERROR_ACCESS_DENIED));
-    EXPECT_EQ(ExitCode(), 5u);
-    ExpectBox(L"CWinSockHelper::GetDefaultGateway() failed with error 5: " + SystemDescription(5), L"Error");
-    ExpectUntouched();
-}
-
-INSTANTIATE_TEST_SUITE_P(Any, GatewayRouteOtherFailure, testing::Values(1, 3, 8, 1003, 1167, 1231));
+INSTANTIATE_TEST_SUITE_P(Known, GatewayFailure, testing::ValuesIn(kFailures), kByCall);
+INSTANTIATE_TEST_SUITE_P(Other, GatewayFailure, testing::ValuesIn(kOtherFailures), kByCall);
 
 } // namespace

@@ -4,6 +4,7 @@
 #include <miniz.h>
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -17,82 +18,46 @@ struct ZipEntry
     bool bSizeMissing = false; // the record announces a size elsewhere and does not give it
 };
 
-class StoredZip
+struct ZipField
 {
-public:
-    explicit StoredZip(const std::vector<ZipEntry>& entries)
-    {
-        for (const ZipEntry& entry : entries) {
-            const auto nOffset = static_cast<uint32_t>(m_bytes.size());
-            Put32(m_bytes, 0x04034b50);
-            Put16(m_bytes, 20);
-            PutCommon(m_bytes, entry, false);
-            m_bytes += entry.strName + entry.strText;
-            PutRecord(entry, nOffset);
-        }
-        const auto nRecords = static_cast<uint32_t>(m_bytes.size());
-        m_bytes += m_records;
-        Put32(m_bytes, 0x06054b50);
-        Put32(m_bytes, 0);
-        Put16(m_bytes, static_cast<uint16_t>(entries.size()));
-        Put16(m_bytes, static_cast<uint16_t>(entries.size()));
-        Put32(m_bytes, static_cast<uint32_t>(m_records.size()));
-        Put32(m_bytes, nRecords);
-        Put16(m_bytes, 0);
-    }
-
-    const std::string& Bytes() const
-    {
-        return m_bytes;
-    }
-
-private:
-    static void Put16(std::string& str, uint16_t n)
-    {
-        str += static_cast<char>(n & 0xFF);
-        str += static_cast<char>(n >> 8);
-    }
-
-    static void Put32(std::string& str, uint32_t n)
-    {
-        Put16(str, static_cast<uint16_t>(n & 0xFFFF));
-        Put16(str, static_cast<uint16_t>(n >> 16));
-    }
-
-    // Flags to extra length, as they stand in both the entry's own header and its record.
-    static void PutCommon(std::string& str, const ZipEntry& entry, bool bRecord)
-    {
-        const auto* pText = reinterpret_cast<const unsigned char*>(entry.strText.data());
-        const auto nCrc = static_cast<uint32_t>(mz_crc32(MZ_CRC32_INIT, pText, entry.strText.size()));
-        const auto nSize = static_cast<uint32_t>(entry.strText.size());
-        const bool bSizeMissing = bRecord && entry.bSizeMissing;
-        Put16(str, 0);
-        Put16(str, 0);
-        Put32(str, 0x00210000); // the first of January 1980
-        Put32(str, nCrc ^ entry.nCrcError);
-        Put32(str, bSizeMissing ? 0xFFFFFFFF : nSize);
-        Put32(str, bSizeMissing ? 0xFFFFFFFF : nSize);
-        Put16(str, static_cast<uint16_t>(entry.strName.size()));
-        Put16(str, bSizeMissing ? 4 : 0);
-    }
-
-    void PutRecord(const ZipEntry& entry, uint32_t nOffset)
-    {
-        Put32(m_records, 0x02014b50);
-        Put16(m_records, entry.nVersionMadeBy);
-        Put16(m_records, 20);
-        PutCommon(m_records, entry, true);
-        Put16(m_records, 0);
-        Put16(m_records, 0);
-        Put16(m_records, 0);
-        Put32(m_records, entry.nAttributes);
-        Put32(m_records, nOffset);
-        m_records += entry.strName;
-        if (entry.bSizeMissing) {
-            Put32(m_records, 1); // an empty field for the sizes
-        }
-    }
-
-    std::string m_bytes;
-    std::string m_records;
+    int cb;
+    size_t nValue;
 };
+
+inline std::string ZipBytes(std::initializer_list<ZipField> fields)
+{
+    std::string strBytes;
+    for (const ZipField& field : fields) {
+        for (int n = 0; n < field.cb; ++n) {
+            strBytes += static_cast<char>((field.nValue >> (8 * n)) & 0xFF);
+        }
+    }
+    return strBytes;
+}
+
+// Flags to extra length, as they stand in both an entry's own header and its record.
+inline std::string ZipCommon(const ZipEntry& entry, size_t cbText, size_t cbExtra)
+{
+    const auto* pText = reinterpret_cast<const unsigned char*>(entry.strText.data());
+    const size_t nCrc = mz_crc32(MZ_CRC32_INIT, pText, entry.strText.size()) ^ entry.nCrcError;
+    constexpr size_t nFirstOfJanuary1980 = 0x00210000;
+    return ZipBytes({{4, 0}, {4, nFirstOfJanuary1980}, {4, nCrc}, {4, cbText}, {4, cbText}}) +
+           ZipBytes({{2, entry.strName.size()}, {2, cbExtra}});
+}
+
+inline std::string StoredZip(const std::vector<ZipEntry>& entries)
+{
+    std::string strFiles;
+    std::string strRecords;
+    for (const ZipEntry& entry : entries) {
+        const size_t nOffset = strFiles.size();
+        const size_t cbText = entry.strText.size();
+        strFiles += ZipBytes({{4, 0x04034b50}, {2, 20}}) + ZipCommon(entry, cbText, 0) + entry.strName + entry.strText;
+        strRecords += ZipBytes({{4, 0x02014b50}, {2, entry.nVersionMadeBy}, {2, 20}});
+        strRecords += entry.bSizeMissing ? ZipCommon(entry, 0xFFFFFFFF, 4) : ZipCommon(entry, cbText, 0);
+        strRecords += ZipBytes({{6, 0}, {4, entry.nAttributes}, {4, nOffset}}) + entry.strName;
+        strRecords += entry.bSizeMissing ? ZipBytes({{4, 1}}) : ""; // an empty field for the sizes
+    }
+    return strFiles + strRecords + ZipBytes({{4, 0x06054b50}, {4, 0}, {2, entries.size()}, {2, entries.size()}}) +
+           ZipBytes({{4, strRecords.size()}, {4, strFiles.size()}, {2, 0}});
+}
