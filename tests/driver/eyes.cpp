@@ -7,12 +7,12 @@
 //                  the program is too busy to say it; an error for every other window.
 //   measure HANDLE FONT [TEXT]
 //                  the room that a control has for its text, the extent of the text and what is drawn of it
-//                  when nothing is cut; with TEXT, as if the control said that. See person/Measure.h.
+//                  when nothing is cut; with TEXT, as if the control said that. See driver/Measure.h.
 // The end of the input ends it.
+#include "driver/Json.h"
+#include "driver/Measure.h"
+#include "driver/Reading.h"
 #include "kit/Request.h"
-#include "person/Json.h"
-#include "person/Measure.h"
-#include "person/Reading.h"
 
 #include <windows.h>
 
