@@ -1,54 +1,56 @@
-"""What a failed test leaves for whoever reads it: the screen, the words of adb and of the watch; and what ended by a crash."""
+"""Tests that leave what explains their failure: the screen, the words of adb and of the watch; and what crashed."""
 
 import re
 import unittest
-from collections.abc import Callable, Iterable, Iterator
+from collections.abc import Callable, Iterable, Iterator, Mapping
 from contextlib import contextmanager
-from typing import Protocol
+from typing import Any, Protocol, TypeVar
 
-import hands
-import pictures
-from eyes import Eyes, View, Window
+from driver import guide, hands, looks, pixels
+from driver.eyes import View
+from driver.person import Person
+from driver.wizard import MessageBox
 
 # The last of what adb and the watch said. A whole run of the wizard says less.
 MOST_LINES = 60
 
+Owner = TypeVar("Owner", bound=type[unittest.TestCase])
+
+
+class Observable(Protocol):
+    """A run of the installer."""
+
+    @property
+    def said(self) -> str: ...
+
+    @property
+    def transcript(self) -> str: ...
+
 
 def describe_front(view: View) -> str:
     """What is in front, what has the keyboard, and what else is to be seen, from top to bottom."""
-    every = [window for top in view.windows for window in (top, *top.descendants())]
-    by_handle = {window.handle: window for window in every}
-    return "\n".join(
-        (
-            f"in front: {_name(by_handle.get(view.foreground), view.foreground)}",
-            f"with the keyboard: {_name(by_handle.get(view.focus), view.focus)}",
-            f"where the screen sends keys: {hands.keys_go_to()}",
-            *(f"on the screen: {_name(window, 0)}" for window in view.windows),
-        )
-    )
+    number, name = hands.keys_go_to()
+    parts = [f"in front: {_name(view, view.foreground)}", f"with the keyboard: {_name(view, view.focus)}"]
+    parts += [f"where the screen sends keys: {number} {name}"]
+    return "\n".join(parts + [f"on the screen: {_name(view, window.handle)}" for window in view.windows])
 
 
-def _name(window: Window | None, handle: int) -> str:
-    if not window:
+def _name(view: View, handle: int) -> str:
+    if not (window := view.window(handle)):
         return f"no window that is to be seen ({handle:#x})"
     text = " ".join(window.text.split())
     return f'{window.class_name} "{text[:100]}" (id {window.id}, process {window.process})'
 
 
-def _last(lines: Iterable[str]) -> str:
-    return "\n".join(f"   {line}" for line in list(lines)[-MOST_LINES:])
-
-
-def report(view: View, transcript: str, said: str, watch_events: Iterable[str]) -> str:
+def report(view: View, program: Observable, watch_events: Iterable[str]) -> str:
     """All of it, to be printed with the failure."""
-    return "\n".join(
-        (
-            describe_front(view),
-            f"the installer asked adb, and adb said:\n{_last(transcript.splitlines())}",
-            f"the watch:\n{_last(watch_events)}",
-            f"the installer and Windows printed:\n{_last(said.splitlines())}",
-        )
-    )
+    parts = {
+        "the installer asked adb, and adb said": program.transcript.splitlines(),
+        "the watch": list(watch_events),
+        "the installer and Windows printed": program.said.splitlines(),
+    }
+    told = [line for what, lines in parts.items() for line in (f"{what}:", *(f"   {line}" for line in lines[-MOST_LINES:]))]
+    return "\n".join([describe_front(view), *told])
 
 
 def crash_of_program(said: str) -> str:
@@ -62,27 +64,17 @@ def crash_of_another(said: str) -> str:
     return "" if crash_of_program(said) else "\n".join(crashes)
 
 
-class Observable(Protocol):
-    """A run of the installer."""
-
-    @property
-    def said(self) -> str: ...
-
-    @property
-    def transcript(self) -> str: ...
-
-
 class ObservedTest(unittest.TestCase):
     """A test that leaves what is needed to understand its failure, and that fails when the installer crashed."""
+
+    person: Person
 
     def run(self, result: unittest.TestResult | None = None) -> unittest.TestResult | None:
         self._result = result
         return super().run(result)
 
     @contextmanager
-    def observed(
-        self, eyes: Eyes, program: Observable, watch_events: Callable[[], Iterable[str]] = lambda: ()
-    ) -> Iterator[None]:
+    def observed(self, program: Observable, watch_events: Callable[[], Iterable[str]] = lambda: ()) -> Iterator[None]:
         """While it lasts. It must end before the program is ended: what is on the screen then is part of the evidence."""
         before = self._count_faults()
         failed = False
@@ -93,8 +85,8 @@ class ObservedTest(unittest.TestCase):
             raise
         finally:
             if failed or self._count_faults() > before:
-                pictures.save_screen(pictures.of_failure(self))
-                print(report(eyes.look(), program.transcript, program.said, watch_events()), flush=True)
+                pixels.save_screen(pixels.of_failure(self))
+                print(report(self.person.eyes.look(), program, watch_events()), flush=True)
         crash = crash_of_program(program.said)
         self.assertFalse(crash, f"the installer crashed:\n{crash}")
         if noted := crash_of_another(program.said):
@@ -102,3 +94,37 @@ class ObservedTest(unittest.TestCase):
 
     def _count_faults(self) -> int:
         return len(self._result.failures) + len(self._result.errors) if self._result else 0
+
+    @contextmanager
+    def step(self, name: object) -> Iterator[None]:
+        """One part of a test. Its failure names it, leaves a picture of what was on the screen just then, and ends the
+        test."""
+        try:
+            yield
+        except Exception as error:
+            error.add_note(f"in the step: {name}")
+            pixels.save_screen(pixels.of_failure(self, str(name)))
+            raise
+
+    def expect_sound(self, box: MessageBox, picture: str) -> None:
+        """A box that the guide explains, of which nothing is cut, with one button. Its picture is kept."""
+        # A caption that could not be loaded is in no row of the guide.
+        self.assertTrue(guide.explains(box) or not box.caption, f"the guide does not explain {box}")
+        self.assertEqual(box.buttons, ("OK",))
+        self.assertEqual(looks.look_at_box(self.person.eyes, box), [])
+        self.person.picture(pixels.kept(f"boxes/{picture}"), box.window)
+
+
+def one_test_for_each(rows: Mapping[str, tuple]) -> Callable[[Owner], Owner]:
+    """Gives a class a test for each row, which is called by its name and calls `check` with what is in it."""
+
+    def add_to(owner: Owner) -> Owner:
+        for name, row in rows.items():
+
+            def test(self: Any, row: tuple = row) -> None:
+                self.check(*row)
+
+            setattr(owner, f"test_{name}", test)
+        return owner
+
+    return add_to

@@ -2,10 +2,10 @@
 
 from collections.abc import Callable
 
-import pages
-from person import Person
-from watch import Watch
-from wizard import Sight
+from driver import pages
+from driver.person import Person
+from driver.watch import Watch
+from driver.wizard import Sight
 
 # Called on every page when it is filled in, just before the person moves on.
 Filled = Callable[[Sight], None]
@@ -37,7 +37,7 @@ def go_on(person: Person, watch: Watch, filled: Filled = _nothing, pair: bool = 
     assert page, "there is no page to go on from"
     fill_in(person, page, watch, pair)
     button = "Finish" if page is pages.PAGES[-1] else "Next"
-    person.wait_until(f"the {button} button", lambda sight: button in sight.buttons)
+    person.wait_for_next(button=button)
     filled(person.rest())
     person.enter_when_offered(button)
 

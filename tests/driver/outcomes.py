@@ -2,7 +2,7 @@
 
 import re
 
-import places
+from driver import places
 
 _ROW = re.compile(r'ROW\((\d+), (\w+),\s*((?:"(?:[^"\\]|\\.)*"\s*)+)\)')
 

@@ -1,63 +1,57 @@
-"""The installer as the user has it: a downloaded program with the package beside it."""
+"""The installer as the user has it, a downloaded program: one start of it, with what it does on its way out."""
 
+import itertools
 import os
 import re
 import shutil
 import subprocess
 from pathlib import Path
 
-import places
-from waiting import WaitedTooLong, wait_for
+from driver import places, wine
+from driver.places import home_path, windows_path
+from driver.waiting import WaitedTooLong, wait_for
 
+# From the press of a key to the end: adb's server is stopped, the tools are deleted.
+END = 60.0
 
-def downloads() -> Path:
-    """The user's folder of downloads, made when it is missing."""
-    folder = places.prefix() / "drive_c" / "users" / "root" / "Downloads"
-    folder.mkdir(parents=True, exist_ok=True)
-    return folder
-
-
-def own_folder() -> Path:
-    """A folder right on drive C, for pictures that show a path and nobody's name in it."""
-    folder = places.prefix() / "drive_c" / "Solvane"
-    folder.mkdir(exist_ok=True)
-    return folder
-
-
-def windows_path(path: Path) -> str:
-    """How a program of the home's Windows names a file on its drive C."""
-    return "C:\\" + "\\".join(path.relative_to(places.prefix() / "drive_c").parts)
-
-
-def home_path(path: Path) -> str:
-    """How a program of the home's Windows names a file of this machine."""
-    return "Z:" + str(path).replace("/", "\\")
-
-
-def remove_folder(folder: Path) -> None:
-    """Removes it with all that is in it, if it is there."""
-    if folder.exists():
-        shutil.rmtree(folder)
+_numbers = itertools.count(1)
 
 
 class Program:
-    """The installer, copied into a folder and started there. A context manager: it does not outlive the test."""
+    """The installer, copied into a folder and started there. A context manager: it does not outlive the test.
 
-    def __init__(self, folder: Path | None = None) -> None:
-        self.folder = folder or downloads()
-        self.file = self.folder / "KalvoApkInstaller.exe"
-        self._log = Path("/tmp/installer.log")
-        self._transcript = Path("/tmp/installer-and-adb.txt")
+    `faults` are calls that are to fail, as the stand-ins read them. `largest_file`: from that size on, a file that it
+    writes to is the end of it, in the midst of the write. `keeps_windows`: when it has to be ended with the test, other
+    programs of the home's Windows go on.
+    """
+
+    def __init__(
+        self, faults: str = "", folder: Path | None = None, largest_file: int | None = None, keeps_windows: bool = False
+    ) -> None:
+        self.folder = folder or places.downloads()
+        self._file = self.folder / "KalvoApkInstaller.exe"
+        self._faults = faults
+        # The kernel ends a process that writes beyond it.
+        self._limits = [] if largest_file is None else ["prlimit", f"--fsize={largest_file}"]
+        self._keeps_windows = keeps_windows
+        self._journal = Path(f"/tmp/journal-{next(_numbers)}.txt")
+        self._log = self._journal.with_suffix(".log")
+        self._transcript = self._journal.with_suffix(".adb")
 
     def __enter__(self) -> "Program":
-        shutil.copy(places.installer(), self.file)
-        self._transcript.unlink(missing_ok=True)
+        if not self._file.is_file():
+            shutil.copy(places.installer(), self._file)
+        environment = {
+            "KALVO_FAULTS": self._faults,
+            "KALVO_JOURNAL": home_path(self._journal),
+            "KALVO_TRANSCRIPT": home_path(self._transcript),
+        }
         # Into a file: adb's server would hold a pipe open for as long as it lives.
         with self._log.open("w") as log:
-            self._process = subprocess.Popen(
-                ["wine", places.launcher(), windows_path(self.file)],
+            self._launcher = subprocess.Popen(
+                [*self._limits, "wine", places.launcher(), windows_path(self._file)],
                 cwd=self.folder,
-                env={**os.environ, "KALVO_TRANSCRIPT": home_path(self._transcript)},
+                env={**os.environ, **environment},
                 stdin=subprocess.DEVNULL,
                 stdout=log,
                 stderr=subprocess.STDOUT,
@@ -65,22 +59,74 @@ class Program:
         return self
 
     def __exit__(self, *_: object) -> None:
-        if self._process.poll() is None:
+        if not self.has_ended and self._keeps_windows:
+            self.kill()
+        elif not self.has_ended:
             # The installer is a child of the launcher and adb's server one of the installer: with the
             # home's Windows all of them end.
             subprocess.run(["wineserver", "--kill"], check=False, timeout=30)
-            self._process.wait(30)
-
-    def wait(self, seconds: float = 60.0) -> int:
-        """Until the program has ended; returns its exit code."""
-        try:
-            return self._process.wait(seconds)
-        except subprocess.TimeoutExpired:
-            raise AssertionError(f"the installer did not end within {seconds:g} s") from None
+            self._launcher.wait(30)
 
     @property
     def has_ended(self) -> bool:
-        return self._process.poll() is not None
+        return self._launcher.poll() is not None
+
+    def wait(self, seconds: float = END) -> int:
+        """Until it has ended; returns its exit code. What has not ended is left as it is, for a look at it."""
+        self._wait_for_launcher(seconds)
+        return self.exit_code
+
+    def _wait_for_launcher(self, seconds: float = END) -> None:
+        try:
+            self._launcher.wait(seconds)
+        except subprocess.TimeoutExpired:
+            raise AssertionError(f"the installer did not end within {seconds:g} s: {self._lines()}") from None
+
+    @property
+    def exit_code(self) -> int:
+        """All 32 bits of it."""
+        ended = re.fullmatch(r"ended code=(\d+)", (self._lines() or [""])[-1])
+        assert ended, f"nobody noted an end: {self._lines()}, {self.said}"
+        return int(ended[1])
+
+    def kill(self) -> None:
+        """Ends it as a power failure does: at once, in the midst of whatever it does."""
+        wine.end_at_once(*self._processes())
+        try:
+            self._wait_for_launcher()
+        except AssertionError:
+            self._launcher.kill()
+            self._launcher.wait()
+            raise
+
+    def _processes(self) -> list[int]:
+        """The installer's own process: not its launcher, nor what it starts."""
+        return [int(process.name) for process in Path("/proc").glob("[0-9]*") if self._is_own(process)]
+
+    def _is_own(self, process: Path) -> bool:
+        try:
+            is_installer = (process / "cmdline").read_bytes().startswith(windows_path(self._file).encode())
+            return is_installer and self._journal.name.encode() in (process / "environ").read_bytes()
+        except OSError:  # it has just ended
+            return False
+
+    def wait_for_fault(self, function: str) -> None:
+        """Until a call of that function has failed, or hangs, as the faults want it."""
+        wait_for(f"the call of {function}", lambda: f"fault {function}" in self._lines(), END)
+
+    def check_faults(self) -> None:
+        """Every fault that was given must have come to pass."""
+        wanted = {re.split("[@#=]", fault)[0] for fault in filter(None, self._faults.split(";"))}
+        seen = {line.removeprefix("fault ") for line in self._lines() if line.startswith("fault ")}
+        assert wanted == seen, f"{wanted - seen} never came to pass"
+
+    @property
+    def journal(self) -> list[str]:
+        """What it did on its way out, in order, the exit code last. What was made to fail is not in it."""
+        return [line for line in self._lines() if not line.startswith("fault ")]
+
+    def _lines(self) -> list[str]:
+        return self._journal.read_text().splitlines() if self._journal.is_file() else []
 
     @property
     def said(self) -> str:
@@ -93,48 +139,26 @@ class Program:
         return self._transcript.read_text(errors="replace") if self._transcript.is_file() else ""
 
 
-def working_folder() -> Path:
-    """Where the installer keeps its tools while it runs."""
-    return places.prefix() / "drive_c" / "users" / "root" / "AppData" / "Local" / "KALVO_ApkInstaller"
+def remove_folder(folder: Path) -> None:
+    """Removes it with all that is in it, if it is there."""
+    if folder.exists():
+        shutil.rmtree(folder)
+
+
+def files_in(folder: Path) -> list[str]:
+    """All that is in it, at any depth, in order; nothing where it is not there."""
+    return sorted(str(path.relative_to(folder)) for path in folder.rglob("*"))
 
 
 def left_behind() -> list[str]:
     """What is in the working folder, and an adb that goes on running."""
-    folder = working_folder()
-    files = [str(path.relative_to(folder)) for path in folder.rglob("*")] if folder.is_dir() else []
-    return files + ["a running adb.exe"] * (not _adb_ends())
+    return files_in(places.working_folder()) + ["a running adb.exe"] * (not _adb_ends())
 
 
 def _adb_ends() -> bool:
     # Its server has been told to end; it does so a moment later.
     try:
-        wait_for("adb to end", lambda: not adb_is_running(), 5)
+        wait_for("adb to end", lambda: not wine.adb_processes(), 5)
     except WaitedTooLong:
         return False
     return True
-
-
-def stop_adb() -> None:
-    """Stops adb's server as somebody else would who uses adb on this computer."""
-    adb = working_folder() / "platform-tools" / "adb.exe"
-    quiet = subprocess.DEVNULL
-    subprocess.run(["wine", adb, "kill-server"], check=True, timeout=30, stdin=quiet, stdout=quiet, stderr=quiet)
-
-
-def adb_processes() -> list[int]:
-    """The ids of this home's processes of adb. Its server goes by the bare name."""
-    processes = Path("/proc").glob("[0-9]*")
-    return [int(process.name) for process in processes if _program_name(process) in ("adb", "adb.exe")]
-
-
-def adb_is_running() -> bool:
-    """Whether adb's server is among the processes of this home."""
-    return bool(adb_processes())
-
-
-def _program_name(process: Path) -> str:
-    try:
-        program = (process / "cmdline").read_text(errors="replace").split("\0")[0]
-    except OSError:  # it has just ended
-        return ""
-    return re.split(r"[\\/]", program)[-1].lower()

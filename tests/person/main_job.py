@@ -9,17 +9,14 @@ import sys
 from functools import partial
 from pathlib import Path
 
-import pages
-from eyes import Eyes
-from journey import go_on, go_to_page
-from package import write_package
-from person import Person
-from program import Program, left_behind, own_folder
-from watch import Watch
-from wizard import Sight
-
-# Wine itself starts in this time, too.
-START = 60.0
+from driver import pages, places
+from driver.eyes import Eyes
+from driver.journey import go_on, go_to_page
+from driver.package import write_package
+from driver.person import Person
+from driver.program import Program, left_behind
+from driver.watch import Watch
+from driver.wizard import Sight
 
 
 class Report:
@@ -56,12 +53,12 @@ class Report:
 
 
 def install(folder: Path) -> int:
-    with Watch() as watch, Eyes() as eyes, Program(own_folder()) as program:
+    with Watch() as watch, Eyes() as eyes, Program(folder=places.own_folder()) as program:
         package = write_package(program.folder)
         report = Report(folder)
         person = Person(eyes, report.status)
         filled = partial(report.page, person)
-        person.wait_for_page(1, START)
+        person.wait_for_first_page()
         go_to_page(person, len(pages.PAGES), watch, filled)
         go_on(person, watch, filled)
         code = program.wait()
