@@ -9,14 +9,13 @@ from dataclasses import dataclass
 from pathlib import Path
 from statistics import median
 
-import pages
-import places
-import program as programs
-from answering import Answering
-from executable import Executable
-from package import write_package
-from program import windows_path
-from watch import Watch
+from driver import pages, places
+from driver import program as programs
+from driver.answering import Answering
+from driver.executable import Executable
+from driver.package import write_package
+from driver.places import windows_path
+from driver.watch import Watch
 
 # What the program itself waits before each adb command and before it looks at a connection.
 PAUSE_BEFORE_ADB = 2000.0
@@ -126,7 +125,7 @@ def unpacking(rounds: int) -> list[Figure]:
 def starting(rounds: int) -> list[Figure]:
     """From the start of the process to its first page, against Install and an empty dialog added up. Program and
     dialog are started alike."""
-    tools = programs.working_folder()
+    tools = places.working_folder()
     folder = drive_c("bench tools")
     copy = shutil.copy(places.installer(), drive_c("KalvoApkInstaller.exe"))
     installing = under_launcher(windows_path(Path(copy)))
@@ -155,8 +154,8 @@ def main_job(rounds: int) -> list[Figure]:
     empty = under_launcher(f'{wine_path(places.bench("pages"))} "{pages.TITLE}"')
     folder = drive_c("bench tools")
     with Watch() as watch, BenchProgram("wizard", pages.TITLE) as driver:
-        package = write_package(programs.downloads())
-        installer = windows_path(Path(shutil.copy(places.installer(), programs.downloads())))
+        package = write_package(places.downloads())
+        installer = windows_path(Path(shutil.copy(places.installer(), places.downloads())))
         with BenchProgram("install", windows_path(folder)) as answering:
             Installer(answering, folder).install()
         adb = f'"{windows_path(folder)}\\platform-tools\\adb.exe"'
@@ -191,7 +190,7 @@ def main_job(rounds: int) -> list[Figure]:
 
         def measure_at_first_page() -> tuple[float, float]:
             memory = driver.measure("start", under_launcher(installer))[1]
-            shutil.rmtree(programs.working_folder(), ignore_errors=True)
+            shutil.rmtree(places.working_folder(), ignore_errors=True)
             return memory, driver.measure("start", empty)[1]
 
         firsts = [measure_at_first_page() for _ in range(rounds)]

@@ -3,8 +3,8 @@
 import json
 from dataclasses import dataclass
 
-import places
-from answering import Answering
+from driver import places
+from driver.answering import Answering
 
 # Where its tools are; the blank is meant.
 FOLDER = "C:\\adb tools"

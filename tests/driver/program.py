@@ -145,14 +145,11 @@ def remove_folder(folder: Path) -> None:
         shutil.rmtree(folder)
 
 
-def files_in(folder: Path) -> list[str]:
-    """All that is in it, at any depth, in order; nothing where it is not there."""
-    return sorted(str(path.relative_to(folder)) for path in folder.rglob("*"))
-
-
-def left_behind() -> list[str]:
-    """What is in the working folder, and an adb that goes on running."""
-    return files_in(places.working_folder()) + ["a running adb.exe"] * (not _adb_ends())
+def left_behind(folder: Path | None = None) -> list[str]:
+    """What is in the working folder, by default the usual one, and an adb that goes on running."""
+    folder = folder or places.working_folder()
+    files = [str(path.relative_to(folder)) for path in folder.rglob("*")]
+    return files + ["a running adb.exe"] * (not _adb_ends())
 
 
 def _adb_ends() -> bool:

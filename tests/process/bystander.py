@@ -7,13 +7,13 @@ from collections.abc import Iterator
 from contextlib import contextmanager
 from pathlib import Path
 
-import places
-from program import windows_path
+from driver import places
+from driver.places import windows_path
 
 
 def program() -> Path:
     """Itself, as a file."""
-    return places.build() / "tests" / "process" / "bystander.exe"
+    return places.helper("process/bystander")
 
 
 def _ask(*arguments: str) -> bytes:

@@ -8,7 +8,7 @@ import sys
 import unittest
 from pathlib import Path
 
-from executable import Executable
+from driver.executable import Executable
 
 PE32_PLUS = 0x20B
 GUI = 2

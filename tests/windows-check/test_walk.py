@@ -4,21 +4,19 @@ import getpass
 import json
 import os
 import re
-import subprocess
 import time
 import unittest
 
 import checking
-import hands
 import page
-import places
-import program
 from checking import ALL_HOLD, CANCELLED, CHECKOUT, REFUSED, SURROUNDINGS, Report, WindowsCheck
-from eyes import Eyes, View
-from notepad import copy_to_clipboard
-from person import Person
-from program import windows_path
-from waiting import wait_for
+from driver import places, wine
+from driver.eyes import Eyes, View
+from driver.notepad import copy_to_clipboard
+from driver.person import Person
+from driver.places import drive_c, windows_path
+from driver.program import Program
+from driver.waiting import wait_for
 
 # What Wine may be unable to answer, and how many claims there must be.
 MOST_NOT_TRIED = 15
@@ -38,7 +36,8 @@ def excluded() -> set[str]:
 
 
 def in_front(view: View) -> str:
-    return next((window.text for window in view.windows if window.handle == view.foreground), "")
+    window = view.window(view.foreground)
+    return window.text if window else ""
 
 
 class CheckTest(unittest.TestCase):
@@ -47,15 +46,10 @@ class CheckTest(unittest.TestCase):
 
     def expect_nothing_left(self) -> None:
         """No process, no file but the reports, no key of adb."""
-        wait_for("the end of all that was started", lambda: not program.adb_processes() and not self.installers())
-        drive = places.prefix() / "drive_c"
-        self.assertFalse(program.working_folder().exists())
-        self.assertFalse((drive / "users/Public/KalvoWindowsCheck").exists())
-        self.assertEqual(list(drive.rglob(".android")) + list(drive.rglob("adb.log")), [])
-
-    def installers(self) -> list[str]:
-        listed = subprocess.run(["ps", "-eo", "args"], check=True, capture_output=True, text=True).stdout
-        return [line for line in listed.splitlines() if "KalvoApkInstaller" in line]
+        wait_for("the end of all that was started", lambda: not wine.running())
+        self.assertFalse(places.working_folder().exists())
+        self.assertFalse(drive_c("users", "Public", "KalvoWindowsCheck").exists())
+        self.assertEqual(list(drive_c().rglob(".android")) + list(drive_c().rglob("adb.log")), [])
 
     def expect_no_names(self, report: Report) -> None:
         for text in (report.text, (self.check.folder / "report.html").read_text(encoding="utf-8")):
@@ -106,8 +100,7 @@ class Whole(CheckTest):
 
 class Cancelled(CheckTest):
     def test_in_the_middle_leaves_nothing(self) -> None:
-        quiet = subprocess.DEVNULL
-        other = subprocess.Popen(["wine", "winemine"], stdin=quiet, stdout=quiet, stderr=quiet)
+        other = wine.start("winemine")
         self.addCleanup(other.wait)
         self.addCleanup(other.kill)
         with Eyes() as eyes:
@@ -119,7 +112,7 @@ class Cancelled(CheckTest):
             sight = person.wait_until("page 5", lambda sight: sight.number == 5, 120)
             progress = next(window for window in sight.view.windows if window.text == PROGRESS)
             cancel = next(child for child in progress.children if child.text == "Cancel")
-            hands.click(*cancel.middle)
+            person.click(cancel)
             report = self.check.report(started.wait(60))
             person.wait_until("the other program in front", lambda sight: sight.view.foreground == before)
         self.assertEqual((report.status, report.whole["cancelled"]), (CANCELLED, True))
@@ -136,8 +129,8 @@ class Refused(CheckTest):
         self.assertFalse((self.check.folder / "report.json").exists())
 
     def test_while_the_installer_runs(self) -> None:
-        with Eyes() as eyes, program.Program() as installer:
-            Person(eyes).wait_until("the installer", lambda sight: sight.number == 1, 60)
+        with Eyes() as eyes, Program() as installer:
+            Person(eyes).wait_for_first_page()
             self.expect_refused("The installer is running")
             self.assertFalse(installer.has_ended)
 

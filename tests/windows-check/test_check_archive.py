@@ -11,8 +11,8 @@ from pathlib import Path
 
 import checking
 import page
-import places
 from checking import CHECKOUT, archive
+from driver import places
 from running import ctest_tests
 
 
