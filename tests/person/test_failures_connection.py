@@ -4,17 +4,8 @@ import unittest
 
 from driver import network, wine
 from failures import (
-    CONNECTING,
-    INSTALLING,
-    NO_NETWORK,
-    NOT_FOUND,
-    NOT_TRUSTED,
-    PARSE_ERROR,
-    TRY_AGAIN,
-    UNEXPECTED_CONNECT,
-    UNEXPECTED_INSTALL,
-    FailureTest,
-    attempts,
+    CONNECTING, INSTALLING, NO_NETWORK, NOT_FOUND, NOT_TRUSTED, PARSE_ERROR, TRY_AGAIN, UNEXPECTED_CONNECT,
+    UNEXPECTED_INSTALL, FailureTest, attempts
 )
 
 UNABLE = "Unable to connect to 192.168.1.100:43210"

@@ -1,9 +1,9 @@
-"""The whole way with Space and Enter, as the first page promises, and back and forth again."""
+"""Space and Enter, as the first page promises, where they tick and where they do nothing; back and forth again. The whole
+way with them is main_job.py."""
 
 import unittest
 
 from driver import pages
-from driver.journey import fill_in
 from driver.wizard import Sight
 from wizardtest import WizardTest
 
@@ -11,19 +11,6 @@ LAST = len(pages.PAGES)
 
 
 class TheKeyboardAlone(WizardTest):
-    def test_space_and_enter_lead_through_all_pages(self) -> None:
-        for page in pages.PAGES[:-1]:
-            if page.box:
-                self.assertEqual(self.person.look().focus_id, page.box, f"the box of page {page.number} has no keyboard")
-                self.person.press("space")
-            else:
-                fill_in(self.person, page, self.watch)
-            self.person.enter_when_offered()
-            self.person.wait_for_page(page.number + 1)
-        self.person.enter_when_offered("Finish")
-        self.finish()
-        self.assertTrue(self.watch.has_received(self.package), self.watch.events)
-
     def test_space_ticks_and_unticks(self) -> None:
         self.go_to_page(2)
         self.assertEqual(self.person.look().buttons, {"Back", "Cancel"})

@@ -6,17 +6,7 @@ from pathlib import Path
 from driver import places, wine
 from driver.places import windows_path
 from processtest import (
-    APPEND,
-    FOLDER,
-    NOT_INSTALLED,
-    SOCKETS,
-    TITLE,
-    TOOLS,
-    ZIP,
-    Box,
-    ProcessTest,
-    com_error,
-    sudden_end,
+    APPEND, FOLDER, NOT_INSTALLED, SOCKETS, TITLE, TOOLS, ZIP, Box, ProcessTest, com_error, sudden_end
 )
 
 KEY = r"HKCU\Software\Microsoft\Windows\CurrentVersion\Explorer\User Shell Folders"

@@ -5,25 +5,8 @@ import unittest
 from bystander import hold
 from driver.evidence import one_test_for_each
 from processtest import (
-    ADB,
-    CANCELLED,
-    CREATE_FILE,
-    CREATE_FOLDER,
-    CREATE_PROCESS,
-    DELETE_FOLDER,
-    FOLDER,
-    MEMBERS,
-    NOT_INSTALLED,
-    SOCKETS,
-    TOOLS,
-    ZIP,
-    Box,
-    ProcessTest,
-    exit_process,
-    last_error,
-    sudden_end,
-    way_out,
-    win32_error,
+    ADB, CANCELLED, CREATE_FILE, CREATE_FOLDER, CREATE_PROCESS, DELETE_FOLDER, FOLDER, MEMBERS, NOT_INSTALLED, SOCKETS,
+    TOOLS, ZIP, Box, ProcessTest, exit_process, last_error, sudden_end, way_out, win32_error
 )
 
 OTHER_ZIP = "platform-tools_other.zip"

@@ -6,19 +6,8 @@ from collections.abc import Iterator
 from contextlib import contextmanager
 
 from processtest import (
-    CREATE_FILE,
-    CREATE_FOLDER,
-    DELETE_FOLDER,
-    FOLDER,
-    MEMBERS,
-    NOT_INSTALLED,
-    SOCKETS,
-    ZIP,
-    ProcessTest,
-    exit_process,
-    last_error,
-    sudden_end,
-    win32_error,
+    CREATE_FILE, CREATE_FOLDER, DELETE_FOLDER, FOLDER, MEMBERS, NOT_INSTALLED, SOCKETS, ZIP, ProcessTest, exit_process,
+    last_error, sudden_end, win32_error
 )
 
 # How Wine says that a disk is read-only. Windows has a word of its own for it, ERROR_WRITE_PROTECT.

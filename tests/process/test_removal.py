@@ -8,24 +8,8 @@ from driver import wine
 from driver.evidence import one_test_for_each
 from driver.program import Program
 from processtest import (
-    ADB,
-    CANCELLED,
-    CREATE_PROCESS,
-    DELETE_FOLDER,
-    FOLDER,
-    MEMBERS,
-    NOT_REMOVED,
-    SOCKETS,
-    TOOLS,
-    ZIP,
-    Box,
-    Event,
-    ProcessTest,
-    exit_process,
-    last_error,
-    sudden_end,
-    way_out,
-    win32_error,
+    ADB, CANCELLED, CREATE_PROCESS, DELETE_FOLDER, FOLDER, MEMBERS, NOT_REMOVED, SOCKETS, TOOLS, ZIP, Box, Event,
+    ProcessTest, exit_process, last_error, sudden_end, way_out, win32_error
 )
 
 OTHER_ZIP = "platform-tools_other.zip"

@@ -4,21 +4,8 @@ import unittest
 
 from driver.evidence import one_test_for_each
 from processtest import (
-    APPEND,
-    CANCELLED,
-    COM,
-    FINISHED,
-    KNOWN_FOLDER,
-    LOCK,
-    OLD_WINDOWS,
-    SOCKETS,
-    TITLE,
-    TOOLS,
-    Box,
-    ProcessTest,
-    com_error,
-    sudden_end,
-    way_out,
+    APPEND, CANCELLED, COM, FINISHED, KNOWN_FOLDER, LOCK, OLD_WINDOWS, SOCKETS, TITLE, TOOLS, Box, ProcessTest,
+    com_error, sudden_end, way_out
 )
 
 NO_TITLE = Box("Error", "Unable to load application title")
