@@ -84,7 +84,7 @@ class BenchProgram(Answering):
     """One of this folder's programs, which answers with numbers."""
 
     def __init__(self, name: str, *arguments: str) -> None:
-        super().__init__(places.bench(name), *arguments, patience=PATIENCE)
+        super().__init__(places.helper(f"bench/bench-{name}"), *arguments, patience=PATIENCE)
 
     def measure(self, *words: object) -> list[float]:
         return [float(number) for number in self.ask("\t".join(map(str, words))).split()]
@@ -129,7 +129,7 @@ def starting(rounds: int) -> list[Figure]:
     folder = drive_c("bench tools")
     copy = shutil.copy(places.installer(), drive_c("KalvoApkInstaller.exe"))
     installing = under_launcher(windows_path(Path(copy)))
-    empty = under_launcher(f'{wine_path(places.bench("dialog"))} "{pages.TITLE}"')
+    empty = under_launcher(f'{wine_path(places.helper("bench/bench-dialog"))} "{pages.TITLE}"')
     unpacker = BenchProgram("install", windows_path(folder))
     with BenchProgram("wizard", pages.TITLE) as driver, unpacker as answering:
         installer = Installer(answering, folder)
@@ -151,7 +151,7 @@ def starting(rounds: int) -> list[Figure]:
 def main_job(rounds: int) -> list[Figure]:
     """The whole way through the wizard, with nobody in front of it who takes time, on a watch that plays along; the
     adb commands of that way alone; and the same way through as many pages with nothing on them."""
-    empty = under_launcher(f'{wine_path(places.bench("pages"))} "{pages.TITLE}"')
+    empty = under_launcher(f'{wine_path(places.helper("bench/bench-pages"))} "{pages.TITLE}"')
     folder = drive_c("bench tools")
     with Watch() as watch, BenchProgram("wizard", pages.TITLE) as driver:
         package = write_package(places.downloads())

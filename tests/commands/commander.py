@@ -35,7 +35,7 @@ class Commander(Answering):
     """The program that issues the commands. A context manager; adb's server does not outlive it."""
 
     def __init__(self) -> None:
-        super().__init__(places.commands(), FOLDER, patience=PATIENCE)
+        super().__init__(places.helper("commands/commands"), FOLDER, patience=PATIENCE)
 
     def __exit__(self, *reason: object) -> None:
         if self.answers:

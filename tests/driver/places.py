@@ -32,16 +32,6 @@ def helper(name: str) -> Path:
     return _built(build() / "tests" / f"{name}.exe")
 
 
-def commands() -> Path:
-    """Issues the product's adb commands on request."""
-    return helper("commands/commands")
-
-
-def bench(name: str) -> Path:
-    """One of the programs that scripts/bench measures with."""
-    return helper(f"bench/bench-{name}")
-
-
 def emulated_watch() -> Path:
     """Plays the watch's side of wireless debugging; a program of this machine."""
     return _built(Path(os.environ.get("KALVO_HOST_BUILD", CHECKOUT / "build" / "host")) / "watch" / "emulated-watch")

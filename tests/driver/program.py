@@ -41,20 +41,13 @@ class Program:
     def __enter__(self) -> "Program":
         if not self._file.is_file():
             shutil.copy(places.installer(), self._file)
-        environment = {
-            "KALVO_FAULTS": self._faults,
-            "KALVO_JOURNAL": home_path(self._journal),
-            "KALVO_TRANSCRIPT": home_path(self._transcript),
-        }
+        environment = {**os.environ, "KALVO_FAULTS": self._faults, "KALVO_JOURNAL": home_path(self._journal)}
+        environment["KALVO_TRANSCRIPT"] = home_path(self._transcript)
+        command = [*self._limits, "wine", places.launcher(), windows_path(self._file)]
         # Into a file: adb's server would hold a pipe open for as long as it lives.
         with self._log.open("w") as log:
             self._launcher = subprocess.Popen(
-                [*self._limits, "wine", places.launcher(), windows_path(self._file)],
-                cwd=self.folder,
-                env={**os.environ, **environment},
-                stdin=subprocess.DEVNULL,
-                stdout=log,
-                stderr=subprocess.STDOUT,
+                command, cwd=self.folder, env=environment, stdin=subprocess.DEVNULL, stdout=log, stderr=log
             )
         return self
 

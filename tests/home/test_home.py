@@ -10,6 +10,7 @@ from pathlib import Path
 HERE = Path(__file__).parent
 HOME = str(HERE / "home")
 TEMPLATE = Path("/wine-prefix")
+WITH_SCREEN = ("--dpi", "96")
 PROBE = Path(os.environ["KALVO_BUILD"]) / "wine" / "tests" / "probe.exe"
 
 
@@ -53,7 +54,7 @@ class Home(unittest.TestCase):
 
     def test_there_is_a_screen_and_windows_alone_orders_what_is_on_it(self) -> None:
         ask = r"wine reg query 'HKCU\Software\Wine\Explorer' /v Desktop; xdotool search --name . getwindowname %@"
-        self.assertIn("home - Wine Desktop", self.check(ask, "--dpi", "96"))
+        self.assertIn("home - Wine Desktop", self.check(ask, *WITH_SCREEN))
         self.assertEqual(self.check("echo ${DISPLAY-none}"), "none")
 
     def test_windows_is_a_copy_of_the_template_with_its_own_registry(self) -> None:
@@ -82,12 +83,12 @@ class Home(unittest.TestCase):
 
     def test_a_program_that_crashes_is_gone_at_once(self) -> None:
         """A debugger would show a box, hold what the program held, and have the keyboard."""
-        status = self.check(f"wine {PROBE} crash 2>/dev/null || echo status $?; ps -A -o args=", "--dpi", "96")
+        status = self.check(f"wine {PROBE} crash 2>/dev/null || echo status $?; ps -A -o args=", *WITH_SCREEN)
         self.assertIn("status ", status)
         self.assertNotIn("winedbg", status)
 
     def test_the_exit_status_is_the_commands(self) -> None:
-        for switches in (("--no-display",), ("--dpi", "96")):
+        for switches in (("--no-display",), WITH_SCREEN):
             self.assertEqual(in_home("exit 7", *switches).returncode, 7)
 
     def test_a_wrong_command_line_is_refused(self) -> None:
@@ -143,7 +144,7 @@ class Home(unittest.TestCase):
             return mounts, subprocess.run(["ip", "-o", "link"], capture_output=True, text=True, check=True).stdout
 
         before = state()
-        self.check("true", "--dpi", "96")
+        self.check("true", *WITH_SCREEN)
         self.assertEqual(state(), before)
 
 

@@ -81,7 +81,7 @@ class TheWatchsAddress(FieldsTest):
 class ThePairing(FieldsTest):
     page = 6
 
-    def test_shows_the_address_and_takes_digits_only_of_code_and_port(self) -> None:
+    def test_shows_the_address_and_takes_digits_only(self) -> None:
         self.person.expect(pages.ADDRESS_SHOWN, self.watch.address)
         self.assertFalse(self.person.look().control(pages.ADDRESS_SHOWN).enabled)
         self.enter(pages.PAIRING_CODE, "o", "0", "1", "2", "x", "3", "4", "5", "6")
