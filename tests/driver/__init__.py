@@ -1,4 +1,4 @@
-"""Drives the installer's wizard and looks at it, as somebody does who sits before it with a watch in one hand. No tests.
+"""Drives the installer's wizard and looks at it, as somebody does who sits before it, watch in hand. No tests.
 
 What is run with `scripts/in-root` has this package in its path: `from driver.person import Person`. All but what only
 reads files (`guide`, `outcomes`, `places`) works in a home alone, see tests/home/home.

@@ -49,17 +49,17 @@ def report(view: View, program: Observable, watch_events: Iterable[str]) -> str:
         "the watch": list(watch_events),
         "the installer and Windows printed": program.said.splitlines(),
     }
-    told = [line for what, lines in parts.items() for line in (f"{what}:", *(f"   {line}" for line in lines[-MOST_LINES:]))]
+    told = ["\n   ".join((f"{what}:", *lines[-MOST_LINES:])) for what, lines in parts.items()]
     return "\n".join([describe_front(view), *told])
 
 
 def crash_of_program(said: str) -> str:
-    """What the stand-ins told of a crash of the installer, with the calls that led to it; empty where there was none."""
+    """What the stand-ins told of a crash of the installer, with the calls that led to it; empty where none was."""
     return "\n".join(line for line in said.splitlines() if line.startswith("crash: "))
 
 
 def crash_of_another(said: str) -> str:
-    """What Windows told of the crash of a program that is not the installer, which then is adb; empty where none was."""
+    """What Windows told of the crash of another program, which then is adb; empty where none was."""
     crashes = re.findall(r"^wine: Unhandled .*$", said, re.MULTILINE)
     return "" if crash_of_program(said) else "\n".join(crashes)
 
@@ -75,7 +75,7 @@ class ObservedTest(unittest.TestCase):
 
     @contextmanager
     def observed(self, program: Observable, watch_events: Callable[[], Iterable[str]] = lambda: ()) -> Iterator[None]:
-        """While it lasts. It must end before the program is ended: what is on the screen then is part of the evidence."""
+        """While it lasts. It must end before the program is ended: what is on the screen then belongs to the evidence."""
         before = self._count_faults()
         failed = False
         try:

@@ -102,7 +102,7 @@ class Person:
         return last
 
     def holds(self, control_id: int) -> str | bool | None:
-        """What a control of the page holds: an edit's text, a check box's state, an address as far as it is filled in."""
+        """What a control of the page holds: an edit's text, a check box's state, an address as far as it is there."""
         control = self.look().control(control_id)
         if control.fields:
             return ".".join(str(self.eyes.read(field)) for field in control.fields)

@@ -72,7 +72,6 @@ def kept(name: str) -> Path:
 
 
 def of_failure(test: unittest.TestCase, step: str = "") -> Path:
-    """Where the picture of a failed test goes, or of its step that failed. Of one that several CTest tests run, each has
-    its own."""
+    """Where the picture of a failed test goes, or of its step. Of one that several CTest tests run, each has its own."""
     name = f"{os.environ.get('KALVO_TEST', Path(sys.argv[0]).stem)}-{test.id().removeprefix('__main__.')}"
     return places.build() / "failures" / (re.sub(r"[^\w.]+", "-", f"{name} {step}").strip("-") + ".png")

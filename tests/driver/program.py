@@ -43,7 +43,7 @@ class Program:
             shutil.copy(places.installer(), self._file)
         environment = {**os.environ, "KALVO_FAULTS": self._faults, "KALVO_JOURNAL": home_path(self._journal)}
         environment["KALVO_TRANSCRIPT"] = home_path(self._transcript)
-        command = [*self._limits, "wine", places.launcher(), windows_path(self._file)]
+        command = [*self._limits, "wine", str(places.launcher()), windows_path(self._file)]
         # Into a file: adb's server would hold a pipe open for as long as it lives.
         with self._log.open("w") as log:
             self._launcher = subprocess.Popen(

@@ -71,7 +71,7 @@ class Sight:
 
     @property
     def focus_id(self) -> int:
-        """The id of the control that has the keyboard, 0 where it has none. A field of an address counts as the address."""
+        """The id of the control that has the keyboard, 0 where none has it. A field of an address counts as the address."""
         for window in self.frame.descendants() if self.frame else ():
             if any(inner.handle == self.view.focus for inner in (window, *window.children)) and window.id:
                 return window.id
@@ -92,7 +92,8 @@ def recognise(view: View) -> Sight:
 
 def _is_message_box(window: Window) -> bool:
     """A message box holds nothing but words, a picture and buttons."""
-    return window.is_kind(DIALOG_CLASS) and all(w.is_kind("Static") or w.is_kind("Button") for w in window.descendants())
+    kinds = {part.class_name.lower() for part in window.descendants()}
+    return window.is_kind(DIALOG_CLASS) and kinds <= {"static", "button"}
 
 
 def _box(window: Window) -> MessageBox:

@@ -1,4 +1,4 @@
-"""Somebody who gets stuck, looks the trouble up in the guide, does what it says, and gets out. Makes the guide's pictures.
+"""Somebody who gets stuck, does what the guide says, and gets out. Makes the guide's pictures.
 
     guide_pictures.py FOLDER    keeps the pictures in the folder: page-NN-empty.png, page-05-vpn.png and box-NAME.png
 
@@ -61,7 +61,7 @@ class Stuck(Person):
         self.expect(pages.ADDRESS, address)
 
     def correct_port(self, port: int) -> None:
-        """Back to page 5, type the port, skip the pairing: what the guide says for each port that is no longer right."""
+        """Back to page 5, type the port, skip the pairing: what the guide says for a port that is no longer right."""
         self.wait_until_it_listens()
         while (number := self.look().number) != 5:
             self.click_button("Back")

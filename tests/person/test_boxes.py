@@ -1,5 +1,5 @@
-"""The boxes of the wizard that no user can bring about with the watch and the network alone: what is to be seen of them,
-measured. Those from before and after the wizard are measured where tests/process meets them.
+"""The boxes of the wizard that no user can bring about with the watch and the network alone: what is to be seen of
+them, measured. Those from before and after the wizard are measured where tests/process meets them.
 
 Calls of the program are made to fail, one for each box. What else comes of such a failure, other tests hold.
 """

@@ -16,7 +16,7 @@ class FieldsTest(WizardTest):
         self.go_to_page(self.page)
 
     def expect_all(self, control: int, text: str) -> None:
-        """The field holds that when all input so far has arrived. The next key shows it, and takes the last character."""
+        """The field holds that when all input has arrived. The next key shows it, and takes the last character."""
         self.person.expect(control, text)
         self.person.press("BackSpace")
         self.person.expect(control, text[:-1])

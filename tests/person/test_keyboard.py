@@ -1,5 +1,4 @@
-"""Space and Enter, as the first page promises, where they tick and where they do nothing; back and forth again. The whole
-way with them is main_job.py."""
+"""Space and Enter, where they tick and where they do nothing; back and forth again. The whole way is main_job.py's."""
 
 import unittest
 

@@ -8,7 +8,8 @@ from driver.wizard import Sight
 from wizardtest import WizardTest
 
 # Where the keyboard is when a page is shown for the first time, where that is not the box to tick.
-FIRST_FOCUS = {1: pages.NEXT, 5: pages.ADDRESS, 6: pages.PAIRING_CODE, 7: pages.APK_PATH, 8: pages.NEXT, 14: pages.FINISH}
+FIRST_FOCUS = {1: pages.NEXT, 5: pages.ADDRESS, 6: pages.PAIRING_CODE, 7: pages.APK_PATH, 8: pages.NEXT}
+FIRST_FOCUS[14] = pages.FINISH
 # The buttons, where they are not Back and Cancel until the page has what it needs and then Next as well.
 ALWAYS = {
     1: {"Next", "Cancel"},

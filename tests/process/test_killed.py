@@ -82,7 +82,7 @@ class Removing(Killed):
 
     @contextmanager
     def silent_server(self) -> Iterator[Callable[[Program], None]]:
-        """Something in the place of adb's server that lets adb wait. Gives a way to kill the installer while it does."""
+        """Something in the place of adb's server that lets adb wait. Gives a way to kill the installer meanwhile."""
         with socket.create_server(("127.0.0.1", 5037)) as server, ExitStack() as connections:
             server.settimeout(20)
 

@@ -1,4 +1,4 @@
-"""What the other tests rest on: a crash of the installer fails a test, and a test that fails tells what was to be seen."""
+"""What the other tests rest on: a crash of the installer fails a test, and a failure tells what was to be seen."""
 
 import contextlib
 import io
@@ -12,7 +12,7 @@ from driver.program import Program
 from driver.waiting import wait_for_value
 from processtest import ProcessTest
 
-CRASH_OF_ADB = "wine: Unhandled page fault on read access to 0000001F at address 7A19499C (thread 0190), starting debugger..."
+CRASH_OF_ADB = "wine: Unhandled page fault on read access to 0000001F at address 7A19499C (thread 0190), starting ..."
 
 
 @dataclass

@@ -60,7 +60,8 @@ class WindowsCheck:
         self._log = Path("/tmp/check.log")
         self.surroundings = standins / "surroundings.txt"
         text = SURROUNDINGS.read_text(encoding="utf-8")
-        self.surroundings.write_text(text.replace("%LAUNCHER%", windows_path(standins / "launcher.exe")), encoding="utf-8")
+        text = text.replace("%LAUNCHER%", windows_path(standins / "launcher.exe"))
+        self.surroundings.write_text(text, encoding="utf-8")
 
     def start(self, *arguments: str) -> subprocess.Popen[bytes]:
         """Away from the checkout."""
