@@ -3,7 +3,7 @@
 import json
 from collections.abc import Iterator
 from dataclasses import dataclass, field
-from typing import Any
+from typing import Any, NamedTuple
 
 from driver import places
 from driver.answering import Answering
@@ -19,8 +19,7 @@ TAB_STOP = 0x10000
 DIALOG_CLASS = "#32770"
 
 
-@dataclass(frozen=True)
-class Area:
+class Area(NamedTuple):
     """A rectangle of the screen; right and bottom are the first pixels outside."""
 
     left: int

@@ -13,12 +13,9 @@ from driver.pixels import Pixels
 from driver.waiting import WaitedTooLong, wait_for
 from driver.wizard import MessageBox, Sight
 
-# What the fields can hold at most.
-FULLEST = {pages.PORT: "65535", pages.PAIRING_PORT: "65535", pages.PAIRING_CODE: "888888"}
+# What the fields can hold at most. The last one scrolls its text: only the height counts.
+FULLEST = {pages.PORT: "65535", pages.PAIRING_PORT: "65535", pages.PAIRING_CODE: "888888", pages.APK_PATH: "C:"}
 FULLEST_ADDRESS_FIELD = "255"
-
-# Scrolls its text: only the height counts.
-SCROLLED = {pages.APK_PATH: "C:"}
 
 # The templates place these over the lower end of the body, whose text ends above them.
 PLACED_OVER_BODY = {
@@ -78,7 +75,7 @@ def _texts(window: Window) -> list[tuple[Window, str]]:
     # The page inside the frame, and the arrow, which draws itself.
     if window.is_kind(DIALOG_CLASS) or window.id == pages.BACK:
         return []
-    return [(window, FULLEST.get(window.id, SCROLLED.get(window.id, "")))]
+    return [(window, FULLEST.get(window.id, ""))]
 
 
 def _painted_texts(eyes: Eyes, screen: Pixels, windows: Iterable[tuple[Window, str, Sequence[Window]]]) -> list[str]:
@@ -107,13 +104,9 @@ def _painted_texts(eyes: Eyes, screen: Pixels, windows: Iterable[tuple[Window, s
 
 def _painted_elsewhere(screen: Pixels, window: Window, measured: Area, covers: Sequence[Area]) -> str:
     ink = screen.ink(window.area, covers)
-    if ink and all(abs(a - b) <= SOFT for a, b in zip(_edges(ink), _edges(measured), strict=True)):
+    if ink and all(abs(a - b) <= SOFT for a, b in zip(ink, measured, strict=True)):
         return ""
     return f"{name_of(window)} is painted in {ink}, but measured in {measured}"
-
-
-def _edges(area: Area) -> tuple[int, int, int, int]:
-    return area.left, area.top, area.right, area.bottom
 
 
 def _overlaps(windows: Sequence[Window], placed: Sequence[Window] = ()) -> list[str]:
@@ -126,11 +119,8 @@ def _overlaps(windows: Sequence[Window], placed: Sequence[Window] = ()) -> list[
 
 
 def _outside(windows: Sequence[Window], area: Area, whose: str) -> list[str]:
-    return [
-        f"{name_of(window)} is outside of {whose}: {window.area}, {area}"
-        for window in windows
-        if not area.holds(window.area)
-    ]
+    outside = [window for window in windows if not area.holds(window.area)]
+    return [f"{name_of(window)} is outside of {whose}: {window.area}, {area}" for window in outside]
 
 
 def look_at_page(eyes: Eyes, sight: Sight) -> list[str]:

@@ -10,13 +10,9 @@ from wizardtest import WizardTest
 # Where the keyboard is when a page is shown for the first time, where that is not the box to tick.
 FIRST_FOCUS = {1: pages.NEXT, 5: pages.ADDRESS, 6: pages.PAIRING_CODE, 7: pages.APK_PATH, 8: pages.NEXT}
 FIRST_FOCUS[14] = pages.FINISH
-# The buttons, where they are not Back and Cancel until the page has what it needs and then Next as well.
-ALWAYS = {
-    1: {"Next", "Cancel"},
-    7: {"Back", "Next", "Cancel"},
-    8: {"Back", "Next", "Cancel"},
-    14: {"Back", "Finish"},
-}
+# The buttons: Back and Cancel until the page has what it needs, then Next as well; but on these pages.
+WAITING, READY = {"Back", "Cancel"}, {"Back", "Next", "Cancel"}
+ALWAYS = {1: {"Next", "Cancel"}, 7: READY, 8: READY, 14: {"Back", "Finish"}}
 
 # The keyboard comes to the box that makes the fields needless after the fields, as the template has it.
 FIELDS_OF_PAIRING = [pages.PAIRING_CODE, pages.PAIRING_PORT]
@@ -27,31 +23,15 @@ PINGING = (f"Pinging {LONGEST_ADDRESS} (6 of 6)", "Unreachable")
 PACKAGE = "Solvane Watch Client 2.1 for Galaxy Watch.apk"
 OUTCOMES = messages()
 
-# Everything that the status lines come to say. The outcomes of a run of adb, and those of pairing.
-RUN = [OUTCOMES[number] for number in (4, 5, 6)]
+# Everything that the status lines come to say: what the page does, and the outcomes of adb.
 STATUS_LINES = {
     5: [*PINGING, f"Connecting to {LONGEST} (7 of 7)", f"Could not connect to {LONGEST}"],
-    6: [
-        *PINGING,
-        "Stopping ADB server",
-        "Pairing attempt 3 of 3",
-        f"Pairing to {LONGEST} | 888888",
-        "Unknown ADB Exit Code",
-        *RUN,
-        OUTCOMES[501],
-    ],
-    7: [
-        *PINGING,
-        f"Connecting to {LONGEST} (attempt 3 of 3)",
-        f"Connected to {LONGEST}",
-        f"Unable to connect to {LONGEST}",
-        f"Installing {PACKAGE} (attempt 3 of 3)",
-        f"Installed {PACKAGE}",
-        "Unable to stop adb service",
-        "Unknown ADB Exit Code",
-        *OUTCOMES.values(),
-    ],
+    6: [*PINGING, "Stopping ADB server", "Pairing attempt 3 of 3", f"Pairing to {LONGEST} | 888888"],
+    7: [*PINGING, f"Connecting to {LONGEST} (attempt 3 of 3)", f"Connected to {LONGEST}"],
 }
+STATUS_LINES[6] += ["Unknown ADB Exit Code", *(OUTCOMES[number] for number in (4, 5, 6, 501))]
+STATUS_LINES[7] += [f"Unable to connect to {LONGEST}", f"Installing {PACKAGE} (attempt 3 of 3)", f"Installed {PACKAGE}"]
+STATUS_LINES[7] += ["Unable to stop adb service", "Unknown ADB Exit Code", *OUTCOMES.values()]
 # Reasons of the watch for which the line of page 7 has no room at any resolution, and one for which it has at some. A
 # box, which has, tells them as well.
 WORDY = [OUTCOMES[number] for number in (308, 309, 312, 314, 316, 339, 340)]
@@ -79,7 +59,7 @@ class Pages(WizardTest):
         """A page as it is shown for the first time."""
         focus = FIRST_FOCUS.get(page.number, page.box)
         self.person.wait_until(f"the keyboard to be at control {focus}", lambda sight: sight.focus_id == focus)
-        sight = self.look(ALWAYS.get(page.number, {"Back", "Cancel"}))
+        sight = self.look(ALWAYS.get(page.number, WAITING))
         self.look_at_status_lines(sight)
         # The way around would end in the first field of the address.
         if page.number != 5:
@@ -89,7 +69,7 @@ class Pages(WizardTest):
 
     def look_after(self, page: pages.Page) -> None:
         """A page that has all that it needs."""
-        sight = self.look(ALWAYS.get(page.number, {"Back", "Next", "Cancel"}))
+        sight = self.look(ALWAYS.get(page.number, READY))
         self.person.picture(pixels.kept(f"page-{page.number:02}"))
         self.walk(sight)
 
@@ -124,7 +104,7 @@ class Pages(WizardTest):
     def look_at_skipped_pairing(self) -> None:
         """Both fields are grey and out of the way of the keyboard."""
         self.person.click_control(pages.SKIP_PAIRING)
-        sight = self.look({"Back", "Next", "Cancel"})
+        sight = self.look(READY)
         self.person.picture(pixels.kept("page-06-skipped"))
         self.walk(sight)
         self.person.click_control(pages.SKIP_PAIRING)

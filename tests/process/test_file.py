@@ -41,13 +41,9 @@ SYSTEM_LIBRARIES = {
 class TheFile(unittest.TestCase):
     program: Executable
 
-    def test_is_a_64_bit_program_with_windows(self) -> None:
+    def test_is_a_64_bit_program_of_todays_with_the_stack_that_the_tests_have_tried(self) -> None:
         self.assertEqual((self.program.magic, self.program.subsystem), (PE32_PLUS, GUI))
-
-    def test_is_of_an_age_that_has_todays_windows(self) -> None:
         self.assertEqual(self.program.subsystem_version, (6, 0))
-
-    def test_has_the_stack_that_the_tests_have_tried(self) -> None:
         self.assertEqual(self.program.stack, 2 << 20)
 
     def test_is_loaded_at_a_random_address_out_of_many(self) -> None:
