@@ -53,10 +53,10 @@ INSTALLING = "Installing Solvane Watch 2.1.apk (attempt {} of 3)"
 class FailureTest(WizardTest):
     """A wizard and a watch that can be made another one at any time, in the same place."""
 
-    def restart_watch(self, *switches: str) -> None:
+    def restart_watch(self, *switches: str, **ports: int) -> None:
         """From now on the watch behaves as these switches say."""
         self.watch.switch_off()
-        self.watch = self.enterContext(Watch(*self.watch_switches, *switches))
+        self.watch = self.enterContext(Watch(*self.watch_switches, *switches, **ports))
 
     def press_next(self) -> None:
         """From here on status lines count as new."""
@@ -107,6 +107,14 @@ class FailureTest(WizardTest):
         """The next step leads on, with the package on the watch byte for byte."""
         self.expect_next_to_lead_to(8)
         self.assertTrue(self.watch.has_received(self.package))
+
+    def expect_unexpected_connect(self, picture: str, port: int) -> None:
+        """Two boxes in a row, and adb's server goes on."""
+        self.press_next()
+        connecting = f"Connecting to {self.watch.address}:{port} (attempt 1 of 3)"
+        self.expect_box(f"{picture}-1", "ADB Install", UNEXPECTED_CONNECT.format(*PARSE_ERROR), connecting)
+        self.expect_failure(f"{picture}-2", "Install APK", NOT_TRUSTED, PARSE_ERROR[0])
+        self.expect_adb(runs=True)
 
     def expect_seen(self, *lines: str) -> None:
         """These lines were seen, in this order."""

@@ -4,8 +4,8 @@ import unittest
 
 from driver import network, wine
 from failures import (
-    CONNECTING, INSTALLING, NO_NETWORK, NOT_FOUND, NOT_TRUSTED, PARSE_ERROR, TRY_AGAIN, UNEXPECTED_CONNECT,
-    UNEXPECTED_INSTALL, FailureTest, attempts
+    CONNECTING, INSTALLING, NO_NETWORK, NOT_FOUND, NOT_TRUSTED, PARSE_ERROR, TRY_AGAIN, UNEXPECTED_INSTALL, FailureTest,
+    attempts
 )
 
 UNABLE = "Unable to connect to 192.168.1.100:43210"
@@ -25,12 +25,12 @@ class Connection(FailureTest):
         network.plug_in_watch()
 
         with self.step("the skipped pairing was needed: adb says 'failed to connect to', which is not known"):
-            self.expect_unexpected_connect("not-trusted")
+            self.expect_unexpected_connect("not-trusted", self.watch.port)
             self.watch.wait_for_event("debugging: key not trusted")
             self.assertNotIn(CONNECTING.format(2), self.seen())
         with self.step("the connection is taken and nothing is said"):
             self.restart_watch("--mute")
-            self.expect_unexpected_connect("mute")
+            self.expect_unexpected_connect("mute", self.watch.port)
         with self.step("debugging was turned off meanwhile"):
             self.watch.switch_off()
             self.expect_next_to_fail("debugging-off", "Install APK", NOT_TRUSTED, UNABLE)
@@ -56,14 +56,6 @@ class Connection(FailureTest):
         self.restart_watch("--trust-all")
         self.expect_installation()
         self.leave()
-
-    def expect_unexpected_connect(self, picture: str) -> None:
-        """Two boxes in a row, and adb's server goes on."""
-        self.press_next()
-        message = UNEXPECTED_CONNECT.format(*PARSE_ERROR)
-        self.expect_box(f"{picture}-1", "ADB Install", message, CONNECTING.format(1))
-        self.expect_failure(f"{picture}-2", "Install APK", NOT_TRUSTED, PARSE_ERROR[0])
-        self.expect_adb(runs=True)
 
 
 if __name__ == "__main__":
