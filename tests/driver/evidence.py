@@ -2,7 +2,7 @@
 
 import re
 import unittest
-from collections.abc import Callable, Iterable, Iterator, Mapping
+from collections.abc import Callable, Iterable, Iterator
 from contextlib import contextmanager
 from typing import Any, Protocol, TypeVar
 
@@ -115,7 +115,7 @@ class ObservedTest(unittest.TestCase):
         self.person.picture(pixels.kept(f"boxes/{picture}"), box.window)
 
 
-def one_test_for_each(rows: Mapping[str, tuple]) -> Callable[[Owner], Owner]:
+def one_test_for_each(**rows: tuple) -> Callable[[Owner], Owner]:
     """Gives a class a test for each row, which is called by its name and calls `check` with what is in it."""
 
     def add_to(owner: Owner) -> Owner:

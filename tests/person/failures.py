@@ -53,10 +53,10 @@ INSTALLING = "Installing Solvane Watch 2.1.apk (attempt {} of 3)"
 class FailureTest(WizardTest):
     """A wizard and a watch that can be made another one at any time, in the same place."""
 
-    def restart_watch(self, *switches: str, **ports: int) -> None:
+    def restart_watch(self, *switches: str, port: int = 43210) -> None:
         """From now on the watch behaves as these switches say."""
         self.watch.switch_off()
-        self.watch = self.enterContext(Watch(*self.watch_switches, *switches, **ports))
+        self.watch = self.enterContext(Watch(*self.watch_switches, *switches, port=port))
 
     def press_next(self) -> None:
         """From here on status lines count as new."""

@@ -46,7 +46,7 @@ BOXES = {
 CAPTION_MIDDLE = 14
 
 
-@one_test_for_each(BOXES)
+@one_test_for_each(**BOXES)
 class Boxes(WizardTest):
     def setUp(self) -> None:
         """Each starts with faults of its own."""

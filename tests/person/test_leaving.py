@@ -32,7 +32,7 @@ class LeavingTest(WizardTest):
         self.finish()
 
 
-@one_test_for_each(_ways_out_of(ONE_OF_EACH_KIND))
+@one_test_for_each(**_ways_out_of(ONE_OF_EACH_KIND))
 class EachKindOfPage(LeavingTest):
     def test_cancel_is_not_offered_on_the_last(self) -> None:
         sight = self.go_to_page(LAST, pair=False)
@@ -41,7 +41,7 @@ class EachKindOfPage(LeavingTest):
         self.finish()
 
 
-@one_test_for_each(_ways_out_of(set(range(1, LAST)) - ONE_OF_EACH_KIND))
+@one_test_for_each(**_ways_out_of(set(range(1, LAST)) - ONE_OF_EACH_KIND))
 class OtherPages(LeavingTest):
     """Long, since the pages behind the package are reached by installing it."""
 

@@ -18,25 +18,21 @@ def no_archive(call: str, function: str) -> tuple:
 
 
 @one_test_for_each(
-    {
-        "folder_cannot_be_made": sudden_end("SHCreateDirectoryExW=ret:3", win32_error(CREATE_FOLDER, 3)),
-        "archive_not_in_the_program": no_archive("FindResourceW", "FindResource"),
-        "archive_not_loaded": no_archive("LoadResource", "LoadResource"),
-        "archive_not_locked": no_archive("LockResource", "LockResource"),
-        "archive_cannot_be_made": way_out(
-            f"CreateFileW#{ZIP}=fail:5", 0, last_error(CREATE_FILE, 5), NOT_INSTALLED, *SOCKETS, disk=(FOLDER,)
-        ),
-        "archive_cannot_be_closed": way_out(
-            f"CloseHandle#{ZIP}=fail:6", 0, NOT_INSTALLED, *SOCKETS, disk=(FOLDER, ZIP)
-        ),
-        "path_that_cannot_be_narrowed_ends_the_process_without_a_word": way_out(
-            "WideCharToMultiByte=null:87", 3, exit_process(3), disk=(FOLDER, ZIP)
-        ),
-        # The first text is the title, the second the body of the first page.
-        "memory_that_runs_out_on_a_page_ends_the_process_without_a_word": way_out(
-            "HeapAlloc@2=null:8", 3, exit_process(3), disk=TOOLS
-        ),
-    }
+    folder_cannot_be_made=sudden_end("SHCreateDirectoryExW=ret:3", win32_error(CREATE_FOLDER, 3)),
+    archive_not_in_the_program=no_archive("FindResourceW", "FindResource"),
+    archive_not_loaded=no_archive("LoadResource", "LoadResource"),
+    archive_not_locked=no_archive("LockResource", "LockResource"),
+    archive_cannot_be_made=way_out(
+        f"CreateFileW#{ZIP}=fail:5", 0, last_error(CREATE_FILE, 5), NOT_INSTALLED, *SOCKETS, disk=(FOLDER,)
+    ),
+    archive_cannot_be_closed=way_out(f"CloseHandle#{ZIP}=fail:6", 0, NOT_INSTALLED, *SOCKETS, disk=(FOLDER, ZIP)),
+    path_that_cannot_be_narrowed_ends_the_process_without_a_word=way_out(
+        "WideCharToMultiByte=null:87", 3, exit_process(3), disk=(FOLDER, ZIP)
+    ),
+    # The first text is the title, the second the body of the first page.
+    memory_that_runs_out_on_a_page_ends_the_process_without_a_word=way_out(
+        "HeapAlloc@2=null:8", 3, exit_process(3), disk=TOOLS
+    ),
 )
 class Failing(ProcessTest):
     def test_archive_cannot_be_written_and_is_out_of_reach_until_the_end(self) -> None:

@@ -28,33 +28,29 @@ def ends(fault: str, box: Box) -> tuple:
 
 
 @one_test_for_each(
-    {
-        "folder_that_is_gone": not_removed("SHFileOperationW=ret:2", FOLDER, *MEMBERS),
-        **{
-            f"folder_that_stays_for_reason_{code}": ends(f"SHFileOperationW=ret:{code}", win32_error(DELETE_FOLDER, 13))
-            for code in (5, 124, 0x402)
-        },
-        "archive_that_stays": not_removed("DeleteFileW=fail:5", ZIP),
-        # Calls 4 and 5: the pattern, the file.
-        "archives_whose_pattern_has_no_name": not_removed("PathCchCombine@4=fail:0x8007007A", ZIP),
-        "archives_that_have_no_name": not_removed("PathCchCombine@5=fail:0x8007007A", ZIP),
-        "archives_that_cannot_be_looked_for_are_none": way_out(
-            f"{CLOSES};FindFirstFileW=fail:5", 0, *CANCELLED, disk=(ZIP,)
-        ),
-        # An end that cannot be told stops nothing else. Calls 4 and 5: adb's thread, adb's process.
-        "exit_code_of_adb_unknown": not_removed("GetExitCodeProcess=fail:6"),
-        "thread_of_adb_not_closed": not_removed("CloseHandle@4=fail:6"),
-        "process_of_adb_not_closed": not_removed("CloseHandle@5=fail:6"),
-        "output_of_adb_that_cannot_be_read_at_first": way_out(f"{CLOSES};ReadFile@1=fail:5", 0, *CANCELLED),
-        "adb_without_a_pipe": ends(
-            "CreatePipe=fail:8", last_error("CreatePipe(&m_hStandardOutputRead, &m_hStandardOutputWrite, &m_sa, 0)", 8)
-        ),
-        "adb_without_an_own_end_of_the_pipe": ends(
-            "SetHandleInformation=fail:8",
-            last_error("SetHandleInformation(m_hStandardOutputRead, HANDLE_FLAG_INHERIT, 0)", 8),
-        ),
-        "adb_that_cannot_be_started": ends("CreateProcessW=fail:8", last_error(CREATE_PROCESS, 8)),
-    }
+    folder_that_is_gone=not_removed("SHFileOperationW=ret:2", FOLDER, *MEMBERS),
+    **{
+        f"folder_that_stays_for_reason_{code}": ends(f"SHFileOperationW=ret:{code}", win32_error(DELETE_FOLDER, 13))
+        for code in (5, 124, 0x402)
+    },
+    archive_that_stays=not_removed("DeleteFileW=fail:5", ZIP),
+    # Calls 4 and 5: the pattern, the file.
+    archives_whose_pattern_has_no_name=not_removed("PathCchCombine@4=fail:0x8007007A", ZIP),
+    archives_that_have_no_name=not_removed("PathCchCombine@5=fail:0x8007007A", ZIP),
+    archives_that_cannot_be_looked_for_are_none=way_out(f"{CLOSES};FindFirstFileW=fail:5", 0, *CANCELLED, disk=(ZIP,)),
+    # An end that cannot be told stops nothing else. Calls 4 and 5: adb's thread, adb's process.
+    exit_code_of_adb_unknown=not_removed("GetExitCodeProcess=fail:6"),
+    thread_of_adb_not_closed=not_removed("CloseHandle@4=fail:6"),
+    process_of_adb_not_closed=not_removed("CloseHandle@5=fail:6"),
+    output_of_adb_that_cannot_be_read_at_first=way_out(f"{CLOSES};ReadFile@1=fail:5", 0, *CANCELLED),
+    adb_without_a_pipe=ends(
+        "CreatePipe=fail:8", last_error("CreatePipe(&m_hStandardOutputRead, &m_hStandardOutputWrite, &m_sa, 0)", 8)
+    ),
+    adb_without_an_own_end_of_the_pipe=ends(
+        "SetHandleInformation=fail:8",
+        last_error("SetHandleInformation(m_hStandardOutputRead, HANDLE_FLAG_INHERIT, 0)", 8),
+    ),
+    adb_that_cannot_be_started=ends("CreateProcessW=fail:8", last_error(CREATE_PROCESS, 8)),
 )
 class Failing(ProcessTest):
     def test_archives_after_one_that_stays_stay_too(self) -> None:

@@ -12,13 +12,11 @@ from driver.places import windows_path
 
 # Which program, the step that meets the fault, the claim.
 @one_test_for_each(
-    {
-        "wrong_default_button": ("default", "working-pages", "page-07.default"),
-        "text_that_is_cut": ("text", "first-pages", "page-01.texts"),
-        "page_without_its_title": ("title", "first-pages", "page-02.title"),
-        "planted_library_that_is_taken": ("planted", "loader", "loader.by-name"),
-        "exit_code": ("code", "ends", "end.uncaught-code"),
-    }
+    wrong_default_button=("default", "working-pages", "page-07.default"),
+    text_that_is_cut=("text", "first-pages", "page-01.texts"),
+    page_without_its_title=("title", "first-pages", "page-02.title"),
+    planted_library_that_is_taken=("planted", "loader", "loader.by-name"),
+    exit_code=("code", "ends", "end.uncaught-code"),
 )
 class Faults(unittest.TestCase):
     def check(self, fault: str, step: str, claim: str) -> None:
