@@ -1,8 +1,6 @@
 // Another program on the user's computer, for what the installer can meet there:
 //   hold FILE        opens the file and lets nobody else open or delete it, says "holding", and gives it
 //                    back at the end of its standard input
-//   handles PID      prints the kinds of handles that a process has open, a line each: the number, a blank, the
-//                    system's name of the kind; a pipe, which to the system is a file, is a kind of its own, "Pipe"
 //   watch            says "watching", and at the end of its standard input which top-level windows have been
 //                    shown since, a line each: handle, blank, title (UTF-8). Also one that is gone again
 //   crash PID        lets a process run where it has no code
@@ -15,9 +13,7 @@
 #include "launcher/RemoteLibrary.h"
 
 #include <windows.h>
-#include <winternl.h>
 
-#include <cstddef>
 #include <cstdio>
 #include <cwchar>
 #include <map>
@@ -52,74 +48,6 @@ int Hold(PCWSTR pszFile)
     }
     const CHandle file(hFile);
     StayUntilEnd("holding");
-    return 0;
-}
-
-// What the system tells of every handle of every process; the SDK does not declare it.
-struct HANDLE_ENTRY
-{
-    PVOID pObject;
-    ULONG_PTR nProcess;
-    ULONG_PTR nHandle;
-    ULONG nAccess;
-    USHORT nTrace;
-    USHORT nType;
-    ULONG nAttributes;
-    ULONG nReserved;
-};
-
-struct HANDLE_LIST
-{
-    ULONG_PTR nEntries;
-    ULONG_PTR nReserved;
-    HANDLE_ENTRY entries[1];
-};
-
-constexpr auto kExtendedHandleInformation = static_cast<SYSTEM_INFORMATION_CLASS>(64);
-
-// Room for all handles of a computer that does little.
-constexpr ULONG kListBytes = 4 << 20;
-
-// Of a handle of this process. Empty when the system does not tell.
-std::string KindOf(HANDLE h)
-{
-    if (GetNamedPipeInfo(h, nullptr, nullptr, nullptr, nullptr)) {
-        return "Pipe";
-    }
-    // The name itself follows at the end.
-    alignas(PUBLIC_OBJECT_TYPE_INFORMATION) std::byte buffer[1024];
-    if (NtQueryObject(h, ObjectTypeInformation, buffer, sizeof(buffer), nullptr) != 0) {
-        return {};
-    }
-    const UNICODE_STRING& name = reinterpret_cast<const PUBLIC_OBJECT_TYPE_INFORMATION*>(buffer)->TypeName;
-    return ToUtf8(std::wstring_view(name.Buffer, name.Length / sizeof(WCHAR)));
-}
-
-int CountHandles(DWORD dwProcess)
-{
-    std::vector<std::byte> buffer(kListBytes);
-    if (NtQuerySystemInformation(kExtendedHandleInformation, buffer.data(), kListBytes, nullptr) != 0) {
-        return Fail("cannot list the handles");
-    }
-    const CHandle hProcess(OpenProcess(PROCESS_DUP_HANDLE, FALSE, dwProcess));
-    if (!hProcess) {
-        return Fail("cannot open the process");
-    }
-    const auto* const pList = reinterpret_cast<const HANDLE_LIST*>(buffer.data());
-    std::map<std::string, int> kinds;
-    for (const HANDLE_ENTRY* pEntry = pList->entries; pEntry != pList->entries + pList->nEntries; ++pEntry) {
-        HANDLE hCopy = nullptr;
-        // What has been closed meanwhile is not counted.
-        if (pEntry->nProcess == dwProcess &&
-            DuplicateHandle(hProcess.get(), reinterpret_cast<HANDLE>(pEntry->nHandle), GetCurrentProcess(), &hCopy, 0,
-                            FALSE, DUPLICATE_SAME_ACCESS)) {
-            ++kinds[KindOf(hCopy)];
-            CloseHandle(hCopy);
-        }
-    }
-    for (const auto& [strKind, nCount] : kinds) {
-        std::printf("%d %s\n", nCount, strKind.c_str());
-    }
     return 0;
 }
 
@@ -209,7 +137,7 @@ int Describe(DWORD dwCode)
 int wmain(int nArguments, wchar_t** ppszArguments)
 {
     const std::map<std::wstring_view, int (*)(DWORD)> verbs = {
-        {L"handles", CountHandles}, {L"crash", Crash}, {L"ask", AskForLibrary}, {L"describe", Describe}};
+        {L"crash", Crash}, {L"ask", AskForLibrary}, {L"describe", Describe}};
     const std::wstring_view szVerb = nArguments > 1 ? ppszArguments[1] : L"";
     if (nArguments == 2 && szVerb == L"watch") {
         return Watch();
@@ -220,6 +148,6 @@ int wmain(int nArguments, wchar_t** ppszArguments)
     if (nArguments == 3 && verbs.contains(szVerb)) {
         return verbs.at(szVerb)(wcstoul(ppszArguments[2], nullptr, 0));
     }
-    std::fputs("usage: bystander hold FILE | handles PID | watch | crash PID | ask PID | describe CODE\n", stderr);
+    std::fputs("usage: bystander hold FILE | watch | crash PID | ask PID | describe CODE\n", stderr);
     return 1;
 }
