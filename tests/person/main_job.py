@@ -6,12 +6,11 @@ Prints every page's title, the status lines and what came of it. Ends with 0 onl
 """
 
 import sys
-from functools import partial
 from pathlib import Path
 
 from driver import pages, places
 from driver.eyes import Eyes
-from driver.journey import go_on, go_to_page
+from driver.journey import fill_in
 from driver.package import write_package
 from driver.person import Person
 from driver.program import Program, left_behind
@@ -57,10 +56,14 @@ def install(folder: Path) -> int:
         package = write_package(program.folder)
         report = Report(folder)
         person = Person(eyes, report.status)
-        filled = partial(report.page, person)
         person.wait_for_first_page()
-        go_to_page(person, len(pages.PAGES), watch, filled)
-        go_on(person, watch, filled)
+        for page in pages.PAGES:
+            person.wait_for_page(page.number)
+            fill_in(person, page, watch)
+            button = "Finish" if page is pages.PAGES[-1] else "Next"
+            person.wait_for_next(button=button)
+            report.page(person, person.rest())
+            person.enter_when_offered(button)
         code = program.wait()
         report.check(code == 0, "the program ended with 0", f"the program ended with {code}: {program.said}")
         report.check(
