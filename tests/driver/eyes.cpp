@@ -52,10 +52,9 @@ std::string Describe(HWND hwnd)
     // The window of the display server that shows it; zero for a control, which has none.
     const unsigned long nScreenWindow = HandleToULong(GetPropW(hwnd, L"__wine_x11_whole_window"));
 
-    std::string json =
-        std::format(R"({{"handle":{},"owner":{},"process":{},"screen_window":{},"class":{},"id":{},"text":{},)",
-                    Number(hwnd), Number(GetWindow(hwnd, GW_OWNER)), dwProcess, nScreenWindow, Quoted(ClassOf(hwnd)),
-                    nId, Quoted(TitleOf(hwnd)));
+    std::string json = std::format(
+        R"({{"handle":{},"owner":{},"process":{},"screen_window":{},"class":{},"id":{},"text":{},)", Number(hwnd),
+        Number(GetWindow(hwnd, GW_OWNER)), dwProcess, nScreenWindow, Quoted(ClassOf(hwnd)), nId, Quoted(TitleOf(hwnd)));
     json +=
         std::format(R"("x":{},"y":{},"width":{},"height":{},"style":{},"extended":{},"visible":{},"enabled":{},)",
                     rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,
