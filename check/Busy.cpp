@@ -2,7 +2,7 @@
 
 #include "check/Picture.h"
 #include "check/Stopping.h"
-#include "person/Reading.h"
+#include "driver/Reading.h"
 
 #include <algorithm>
 #include <set>

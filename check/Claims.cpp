@@ -1,7 +1,7 @@
 #include "check/Claims.h"
 
 #include "check/Pages.h"
-#include "person/Json.h"
+#include "driver/Json.h"
 
 #include <format>
 

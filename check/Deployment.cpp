@@ -2,7 +2,7 @@
 #include "check/Installer.h"
 #include "check/Stopping.h"
 #include "check/Walk.h"
-#include "person/Reading.h"
+#include "driver/Reading.h"
 
 #include <commctrl.h>
 #include <miniz.h>

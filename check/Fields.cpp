@@ -2,7 +2,7 @@
 
 #include "check/Hands.h"
 #include "check/Stopping.h"
-#include "person/Reading.h"
+#include "driver/Reading.h"
 
 #include <winsock2.h>
 

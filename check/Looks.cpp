@@ -1,7 +1,7 @@
 // What a careful eye finds on a page.
 #include "check/Hands.h"
 #include "check/Walk.h"
-#include "person/Measure.h"
+#include "driver/Measure.h"
 
 #include <commctrl.h>
 

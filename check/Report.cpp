@@ -1,7 +1,7 @@
 #include "check/Report.h"
 
 #include "check/Private.h"
-#include "person/Json.h"
+#include "driver/Json.h"
 
 #include <format>
 

@@ -1,6 +1,6 @@
 #include "check/Sight.h"
 
-#include "person/Reading.h"
+#include "driver/Reading.h"
 
 #include <commctrl.h>
 #include <oleacc.h>

@@ -68,5 +68,5 @@ private:
 // Says of the page that is shown all that the claims of each page say.
 void LookAtPage(const CWalk& walk, int nPage);
 
-// The texts of a dialog that have no room, or nothing; pszFont as in person/Measure.h.
+// The texts of a dialog that have no room, or nothing; pszFont as in driver/Measure.h.
 std::wstring CutTexts(const std::vector<const PART*>& parts, PCSTR pszFont);

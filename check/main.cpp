@@ -18,8 +18,8 @@
 #include "check/Progress.h"
 #include "check/Report.h"
 #include "check/Stopping.h"
+#include "driver/Json.h"
 #include "kit/Request.h"
-#include "person/Json.h"
 
 #include <objbase.h>
 #include <shellapi.h>

@@ -9,14 +9,13 @@ from dataclasses import dataclass
 from pathlib import Path
 from statistics import median
 
-import pages
-import places
-import program as programs
-from answering import Answering
-from executable import Executable
-from package import write_package
-from program import windows_path
-from watch import Watch
+from driver import pages, places
+from driver import program as programs
+from driver.answering import Answering
+from driver.executable import Executable
+from driver.package import write_package
+from driver.places import windows_path
+from driver.watch import Watch
 
 # What the program itself waits before each adb command and before it looks at a connection.
 PAUSE_BEFORE_ADB = 2000.0
@@ -85,7 +84,7 @@ class BenchProgram(Answering):
     """One of this folder's programs, which answers with numbers."""
 
     def __init__(self, name: str, *arguments: str) -> None:
-        super().__init__(places.bench(name), *arguments, patience=PATIENCE)
+        super().__init__(places.helper(f"bench/bench-{name}"), *arguments, patience=PATIENCE)
 
     def measure(self, *words: object) -> list[float]:
         return [float(number) for number in self.ask("\t".join(map(str, words))).split()]
@@ -119,11 +118,11 @@ def unpacking(rounds: int) -> list[Figure]:
 def starting(rounds: int) -> list[Figure]:
     """From the start of the process to its first page, against Install and an empty dialog added up. Program and
     dialog are started alike."""
-    tools = programs.working_folder()
+    tools = places.working_folder()
     folder = drive_c("bench tools")
     copy = shutil.copy(places.installer(), drive_c("KalvoApkInstaller.exe"))
     installing = under_launcher(windows_path(Path(copy)))
-    empty = under_launcher(f'{wine_path(places.bench("dialog"))} "{pages.TITLE}"')
+    empty = under_launcher(f'{wine_path(places.helper("bench/bench-dialog"))} "{pages.TITLE}"')
     unpacker = BenchProgram("install", windows_path(folder))
     with BenchProgram("wizard", pages.TITLE) as driver, unpacker as answering:
 
@@ -144,11 +143,11 @@ def starting(rounds: int) -> list[Figure]:
 def main_job(rounds: int) -> list[Figure]:
     """The whole way through the wizard, with nobody in front of it who takes time, on a watch that plays along; the
     adb commands of that way alone; and the same way through as many pages with nothing on them."""
-    empty = under_launcher(f'{wine_path(places.bench("pages"))} "{pages.TITLE}"')
+    empty = under_launcher(f'{wine_path(places.helper("bench/bench-pages"))} "{pages.TITLE}"')
     folder = drive_c("bench tools")
     with Watch() as watch, BenchProgram("wizard", pages.TITLE) as driver:
-        package = write_package(programs.downloads())
-        installer = windows_path(Path(shutil.copy(places.installer(), programs.downloads())))
+        package = write_package(places.downloads())
+        installer = windows_path(Path(shutil.copy(places.installer(), places.downloads())))
         with BenchProgram("install", windows_path(folder)) as answering:
             install_tools(answering, folder)
         adb = f'"{windows_path(folder)}\\platform-tools\\adb.exe"'
@@ -183,7 +182,7 @@ def main_job(rounds: int) -> list[Figure]:
 
         def measure_at_first_page() -> tuple[float, float]:
             memory = driver.measure("start", under_launcher(installer))[1]
-            shutil.rmtree(programs.working_folder(), ignore_errors=True)
+            shutil.rmtree(places.working_folder(), ignore_errors=True)
             return memory, driver.measure("start", empty)[1]
 
         firsts = [measure_at_first_page() for _ in range(rounds)]

@@ -3,8 +3,8 @@
 import json
 from dataclasses import dataclass
 
-import places
-from answering import Answering
+from driver import places
+from driver.answering import Answering
 
 # Where its tools are; the blank is meant.
 FOLDER = "C:\\adb tools"
@@ -34,7 +34,7 @@ class Commander(Answering):
     """The program that issues the commands. A context manager; adb's server does not outlive it."""
 
     def __init__(self) -> None:
-        super().__init__(places.commands(), FOLDER, patience=PATIENCE)
+        super().__init__(places.helper("commands/commands"), FOLDER, patience=PATIENCE)
 
     def __exit__(self, *reason: object) -> None:
         if self.answers:

@@ -11,12 +11,11 @@ from collections.abc import Callable
 from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
-import network
-import places
 from commander import ADB, Answer, Commander
-from program import windows_path
-from waiting import wait_for
-from watch import Watch
+from driver import network, places
+from driver.places import windows_path
+from driver.waiting import wait_for
+from driver.watch import SecondWatch, Watch
 
 # The watch has taken the package, and says nothing about it, or no more than adb has taken of it by now.
 SILENT = "install: stays silent"
@@ -33,12 +32,6 @@ CLOSED = "192.168.1.100:43299"
 NOBODY = "192.168.1.55:43210"
 ALREADY_CONNECTED = f"already connected to {DEBUGGING}"
 QUIET = subprocess.DEVNULL
-
-
-class SecondWatch(Watch):
-    """Another watch of the same home, at the other address of that host."""
-
-    address = "192.168.1.1"
 
 
 def stop_server() -> None:

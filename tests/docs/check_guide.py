@@ -1,8 +1,6 @@
 #!/usr/bin/env python3
 """Checks docs/guide.md against the program: whatever the program can say, the guide explains.
 
-    check_guide.py    with tests/person in PYTHONPATH
-
 Texts that users see are wide literals of the sources, rows of the table of outcomes, and titles and status lines of the
 resources. A literal that is neither explained nor named below as one that nobody sees is a fault.
 """
@@ -10,9 +8,7 @@ resources. A literal that is neither explained nor named below as one that nobod
 import re
 import sys
 
-import guide
-import outcomes
-import places
+from driver import guide, outcomes, places
 
 # Where the product's sources are.
 FOLDERS = ("app", "tools", "adb", "net", "wizard")

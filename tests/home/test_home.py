@@ -10,12 +10,13 @@ from pathlib import Path
 HERE = Path(__file__).parent
 HOME = str(HERE / "home")
 TEMPLATE = Path("/wine-prefix")
+WITH_SCREEN = ("--dpi", "96")
 PROBE = Path(os.environ["KALVO_BUILD"]) / "wine" / "tests" / "probe.exe"
 
 
 def in_home(script: str, *switches: str) -> subprocess.CompletedProcess[str]:
-    """Runs a shell script in a home of its own."""
-    command = [HOME, *switches, "bash", "-ec", script]
+    """Runs a shell script in a home of its own, by default one without a screen."""
+    command = [HOME, *(switches or ("--no-display",)), "bash", "-ec", script]
     return subprocess.run(command, stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=60)
 
 
@@ -36,62 +37,59 @@ class Home(unittest.TestCase):
         self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
         return done.stdout.strip()
 
-    def test_the_watch_answers_from_the_other_host(self) -> None:
-        self.check("ping -c 1 -W 2 192.168.1.100 && ping -c 1 -W 2 192.168.1.1", "--no-display")
-        addresses = self.check("$KALVO_WATCH_HOST hostname -I", "--no-display").split()
+    def test_the_watch_answers_from_the_other_host_and_nothing_leads_further(self) -> None:
+        self.check("ping -c 1 -W 2 192.168.1.100 && ping -c 1 -W 2 192.168.1.1")
+        addresses = self.check("$KALVO_WATCH_HOST hostname -I").split()
         self.assertIn("192.168.1.100", addresses)
         self.assertNotIn("192.168.1.2", addresses)
-
-    def test_nothing_leads_out_of_the_network(self) -> None:
-        script = "ip -o link | cut -d: -f2 | cut -d@ -f1"
         for where in ("", "$KALVO_WATCH_HOST "):
-            self.assertEqual(self.check(f"{where}{script}", "--no-display").split(), ["lo", "lan"])
-        self.assertEqual(self.check("ip route show default", "--no-display").split()[:3], ["default", "via", "192.168.1.1"])
-        self.assertEqual(self.check("$KALVO_WATCH_HOST ip route show default", "--no-display"), "")
+            links = self.check(f"{where}ip -o link | cut -d: -f2 | cut -d@ -f1")
+            self.assertEqual(links.split(), ["lo", "lan"])
+        self.assertEqual(self.check("ip route show default").split()[:3], ["default", "via", "192.168.1.1"])
+        self.assertEqual(self.check("$KALVO_WATCH_HOST ip route show default"), "")
 
     def test_the_computer_knows_its_own_name_and_no_name_server(self) -> None:
-        self.assertIn("192.168.1.2", self.check("getent hosts $(uname -n)", "--no-display"))
-        self.assertNotIn("nameserver", self.check("cat /etc/resolv.conf", "--no-display"))
+        self.assertIn("192.168.1.2", self.check("getent hosts $(uname -n)"))
+        self.assertNotIn("nameserver", self.check("cat /etc/resolv.conf"))
 
     def test_there_is_a_screen_and_windows_alone_orders_what_is_on_it(self) -> None:
-        windows = self.check(r"""wine reg query 'HKCU\Software\Wine\Explorer' /v Desktop; xdotool search --name . getwindowname %@""")
-        self.assertIn("home - Wine Desktop", windows)
-        self.assertEqual(self.check("echo ${DISPLAY-none}", "--no-display"), "none")
+        ask = r"wine reg query 'HKCU\Software\Wine\Explorer' /v Desktop; xdotool search --name . getwindowname %@"
+        self.assertIn("home - Wine Desktop", self.check(ask, *WITH_SCREEN))
+        self.assertEqual(self.check("echo ${DISPLAY-none}"), "none")
 
-    def test_windows_is_a_copy_of_the_template(self) -> None:
+    def test_windows_is_a_copy_of_the_template_with_its_own_registry(self) -> None:
         mark = f"mark-{uuid.uuid4()}"
-        self.check(f'touch "$WINEPREFIX/drive_c/{mark}" && ls "$WINEPREFIX/system.reg"', "--no-display")
+        before = (TEMPLATE / "user.reg").read_bytes()
+        self.check(
+            f'touch "$WINEPREFIX/drive_c/{mark}"; '
+            rf"wine reg add 'HKCU\Software\{mark}' /f; wineserver -w; grep {mark} $WINEPREFIX/user.reg"
+        )
         self.assertFalse((TEMPLATE / "drive_c" / mark).exists())
+        self.assertEqual((TEMPLATE / "user.reg").read_bytes(), before)
 
     def test_what_windows_shares_with_the_template_cannot_be_written(self) -> None:
         """Its programs are links to Wine's own."""
         program = "$WINEPREFIX/drive_c/windows/notepad.exe"
-        writers = (f"echo >>{program}", r"wine cmd /c 'copy /y C:\windows\win.ini C:\windows\notepad.exe'")
-        for write in writers:
+        for write in (f"echo >>{program}", r"wine cmd /c 'copy /y C:\windows\win.ini C:\windows\notepad.exe'"):
             with self.subTest(write):
-                self.check(f"[ -L {program} ]; if {write}; then exit 1; fi; [ -L {program} ]", "--no-display")
-
-    def test_a_home_has_its_own_registry(self) -> None:
-        before = (TEMPLATE / "user.reg").read_bytes()
-        self.check(r"wine reg add 'HKCU\Software\Mark' /f; wineserver -w; grep Mark $WINEPREFIX/user.reg", "--no-display")
-        self.assertEqual((TEMPLATE / "user.reg").read_bytes(), before)
+                self.check(f"[ -L {program} ]; if {write}; then exit 1; fi; [ -L {program} ]")
 
     def test_windows_believes_in_the_resolution(self) -> None:
         ask = r"echo $KALVO_DPI; wine reg query 'HKCU\Control Panel\Desktop' /v LogPixels"
         said = self.check(ask, "--no-display", "--dpi", "144").splitlines()
         self.assertEqual(said[0], "144")
         self.assertIn("0x90", said[-1])
-        self.assertEqual(self.check("echo $KALVO_DPI", "--no-display"), "96")
+        self.assertEqual(self.check("echo $KALVO_DPI"), "96")
 
     def test_a_program_that_crashes_is_gone_at_once(self) -> None:
         """A debugger would show a box, hold what the program held, and have the keyboard."""
-        status = self.check(f"wine {PROBE} crash 2>/dev/null || echo status $?; ps -A -o args=")
+        status = self.check(f"wine {PROBE} crash 2>/dev/null || echo status $?; ps -A -o args=", *WITH_SCREEN)
         self.assertIn("status ", status)
         self.assertNotIn("winedbg", status)
 
     def test_the_exit_status_is_the_commands(self) -> None:
-        self.assertEqual(in_home("exit 7", "--no-display").returncode, 7)
-        self.assertEqual(in_home("exit 7").returncode, 7)
+        for switches in (("--no-display",), WITH_SCREEN):
+            self.assertEqual(in_home("exit 7", *switches).returncode, 7)
 
     def test_a_wrong_command_line_is_refused(self) -> None:
         for arguments in ((), ("--no-display",), ("--dpi", "many", "true"), ("--dpi",), ("--other", "true")):
@@ -122,7 +120,7 @@ class Home(unittest.TestCase):
         begin = time.monotonic()
         # The sleeper holds the pipe that this test reads to its end.
         runs_inside = f'until grep -qa "^{mark}" /proc/$!/cmdline; do sleep 0.01; done; echo sleeps'
-        said = self.check(f"(exec -a {mark} sleep 300) & {runs_inside}; wine cmd /c ver", "--no-display")
+        said = self.check(f"(exec -a {mark} sleep 300) & {runs_inside}; wine cmd /c ver")
         self.assertIn("sleeps", said)
         self.assertLess(time.monotonic() - begin, 30)
         self.assertFalse(runs(mark))
@@ -146,7 +144,7 @@ class Home(unittest.TestCase):
             return mounts, subprocess.run(["ip", "-o", "link"], capture_output=True, text=True, check=True).stdout
 
         before = state()
-        self.check("true")
+        self.check("true", *WITH_SCREEN)
         self.assertEqual(state(), before)
 
 
@@ -156,18 +154,13 @@ class TestProgramsOfWindows(unittest.TestCase):
     # What GoogleTest does when the last test is done.
     THE_END = "del %TEST_PREMATURE_EXIT_FILE%"
 
-    def run_program(self, commands: str) -> subprocess.CompletedProcess[str]:
-        return in_home(f"{HERE / 'gtest'} cmd.exe /c '{commands}'", "--no-display")
-
-    def test_the_exit_status_is_the_programs(self) -> None:
+    def test_the_exit_status_counts_and_an_end_before_the_last_test_is_a_failure(self) -> None:
         for status in (0, 5):
-            self.assertEqual(self.run_program(f"{self.THE_END} & exit {status}").returncode, status)
-
-    def test_an_end_before_the_last_test_is_a_failure_with_any_status(self) -> None:
-        for status in (0, 5):
-            done = self.run_program(f"exit {status}")
-            self.assertEqual(done.returncode, 1)
-            self.assertIn(f"cmd.exe ended before its last test, with status {status}", done.stderr)
+            done = in_home(f"{HERE / 'gtest'} cmd.exe /c '{self.THE_END} & exit {status}'")
+            self.assertEqual(done.returncode, status)
+            early = in_home(f"{HERE / 'gtest'} cmd.exe /c 'exit {status}'")
+            self.assertEqual(early.returncode, 1)
+            self.assertIn(f"cmd.exe ended before its last test, with status {status}", early.stderr)
 
 
 if __name__ == "__main__":

@@ -3,17 +3,13 @@
 Every failure ends in a box, which is read, kept as a picture and dismissed, and on the page where it began.
 """
 
-import os
-import unittest.mock
+from typing import Any
 
-import guide
-import looks
-import places
-from evidence import crash_of_another
-from installation import InstallationTest
-from program import adb_is_running
-from waiting import wait_for
-from watch import Watch
+from driver import wine
+from driver.evidence import crash_of_another
+from driver.waiting import wait_for
+from driver.watch import Watch
+from wizardtest import WizardTest
 
 RESTART = (
     "Steps to restart installation:\n1. Close this installer program.\n"
@@ -49,48 +45,38 @@ TRY_AGAIN = "Unable to install the APK, please press Next to try again"
 NOT_STOPPED = "Unable to stop the adb service. Please report this error to KALVO\n"
 PARSE_ERROR = ("Error parsing command output", "ADB_PARSE_ERROR (6)")
 
+# Status lines of the install page.
+CONNECTING = "Connecting to 192.168.1.100:43210 (attempt {} of 3)"
+INSTALLING = "Installing Solvane Watch 2.1.apk (attempt {} of 3)"
 
-class FailureTest(InstallationTest):
+
+class FailureTest(WizardTest):
     """A wizard and a watch that can be made another one at any time, in the same place."""
 
-    # Calls of the program that fail besides what goes wrong in the home, as the stand-ins read them.
-    faults = ""
-
-    def setUp(self) -> None:
-        self.enterContext(unittest.mock.patch.dict(os.environ, {"KALVO_FAULTS": self.faults}))
-        super().setUp()
-        self._seen_before = 0
-
-    def restart_watch(self, *switches: str) -> None:
+    def restart_watch(self, *switches: str, port: int = 43210) -> None:
         """From now on the watch behaves as these switches say."""
         self.watch.switch_off()
-        self.watch = self.enterContext(Watch(*self.watch_switches, *switches))
-
-    def rewrite(self, control_id: int, text: str) -> None:
-        """Replaces what an edit holds."""
-        self.person.click_control(control_id)
-        self.person.press("ctrl+a")
-        self.person.type(text)
-        self.person.expect(control_id, text)
+        self.watch = self.enterContext(Watch(*self.watch_switches, *switches, port=port))
 
     def press_next(self) -> None:
         """From here on status lines count as new."""
         self._seen_before = len(self.person.statuses)
         self.person.enter_when_offered()
 
+    def seen(self) -> list[str]:
+        """The status lines since Next was pressed that were there long enough to be read."""
+        return [line for _, line in self.person.statuses[self._seen_before :]]
+
     def expect_box(self, picture: str, caption: str, message: str, status: str, owned: bool = True) -> None:
         """The next box: its words, the status line behind it, its picture. Ends with the box dismissed."""
         box = self.person.wait_for_box(caption)
         self.assertEqual(box.message, message)
-        self.assertEqual(box.buttons, ("OK",))
         sight = self.person.look()
         self.assertEqual(sight.status, status)
         assert sight.frame
         self.assertEqual(box.window.owner, sight.frame.handle if owned else 0)
         self.assertEqual(sight.view.foreground, box.window.handle)
-        self.assertTrue(guide.explains(box), f"the guide does not explain {box}")
-        self.assertEqual(looks.look_at_box(self.person.eyes, box), [])
-        self.person.picture(places.build() / "run" / "boxes" / f"{picture}.png", box.window)
+        self.expect_sound(box, picture)
         self.person.dismiss(box)
 
     def expect_page(self, number: int, status: str) -> None:
@@ -108,19 +94,37 @@ class FailureTest(InstallationTest):
         self.expect_box(picture, caption, message, status if behind is None else behind, owned)
         self.expect_page(number, status)
 
+    def expect_next_to_fail(self, picture: str, caption: str, message: str, status: str, **how: Any) -> None:
+        """The same, of the next step."""
+        self.press_next()
+        self.expect_failure(picture, caption, message, status, **how)
+
+    def expect_next_to_lead_to(self, number: int) -> None:
+        self.press_next()
+        self.person.wait_for_page(number)
+
+    def expect_installation(self) -> None:
+        """The next step leads on, with the package on the watch byte for byte."""
+        self.expect_next_to_lead_to(8)
+        self.assertTrue(self.watch.has_received(self.package))
+
+    def expect_unexpected_connect(self, picture: str, port: int) -> None:
+        """Two boxes in a row, and adb's server goes on."""
+        self.press_next()
+        connecting = f"Connecting to {self.watch.address}:{port} (attempt 1 of 3)"
+        self.expect_box(f"{picture}-1", "ADB Install", UNEXPECTED_CONNECT.format(*PARSE_ERROR), connecting)
+        self.expect_failure(f"{picture}-2", "Install APK", NOT_TRUSTED, PARSE_ERROR[0])
+        self.expect_adb(runs=True)
+
     def expect_seen(self, *lines: str) -> None:
-        """The status lines since Next was pressed that were there long enough to be read, in this order."""
-        seen = [line for _, line in self.person.statuses[self._seen_before :]]
-        self.assertEqual([line for line in seen if line in lines], list(lines), seen)
+        """These lines were seen, in this order."""
+        self.assertEqual([line for line in self.seen() if line in lines], list(lines), self.seen())
 
     def expect_some_seen(self, *lines: str) -> None:
         """The same, of lines that may be gone too soon: more than one was seen, in this order, none twice."""
-        seen = [line for _, line in self.person.statuses[self._seen_before :] if line in lines]
+        seen = [line for line in self.seen() if line in lines]
         self.assertGreater(len(seen), 1)
         self.assertEqual(seen, [line for line in lines if line in seen])
-
-    def expect_not_seen(self, line: str) -> None:
-        self.assertNotIn(line, [seen for _, seen in self.person.statuses[self._seen_before :]])
 
     def expect_adb(self, runs: bool) -> None:
         """Whether the installer leaves adb's server running. A server that crashed, as adb's does now and then when a
@@ -128,9 +132,9 @@ class FailureTest(InstallationTest):
         asked = [line for line in self.program.transcript.splitlines() if line.startswith("> ")]
         self.assertEqual(asked[-1].endswith(" kill-server"), not runs, asked)
         if not (runs and crash_of_another(self.program.said)):
-            wait_for(f"adb's server {'to run' if runs else 'to end'}", lambda: adb_is_running() == runs)
+            wait_for(f"adb's server {'to run' if runs else 'to end'}", lambda: bool(wine.adb_processes()) == runs)
 
 
-def attempts(line: str) -> list[str]:
-    """The three lines of three attempts."""
-    return [line.format(attempt) for attempt in (1, 2, 3)]
+def attempts(line: str, most: int = 3) -> list[str]:
+    """The lines of so many attempts."""
+    return [line.format(attempt) for attempt in range(1, most + 1)]

@@ -6,20 +6,16 @@ Prints every page's title, the status lines and what came of it. Ends with 0 onl
 """
 
 import sys
-from functools import partial
 from pathlib import Path
 
-import pages
-from eyes import Eyes
-from journey import go_on, go_to_page
-from package import write_package
-from person import Person
-from program import Program, left_behind, own_folder
-from watch import Watch
-from wizard import Sight
-
-# Wine itself starts in this time, too.
-START = 60.0
+from driver import pages, places
+from driver.eyes import Eyes
+from driver.journey import fill_in
+from driver.package import write_package
+from driver.person import Person
+from driver.program import Program, left_behind
+from driver.watch import Watch
+from driver.wizard import Sight
 
 
 class Report:
@@ -56,14 +52,18 @@ class Report:
 
 
 def install(folder: Path) -> int:
-    with Watch() as watch, Eyes() as eyes, Program(own_folder()) as program:
+    with Watch() as watch, Eyes() as eyes, Program(folder=places.own_folder()) as program:
         package = write_package(program.folder)
         report = Report(folder)
         person = Person(eyes, report.status)
-        filled = partial(report.page, person)
-        person.wait_for_page(1, START)
-        go_to_page(person, len(pages.PAGES), watch, filled)
-        go_on(person, watch, filled)
+        person.wait_for_first_page()
+        for page in pages.PAGES:
+            person.wait_for_page(page.number)
+            fill_in(person, page, watch)
+            button = "Finish" if page is pages.PAGES[-1] else "Next"
+            person.wait_for_next(button=button)
+            report.page(person, person.rest())
+            person.enter_when_offered(button)
         code = program.wait()
         report.check(code == 0, "the program ended with 0", f"the program ended with {code}: {program.said}")
         report.check(

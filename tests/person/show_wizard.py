@@ -5,13 +5,13 @@ Prints what the person would read off the watch, and ends with the wizard.
 
 import sys
 
-from package import write_package
-from program import Program
-from watch import Watch
+from driver.package import write_package
+from driver.program import Program
+from driver.watch import Watch
 
 
 def main() -> int:
-    with Watch(port=43210, pairing_port=37099) as watch, Program() as program:
+    with Watch() as watch, Program() as program:
         package = write_package(program.folder)
         print(f"The watch shows    address {watch.address}, port {watch.port}")
         print(f"When it pairs      code {watch.code}, port {watch.pairing_port}")

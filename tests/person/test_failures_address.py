@@ -1,17 +1,13 @@
 """The page of the watch's address: everything that can be wrong with the address, its port and the network."""
 
-import os
 import subprocess
 import sys
 import unittest
-from contextlib import contextmanager
 from collections.abc import Iterator
+from contextlib import contextmanager
 
-import network
-import pages
-from eyes import Window
-from failures import BAD_PORT, NO_CONNECTION, NO_NETWORK, NOT_FOUND, FailureTest
-from journey import go_to_page
+from driver import network, pages
+from failures import BAD_PORT, NO_CONNECTION, NO_NETWORK, NOT_FOUND, FailureTest, attempts
 
 # Nobody listens here, and nobody has this address.
 CLOSED_PORT = 43299
@@ -30,11 +26,13 @@ print("deaf", flush=True)
 sys.stdin.read()
 """
 
+INITIAL = "Enter watch IP address and port, then press next."
+
 
 @contextmanager
 def deaf_port() -> Iterator[None]:
     """A port of the watch that answers nothing, neither yes nor no."""
-    command = [*os.environ["KALVO_WATCH_HOST"].split(), sys.executable, "-c", DEAF]
+    command = network.on_watch(sys.executable, "-c", DEAF)
     with subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True) as process:
         assert process.stdin and process.stdout
         assert process.stdout.readline() == "deaf\n"
@@ -44,68 +42,46 @@ def deaf_port() -> Iterator[None]:
 
 class Address(FailureTest):
     def test_page_5(self) -> None:
-        go_to_page(self.person, 5, self.watch)
-        initial = "Enter watch IP address and port, then press next."
+        self.go_to_page(5)
         self.person.type("55")
         self.person.write(pages.PORT, "1023")
+        self.expect_next_to_fail("address-port-too-low", "Invalid Port Value", BAD_PORT, INITIAL)
+        self.person.rewrite(pages.PORT, "65536")
+        self.expect_next_to_fail("address-port-too-high", "Invalid Port Value", BAD_PORT, INITIAL)
 
-        self.press_next()
-        self.expect_failure("address-port-too-low", "Invalid Port Value", BAD_PORT, initial)
-        self.rewrite(pages.PORT, "65536")
-        self.press_next()
-        self.expect_failure("address-port-too-high", "Invalid Port Value", BAD_PORT, initial)
-
-        self.rewrite(pages.PORT, "43210")
-        self.press_next()
-        self.expect_failure("address-of-nobody", "Invalid IP address", NOT_FOUND, "Unreachable")
-        self.expect_pings(NOBODY)
-
-        self.person.click(self.last_field(), times=2)
+        self.person.rewrite(pages.PORT, "43210")
+        self.expect_nobody("address-of-nobody", NOBODY)
+        self.person.click(self.person.look().control(pages.ADDRESS).fields[-1], times=2)
         self.person.type("100")
         self.person.expect(pages.ADDRESS, "192.168.1.100")
         network.unplug_watch()
-        self.press_next()
-        self.expect_failure("address-watch-away", "Invalid IP address", NOT_FOUND, "Unreachable")
-        self.expect_pings("192.168.1.100")
+        self.expect_nobody("address-watch-away", "192.168.1.100")
         network.plug_in_watch()
 
-        caption = "Wireless Debugging Connection"
-        closed = f"192.168.1.100:{CLOSED_PORT}"
-        self.rewrite(pages.PORT, str(CLOSED_PORT))
-        self.press_next()
-        self.expect_failure("address-closed-port", caption, NO_CONNECTION, f"Could not connect to {closed}")
-        self.expect_tries(closed)
-
-        deaf = f"192.168.1.100:{DEAF_PORT}"
-        self.rewrite(pages.PORT, str(DEAF_PORT))
+        # Each try is there for a fifth of a second; at a port that stays silent, for longer.
+        self.expect_some_seen(*self.expect_no_connection("address-closed-port", CLOSED_PORT))
         with deaf_port():
-            self.press_next()
-            self.expect_failure("address-silent-port", caption, NO_CONNECTION, f"Could not connect to {deaf}")
-            self.expect_seen(*(f"Connecting to {deaf} ({attempt} of 7)" for attempt in range(1, 8)))
+            self.expect_seen(*self.expect_no_connection("address-silent-port", DEAF_PORT))
 
         # The watch has turned debugging off and on again, which gives it another port.
         self.watch.switch_off()
-        self.rewrite(pages.PORT, "43210")
-        self.press_next()
-        self.expect_failure(
-            "address-debugging-off", caption, NO_CONNECTION, "Could not connect to 192.168.1.100:43210"
-        )
+        self.expect_no_connection("address-debugging-off", 43210)
         self.restart_watch()
-        self.press_next()
-        self.person.wait_for_page(6)
-        self.person.press("Escape")
-        self.finish()
+        self.expect_next_to_lead_to(6)
+        self.leave()
 
-    def last_field(self) -> Window:
-        return max(self.person.look().control(pages.ADDRESS).children, key=lambda window: window.x)
-
-    def expect_pings(self, address: str) -> None:
+    def expect_nobody(self, picture: str, address: str) -> None:
+        self.expect_next_to_fail(picture, "Invalid IP address", NOT_FOUND, "Unreachable")
         # When the network finds out that nobody is there, several fail at once.
-        self.expect_some_seen(*(f"Pinging {address} ({attempt} of 6)" for attempt in range(1, 7)), "Unreachable")
+        self.expect_some_seen(*attempts(f"Pinging {address} ({{}} of 6)", 6), "Unreachable")
 
-    def expect_tries(self, address: str) -> None:
-        # Each is there for a fifth of a second.
-        self.expect_some_seen(*(f"Connecting to {address} ({attempt} of 7)" for attempt in range(1, 8)))
+    def expect_no_connection(self, picture: str, port: int) -> list[str]:
+        """Gives the lines of the tries."""
+        self.person.rewrite(pages.PORT, str(port))
+        place = f"192.168.1.100:{port}"
+        caption = "Wireless Debugging Connection"
+        self.expect_next_to_fail(picture, caption, NO_CONNECTION, f"Could not connect to {place}")
+        return attempts(f"Connecting to {place} ({{}} of 7)", 7)
 
 
 class Offline(FailureTest):
@@ -114,27 +90,18 @@ class Offline(FailureTest):
     faults = "IcmpSendEcho2@1=fail:1231"
 
     def test_page_5(self) -> None:
-        go_to_page(self.person, 5, self.watch)
+        self.go_to_page(5)
         self.person.type("100")
         self.person.write(pages.PORT, "43210")
         network.unplug_computer()
-        pinging = "Pinging 192.168.1.100 (1 of 6)"
-        self.press_next()
-        self.expect_failure("no-network", "No Network Connection", NO_NETWORK, "Unreachable")
-        self.press_next()
-        self.expect_failure(
-            "echo-not-sent",
-            "Win32 Error",
-            "CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_Ping() > icmp.SendEchoRequest() failed with error "
-            "0x00002B2A: \r\n",
-            pinging,
-        )
+        self.expect_next_to_fail("no-network", "No Network Connection", NO_NETWORK, "Unreachable")
+        call = "CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_Ping() > icmp.SendEchoRequest()"
+        message = f"{call} failed with error 0x00002B2A: \r\n"
+        self.expect_next_to_fail("echo-not-sent", "Win32 Error", message, "Pinging 192.168.1.100 (1 of 6)")
         network.plug_in_computer()
 
-        self.press_next()
-        self.person.wait_for_page(6)
-        self.person.press("Escape")
-        self.finish()
+        self.expect_next_to_lead_to(6)
+        self.leave()
 
 
 if __name__ == "__main__":

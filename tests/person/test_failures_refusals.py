@@ -2,11 +2,8 @@
 
 import unittest
 
-from failures import UNEXPECTED_INSTALL, FailureTest, attempts
-from journey import go_to_page
-from steps import step
+from failures import INSTALLING, UNEXPECTED_INSTALL, FailureTest, attempts
 
-INSTALLING = "Installing Solvane Watch 2.1.apk (attempt {} of 3)"
 REINSTALL = (
     "There is a version of Solvane Watch 2.1.apk already installed on the device.\n\n"
     "Please manually uninstall it and then press Next."
@@ -55,37 +52,28 @@ class Refusals(FailureTest):
     watch_switches = ("--trust-all", *(word for reply in REPLIES for word in ("--reply", reply)))
 
     def test_page_7(self) -> None:
-        go_to_page(self.person, 7, self.watch, pair=False)
+        self.go_to_page(7, pair=False)
         for name, picture, status, message in REFUSALS:
-            with step(self, name):
-                self.press_next()
-                self.expect_failure(picture, "ADB Install", message, status, behind=INSTALLING.format(1))
-                self.expect_not_seen(INSTALLING.format(2))
+            with self.step(name):
+                self.expect_next_to_fail(picture, "ADB Install", message, status, behind=INSTALLING.format(1))
+                self.assertNotIn(INSTALLING.format(2), self.seen())
                 self.expect_adb(runs=False)
 
-        with step(self, "a name that nobody knows"):
+        with self.step("a name that nobody knows"):
             self.press_next()
-            self.expect_box(
-                "unknown-name-1",
-                "GetFailedToInstallExitCode()",
-                "Unknown ADB_EXIT_CODE, please report to KALVO",
-                INSTALLING.format(1),
-                owned=False,
-            )
+            caption, message = "GetFailedToInstallExitCode()", "Unknown ADB_EXIT_CODE, please report to KALVO"
+            self.expect_box("unknown-name-1", caption, message, INSTALLING.format(1), owned=False)
             message = UNEXPECTED_INSTALL.format(UNKNOWN, "INSTALL_FAILED_KALVO_UNKNOWN_ERROR (301)")
             self.expect_failure("unknown-name-2", "ADB Install", message, UNKNOWN, behind=INSTALLING.format(1))
 
-        with step(self, "a failure without a readable name has no box"):
+        with self.step("a failure without a readable name has no box"):
             self.press_next()
             self.person.wait_until("the last word", lambda sight: sight.boxes or sight.status == "Install failed.", 90)
             self.expect_page(7, "Install failed.")
             self.expect_seen(*attempts(INSTALLING), "Install failed.")
 
-        self.press_next()
-        self.person.wait_for_page(8)
-        self.assertTrue(self.watch.has_received(self.package))
-        self.person.press("Escape")
-        self.finish()
+        self.expect_installation()
+        self.leave()
 
 
 if __name__ == "__main__":

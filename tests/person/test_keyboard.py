@@ -1,52 +1,31 @@
-"""The whole way with Space and Enter, as the first page promises, and back and forth again."""
+"""Space and Enter, where they tick and where they do nothing; back and forth again. The whole way is main_job.py's."""
 
 import unittest
 
-import pages
-from installation import InstallationTest
-from journey import fill_in, go_to_page
-from wizard import Sight
+from driver import pages
+from driver.wizard import Sight
+from wizardtest import WizardTest
 
 LAST = len(pages.PAGES)
 
 
-class TheKeyboardAlone(InstallationTest):
-    def test_space_and_enter_lead_through_all_pages(self) -> None:
-        for page in pages.PAGES[:-1]:
-            if page.box:
-                self.assertEqual(self.person.look().focus_id, page.box, f"the box of page {page.number} has no keyboard")
-                self.person.press("space")
-            else:
-                fill_in(self.person, page, self.watch)
-            self.person.enter_when_offered()
-            self.person.wait_for_page(page.number + 1)
-        self.person.enter_when_offered("Finish")
-        self.finish()
-        self.assertTrue(self.watch.has_received(self.package), self.watch.events)
-
-    def test_space_ticks_and_unticks(self) -> None:
-        go_to_page(self.person, 2, self.watch)
-        self.assertEqual(self.person.look().buttons, {"Back", "Cancel"})
-        self.person.press("space")
-        self.person.wait_until("Next", lambda sight: sight.buttons == {"Back", "Next", "Cancel"})
-        self.person.press("space")
-        self.person.wait_until("Next to go", lambda sight: sight.buttons == {"Back", "Cancel"})
-
-    def test_enter_does_nothing_while_next_is_hidden(self) -> None:
-        go_to_page(self.person, 2, self.watch)
+class TheKeyboardAlone(WizardTest):
+    def test_space_ticks_and_unticks_and_enter_does_nothing_while_next_is_hidden(self) -> None:
+        page = self.go_to_page(2).page
+        assert page and page.box
         self.assertEqual(self.person.look().buttons, {"Back", "Cancel"})
         # The keys arrive in their order: where Enter led on, the tick would be on another page.
         self.person.press("Return", "space")
-        sight = self.person.wait_until("Next", lambda sight: "Next" in sight.buttons)
-        self.assertEqual(sight.number, 2)
-        self.assertEqual(sight.boxes, ())
-        assert sight.page and sight.page.box
-        self.assertIs(self.person.holds(sight.page.box), True)
+        sight = self.person.wait_for_next()
+        self.assertEqual((sight.number, sight.boxes, sight.buttons), (2, (), {"Back", "Next", "Cancel"}))
+        self.assertIs(self.person.holds(page.box), True)
+        self.person.press("space")
+        self.assertEqual(self.person.wait_for_next(False).buttons, {"Back", "Cancel"})
 
 
-class BackAndForth(InstallationTest):
+class BackAndForth(WizardTest):
     def test_ticks_are_kept_back_to_the_first_page_and_forward_again(self) -> None:
-        go_to_page(self.person, LAST, self.watch)
+        self.go_to_page(LAST)
         for number in range(LAST - 1, 0, -1):
             self.person.click_button("Back")
             sight = self.person.wait_for_page(number)
@@ -64,17 +43,16 @@ class BackAndForth(InstallationTest):
 
     def assert_kept(self, sight: Sight) -> None:
         """What was filled in is still there, and Next with it."""
-        page = sight.page
-        assert page
-        if page.box:
-            self.assertIs(self.person.holds(page.box), True, f"page {page.number} lost its tick")
-        if page.number == 5:
-            self.assertEqual(self.person.holds(pages.ADDRESS), self.watch.address)
-            self.assertEqual(self.person.holds(pages.PORT), str(self.watch.port))
-        if page.number == 6:
-            self.assertEqual(self.person.holds(pages.PAIRING_CODE), self.watch.code)
-        if page.number < LAST:
-            self.assertIn("Next", sight.buttons, f"page {page.number} lost its Next button")
+        kept: dict[int, str | bool] = {}
+        if sight.page and sight.page.box:
+            kept = {sight.page.box: True}
+        elif sight.number == 5:
+            kept = {pages.ADDRESS: self.watch.address, pages.PORT: str(self.watch.port)}
+        elif sight.number == 6:
+            kept = {pages.PAIRING_CODE: self.watch.code}
+        self.assertEqual({control: self.person.holds(control) for control in kept}, kept, f"of page {sight.number}")
+        if sight.number < LAST:
+            self.assertIn("Next", sight.buttons, f"page {sight.number} lost its Next button")
 
 
 if __name__ == "__main__":

@@ -1,34 +1,18 @@
 """What is to be seen on each page and on the About box, measured, at the resolution of the home that it runs in."""
 
-import os
 import unittest
 
-import hands
-import journey
-import looks
-import pages
-import places
-from installation import InstallationTest
-from outcomes import messages
-from steps import step
-from wizard import Sight
+from driver import hands, journey, looks, pages, pixels
+from driver.outcomes import messages
+from driver.wizard import Sight
+from wizardtest import WizardTest
 
 # Where the keyboard is when a page is shown for the first time, where that is not the box to tick.
-FIRST_FOCUS = {
-    1: pages.NEXT,
-    5: pages.ADDRESS,
-    6: pages.PAIRING_CODE,
-    7: pages.APK_PATH,
-    8: pages.NEXT,
-    14: pages.FINISH,
-}
-# The buttons, where they are not Back and Cancel until the page has what it needs and then Next as well.
-ALWAYS = {
-    1: {"Next", "Cancel"},
-    7: {"Back", "Next", "Cancel"},
-    8: {"Back", "Next", "Cancel"},
-    14: {"Back", "Finish"},
-}
+FIRST_FOCUS = {1: pages.NEXT, 5: pages.ADDRESS, 6: pages.PAIRING_CODE, 7: pages.APK_PATH, 8: pages.NEXT}
+FIRST_FOCUS[14] = pages.FINISH
+# The buttons: Back and Cancel until the page has what it needs, then Next as well; but on these pages.
+WAITING, READY = {"Back", "Cancel"}, {"Back", "Next", "Cancel"}
+ALWAYS = {1: {"Next", "Cancel"}, 7: READY, 8: READY, 14: {"Back", "Finish"}}
 
 # The keyboard comes to the box that makes the fields needless after the fields, as the template has it.
 FIELDS_OF_PAIRING = [pages.PAIRING_CODE, pages.PAIRING_PORT]
@@ -39,48 +23,30 @@ PINGING = (f"Pinging {LONGEST_ADDRESS} (6 of 6)", "Unreachable")
 PACKAGE = "Solvane Watch Client 2.1 for Galaxy Watch.apk"
 OUTCOMES = messages()
 
-# Everything that the status lines come to say. The outcomes of a run of adb, and those of pairing.
-RUN = [OUTCOMES[number] for number in (4, 5, 6)]
+# Everything that the status lines come to say: what the page does, and the outcomes of adb.
 STATUS_LINES = {
     5: [*PINGING, f"Connecting to {LONGEST} (7 of 7)", f"Could not connect to {LONGEST}"],
-    6: [
-        *PINGING,
-        "Stopping ADB server",
-        "Pairing attempt 3 of 3",
-        f"Pairing to {LONGEST} | 888888",
-        "Unknown ADB Exit Code",
-        *RUN,
-        OUTCOMES[501],
-    ],
-    7: [
-        *PINGING,
-        f"Connecting to {LONGEST} (attempt 3 of 3)",
-        f"Connected to {LONGEST}",
-        f"Unable to connect to {LONGEST}",
-        f"Installing {PACKAGE} (attempt 3 of 3)",
-        f"Installed {PACKAGE}",
-        "Unable to stop adb service",
-        "Unknown ADB Exit Code",
-        *OUTCOMES.values(),
-    ],
+    6: [*PINGING, "Stopping ADB server", "Pairing attempt 3 of 3", f"Pairing to {LONGEST} | 888888"],
+    7: [*PINGING, f"Connecting to {LONGEST} (attempt 3 of 3)", f"Connected to {LONGEST}"],
 }
+STATUS_LINES[6] += ["Unknown ADB Exit Code", *(OUTCOMES[number] for number in (4, 5, 6, 501))]
+STATUS_LINES[7] += [f"Unable to connect to {LONGEST}", f"Installing {PACKAGE} (attempt 3 of 3)", f"Installed {PACKAGE}"]
+STATUS_LINES[7] += ["Unable to stop adb service", "Unknown ADB Exit Code", *OUTCOMES.values()]
 # Reasons of the watch for which the line of page 7 has no room at any resolution, and one for which it has at some. A
 # box, which has, tells them as well.
 WORDY = [OUTCOMES[number] for number in (308, 309, 312, 314, 316, 339, 340)]
 WORDY_AT_SOME = OUTCOMES[327]
 
+ABOUT = f"{pages.TITLE}\n\nApplication to install APK on Android Device\n\nVersion: 1.4.0"
 
-class Looks(InstallationTest):
-    def setUp(self) -> None:
-        super().setUp()
-        self.folder = places.build() / "run" / f"{os.environ['KALVO_DPI']}dpi"
 
+class Pages(WizardTest):
     def test_every_page(self) -> None:
         for page in pages.PAGES:
-            with step(self, f"page {page.number}"):
+            with self.step(f"page {page.number}"):
                 self.look_before(page)
             journey.fill_in(self.person, page, self.watch)
-            with step(self, f"page {page.number}, filled in"):
+            with self.step(f"page {page.number}, filled in"):
                 self.look_after(page)
             if page is pages.PAGES[-1]:
                 break
@@ -93,7 +59,7 @@ class Looks(InstallationTest):
         """A page as it is shown for the first time."""
         focus = FIRST_FOCUS.get(page.number, page.box)
         self.person.wait_until(f"the keyboard to be at control {focus}", lambda sight: sight.focus_id == focus)
-        sight = self.look(ALWAYS.get(page.number, {"Back", "Cancel"}))
+        sight = self.look(ALWAYS.get(page.number, WAITING))
         self.look_at_status_lines(sight)
         # The way around would end in the first field of the address.
         if page.number != 5:
@@ -103,8 +69,8 @@ class Looks(InstallationTest):
 
     def look_after(self, page: pages.Page) -> None:
         """A page that has all that it needs."""
-        sight = self.look(ALWAYS.get(page.number, {"Back", "Next", "Cancel"}))
-        self.person.picture(self.folder / f"page-{page.number:02}.png")
+        sight = self.look(ALWAYS.get(page.number, READY))
+        self.person.picture(pixels.kept(f"page-{page.number:02}"))
         self.walk(sight)
 
     def look(self, buttons: set[str]) -> Sight:
@@ -138,11 +104,11 @@ class Looks(InstallationTest):
     def look_at_skipped_pairing(self) -> None:
         """Both fields are grey and out of the way of the keyboard."""
         self.person.click_control(pages.SKIP_PAIRING)
-        sight = self.look({"Back", "Next", "Cancel"})
-        self.person.picture(self.folder / "page-06-skipped.png")
+        sight = self.look(READY)
+        self.person.picture(pixels.kept("page-06-skipped"))
         self.walk(sight)
         self.person.click_control(pages.SKIP_PAIRING)
-        self.person.wait_until("Next to go", lambda sight: "Next" not in sight.buttons)
+        self.person.wait_for_next(False)
 
     def walk(self, sight: Sight) -> None:
         """Once around with the Tab key, through everything that can be reached, in the order of reading."""
@@ -157,17 +123,28 @@ class Looks(InstallationTest):
             self.assertEqual(sight.focus_id, expected, stops)
             self.expect_default(sight)
 
-    def test_about_box(self) -> None:
-        self.person.click_control(pages.ABOUT)
+
+class About(WizardTest):
+    def test_a_click_the_space_bar_and_enter_show_it(self) -> None:
+        for key in ("", "space", "Return"):
+            with self.step(f"by {key or 'a click'}"):
+                if key:
+                    self.person.tab_to(pages.ABOUT)
+                    self.person.press(key)
+                else:
+                    self.person.click_control(pages.ABOUT)
+                self.expect_box()
+        self.leave()
+
+    def expect_box(self) -> None:
+        """It has the text, nothing of it is cut, and the keyboard is where it was when it goes."""
         box = self.person.wait_for_box("About")
         hands.move_mouse_away()
-        self.assertEqual(looks.look_at_box(self.person.eyes, box), [])
-        self.person.picture(self.folder / "about.png", box.window)
+        self.assertEqual(box.message, ABOUT)
+        self.expect_sound(box, "about")
         self.person.dismiss(box)
         self.person.wait_until("the page", lambda sight: sight.focus_id == pages.ABOUT)
-        self.person.rest()
-        self.person.press("Escape")
-        self.finish()
+        self.assertEqual(self.person.rest().number, 1)
 
 
 if __name__ == "__main__":

@@ -1,8 +1,6 @@
 // Another program on the user's computer, for what the installer can meet there:
 //   hold FILE        opens the file and lets nobody else open or delete it, says "holding", and gives it
 //                    back at the end of its standard input
-//   handles PID      prints the kinds of handles that a process has open, a line each: the number, a blank, the
-//                    system's name of the kind; a pipe, which to the system is a file, is a kind of its own, "Pipe"
 //   watch            says "watching", and at the end of its standard input which top-level windows have been
 //                    shown since, a line each: handle, blank, title (UTF-8). Also one that is gone again
 //   crash PID        lets a process run where it has no code
@@ -10,12 +8,12 @@
 //                    loaded: yes or no
 //   describe CODE    prints what the system says about an error (UTF-8, line break included)
 // Ends with 1, after a word on standard error, when it cannot.
+#include "driver/Json.h"
 #include "launcher/Handle.h"
 #include "launcher/RemoteLibrary.h"
 
 #include <windows.h>
 
-#include <cstddef>
 #include <cstdio>
 #include <cwchar>
 #include <map>
@@ -32,6 +30,15 @@ int Fail(const char* pszWhat)
     return 1;
 }
 
+// Says a word, and waits for the end of the input.
+void StayUntilEnd(const char* pszWord)
+{
+    std::puts(pszWord);
+    std::fflush(stdout);
+    while (std::getchar() != EOF) {
+    }
+}
+
 int Hold(PCWSTR pszFile)
 {
     const HANDLE hFile =
@@ -39,109 +46,8 @@ int Hold(PCWSTR pszFile)
     if (hFile == INVALID_HANDLE_VALUE) {
         return Fail("cannot open the file");
     }
-    std::puts("holding");
-    std::fflush(stdout);
-    while (std::getchar() != EOF) {
-    }
-    CloseHandle(hFile);
-    return 0;
-}
-
-// What the system tells of every handle of every process; the SDK does not declare it.
-struct HANDLE_ENTRY
-{
-    PVOID pObject;
-    ULONG_PTR nProcess;
-    ULONG_PTR nHandle;
-    ULONG nAccess;
-    USHORT nTrace;
-    USHORT nType;
-    ULONG nAttributes;
-    ULONG nReserved;
-};
-
-struct HANDLE_LIST
-{
-    ULONG_PTR nEntries;
-    ULONG_PTR nReserved;
-    HANDLE_ENTRY entries[1];
-};
-
-constexpr ULONG kExtendedHandleInformation = 64;
-
-using QUERY_SYSTEM = LONG WINAPI(ULONG nClass, PVOID pInformation, ULONG cbInformation, PULONG pcbNeeded);
-using QUERY_OBJECT = LONG WINAPI(HANDLE h, ULONG nClass, PVOID pInformation, ULONG cbInformation, PULONG pcbNeeded);
-
-// Room for all handles of a computer that does little.
-constexpr ULONG kListBytes = 4 << 20;
-
-constexpr ULONG kObjectTypeInformation = 2;
-
-// What the system tells of a handle's kind begins with the name; the name itself follows at the end.
-struct OBJECT_TYPE
-{
-    USHORT cbName;
-    USHORT cbRoom;
-    PWSTR pszName;
-};
-
-template<typename Function>
-Function* FromNtDll(PCSTR pszName)
-{
-    return reinterpret_cast<Function*>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), pszName)));
-}
-
-std::string ToUtf8(std::wstring_view szText)
-{
-    std::string strUtf8(szText.size() * 3, '\0');
-    strUtf8.resize(
-        static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, szText.data(), static_cast<int>(szText.size()),
-                                                strUtf8.data(), static_cast<int>(strUtf8.size()), nullptr, nullptr)));
-    return strUtf8;
-}
-
-// Of a handle of this process. Empty when the system does not tell.
-std::string KindOf(HANDLE h)
-{
-    if (GetNamedPipeInfo(h, nullptr, nullptr, nullptr, nullptr)) {
-        return "Pipe";
-    }
-    alignas(OBJECT_TYPE) std::byte buffer[1024];
-    if (FromNtDll<QUERY_OBJECT>("NtQueryObject")(h, kObjectTypeInformation, buffer, sizeof(buffer), nullptr) != 0) {
-        return {};
-    }
-    const auto* const pType = reinterpret_cast<const OBJECT_TYPE*>(buffer);
-    return ToUtf8(std::wstring_view(pType->pszName, pType->cbName / sizeof(WCHAR)));
-}
-
-int CountHandles(DWORD dwProcess)
-{
-    std::vector<std::byte> buffer(kListBytes);
-    if (FromNtDll<QUERY_SYSTEM>("NtQuerySystemInformation")(kExtendedHandleInformation, buffer.data(), kListBytes,
-                                                            nullptr) != 0) {
-        return Fail("cannot list the handles");
-    }
-    const HANDLE hProcess = OpenProcess(PROCESS_DUP_HANDLE, FALSE, dwProcess);
-    if (hProcess == nullptr) {
-        return Fail("cannot open the process");
-    }
-    const auto* const pList = reinterpret_cast<const HANDLE_LIST*>(buffer.data());
-    std::map<std::string, int> kinds;
-    for (const HANDLE_ENTRY* pEntry = pList->entries; pEntry != pList->entries + pList->nEntries; ++pEntry) {
-        HANDLE hCopy = nullptr;
-        // What has been closed meanwhile is not counted.
-        if (pEntry->nProcess == dwProcess &&
-            DuplicateHandle(hProcess, reinterpret_cast<HANDLE>(pEntry->nHandle), GetCurrentProcess(), &hCopy, 0, FALSE,
-                            DUPLICATE_SAME_ACCESS)) {
-            ++kinds[KindOf(hCopy)];
-            CloseHandle(hCopy);
-        }
-    }
-    CloseHandle(hProcess);
-    for (const auto& [strKind, nCount] : kinds) {
-        std::printf("%d %s\n", nCount, strKind.c_str());
-    }
+    const CHandle file(hFile);
+    StayUntilEnd("holding");
     return 0;
 }
 
@@ -160,8 +66,7 @@ void CALLBACK OnShow(HWINEVENTHOOK, DWORD, HWND hwnd, LONG nObject, LONG nChild,
 
 DWORD WINAPI EndWithInput(PVOID pThread)
 {
-    while (std::getchar() != EOF) {
-    }
+    StayUntilEnd("watching");
     PostThreadMessageW(HandleToULong(pThread), WM_QUIT, 0, 0);
     return 0;
 }
@@ -174,13 +79,10 @@ int Watch()
     }
     MSG message;
     PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE); // makes the queue that the end is posted to
-    const HANDLE hThread = CreateThread(nullptr, 0, EndWithInput, ULongToHandle(GetCurrentThreadId()), 0, nullptr);
-    if (hThread == nullptr) {
+    const CHandle hThread(CreateThread(nullptr, 0, EndWithInput, ULongToHandle(GetCurrentThreadId()), 0, nullptr));
+    if (!hThread) {
         return Fail("cannot wait for the end");
     }
-    CloseHandle(hThread);
-    std::puts("watching");
-    std::fflush(stdout);
     while (GetMessageW(&message, nullptr, 0, 0) > 0) {
         DispatchMessageW(&message);
     }
@@ -192,15 +94,10 @@ int Watch()
 
 int Crash(DWORD dwProcess)
 {
-    const HANDLE hProcess = OpenProcess(PROCESS_ALL_ACCESS, FALSE, dwProcess);
+    const CHandle hProcess(OpenProcess(PROCESS_ALL_ACCESS, FALSE, dwProcess));
     auto* const pNowhere = reinterpret_cast<LPTHREAD_START_ROUTINE>(0x10);
-    const HANDLE hThread = CreateRemoteThread(hProcess, nullptr, 0, pNowhere, nullptr, 0, nullptr);
-    if (hThread == nullptr) {
-        return Fail("cannot let the process crash");
-    }
-    CloseHandle(hThread);
-    CloseHandle(hProcess);
-    return 0;
+    const CHandle hThread(CreateRemoteThread(hProcess.get(), nullptr, 0, pNowhere, nullptr, 0, nullptr));
+    return hThread ? 0 : Fail("cannot let the process crash");
 }
 
 int AskForLibrary(DWORD dwProcess)
@@ -221,40 +118,36 @@ int AskForLibrary(DWORD dwProcess)
 int Describe(DWORD dwCode)
 {
     WCHAR szText[1024] = {};
-    char szUtf8[3 * ARRAYSIZE(szText)] = {};
-    if (FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, dwCode, 0, szText,
-                       ARRAYSIZE(szText), nullptr) == 0) {
+    const DWORD cch = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, dwCode, 0,
+                                     szText, ARRAYSIZE(szText), nullptr);
+    if (cch == 0) {
         return Fail("the system does not know this error");
     }
-    const int cb = WideCharToMultiByte(CP_UTF8, 0, szText, -1, szUtf8, sizeof(szUtf8), nullptr, nullptr);
+    const std::string strText = ToUtf8({szText, cch});
     DWORD cbWritten = 0;
     // Past the C library, which would double the carriage return.
-    return WriteFile(GetStdHandle(STD_OUTPUT_HANDLE), szUtf8, static_cast<DWORD>(cb - 1), &cbWritten, nullptr) ? 0 : 1;
+    return WriteFile(GetStdHandle(STD_OUTPUT_HANDLE), strText.data(), static_cast<DWORD>(strText.size()), &cbWritten,
+                     nullptr)
+               ? 0
+               : 1;
 }
 
 } // namespace
 
 int wmain(int nArguments, wchar_t** ppszArguments)
 {
-    if (nArguments == 2 && ppszArguments[1] == std::wstring_view(L"watch")) {
+    const std::map<std::wstring_view, int (*)(DWORD)> verbs = {
+        {L"crash", Crash}, {L"ask", AskForLibrary}, {L"describe", Describe}};
+    const std::wstring_view szVerb = nArguments > 1 ? ppszArguments[1] : L"";
+    if (nArguments == 2 && szVerb == L"watch") {
         return Watch();
     }
-    const std::wstring_view szVerb = nArguments == 3 ? ppszArguments[1] : L"";
-    if (szVerb == L"hold") {
+    if (nArguments == 3 && szVerb == L"hold") {
         return Hold(ppszArguments[2]);
     }
-    if (szVerb == L"handles") {
-        return CountHandles(wcstoul(ppszArguments[2], nullptr, 0));
+    if (nArguments == 3 && verbs.contains(szVerb)) {
+        return verbs.at(szVerb)(wcstoul(ppszArguments[2], nullptr, 0));
     }
-    if (szVerb == L"crash") {
-        return Crash(wcstoul(ppszArguments[2], nullptr, 0));
-    }
-    if (szVerb == L"ask") {
-        return AskForLibrary(wcstoul(ppszArguments[2], nullptr, 0));
-    }
-    if (szVerb == L"describe") {
-        return Describe(wcstoul(ppszArguments[2], nullptr, 0));
-    }
-    std::fputs("usage: bystander hold FILE | handles PID | watch | crash PID | ask PID | describe CODE\n", stderr);
+    std::fputs("usage: bystander hold FILE | watch | crash PID | ask PID | describe CODE\n", stderr);
     return 1;
 }

@@ -2,18 +2,17 @@
 
 import functools
 import subprocess
-from collections import Counter
 from collections.abc import Iterator
 from contextlib import contextmanager
 from pathlib import Path
 
-import places
-from program import windows_path
+from driver import places
+from driver.places import windows_path
 
 
 def program() -> Path:
     """Itself, as a file."""
-    return places.build() / "tests" / "process" / "bystander.exe"
+    return places.helper("process/bystander")
 
 
 def _ask(*arguments: str) -> bytes:
@@ -25,12 +24,6 @@ def _ask(*arguments: str) -> bytes:
 def describe(code: int) -> str:
     """The system's own words about an error, with the line break at their end."""
     return _ask("describe", str(code)).decode()
-
-
-def count_handles(process: int) -> Counter[str]:
-    """How many handles of each kind a process, named by the number that its windows tell, has open."""
-    lines = _ask("handles", str(process)).decode().splitlines()
-    return Counter({kind: int(number) for number, kind in (line.split(" ", 1) for line in lines)})
 
 
 @contextmanager

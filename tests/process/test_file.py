@@ -8,7 +8,7 @@ import sys
 import unittest
 from pathlib import Path
 
-from executable import Executable
+from driver.executable import Executable
 
 PE32_PLUS = 0x20B
 GUI = 2
@@ -23,31 +23,16 @@ LOAD_LIBRARY_SEARCH_SYSTEM32 = 0x800
 DEPENDENT_LOAD_FLAGS = 78
 
 # The folder of the system holds each of these, or the system itself stands for it.
-SYSTEM_LIBRARIES = {
-    "api-ms-win-core-path-l1-1-0.dll",
-    "comctl32.dll",
-    "iphlpapi.dll",
-    "kernel32.dll",
-    "msvcrt.dll",
-    "ole32.dll",
-    "shell32.dll",
-    "shlwapi.dll",
-    "user32.dll",
-    "version.dll",
-    "ws2_32.dll",
-}
+SYSTEM_LIBRARIES = {"api-ms-win-core-path-l1-1-0.dll", "comctl32.dll", "iphlpapi.dll", "kernel32.dll", "msvcrt.dll"}
+SYSTEM_LIBRARIES |= {"ole32.dll", "shell32.dll", "shlwapi.dll", "user32.dll", "version.dll", "ws2_32.dll"}
 
 
 class TheFile(unittest.TestCase):
     program: Executable
 
-    def test_is_a_64_bit_program_with_windows(self) -> None:
+    def test_is_a_64_bit_program_of_todays_with_the_stack_that_the_tests_have_tried(self) -> None:
         self.assertEqual((self.program.magic, self.program.subsystem), (PE32_PLUS, GUI))
-
-    def test_is_of_an_age_that_has_todays_windows(self) -> None:
         self.assertEqual(self.program.subsystem_version, (6, 0))
-
-    def test_has_the_stack_that_the_tests_have_tried(self) -> None:
         self.assertEqual(self.program.stack, 2 << 20)
 
     def test_is_loaded_at_a_random_address_out_of_many(self) -> None:

@@ -1,32 +1,16 @@
 """A second start: shows nothing, brings the first to the front and ends."""
 
-import os
-import signal
-import subprocess
 import unittest
-from collections.abc import Iterator
-from contextlib import contextmanager
 
 import bystander
+from driver import wine
 from processtest import LOCK, OLD_WINDOWS, TITLE, ProcessTest
-from start import processes_called
 
 FRONT = f'SetForegroundWindow title="{TITLE}"'
 HANDLE = "CloseHandle mutex"
 
 
 class Second(ProcessTest):
-    @contextmanager
-    def notepad(self) -> Iterator[None]:
-        """Another program, in front of all others as it comes."""
-        quiet = subprocess.DEVNULL
-        with subprocess.Popen(["wine", "notepad"], stdin=quiet, stdout=quiet, stderr=quiet):
-            try:
-                yield
-            finally:
-                for process in processes_called("notepad.exe") | processes_called("notepad"):
-                    os.kill(process, signal.SIGKILL)
-
     def expect_nothing(self, *events: str, faults: str = "") -> None:
         """A start that ends with these calls and puts nothing on the screen, not for a moment."""
         before = {window.handle for window in self.eyes.look().windows}
@@ -39,30 +23,33 @@ class Second(ProcessTest):
     def test_what_a_start_shows_is_seen_even_when_it_is_gone(self) -> None:
         """Otherwise the others could not fail."""
         with bystander.watch() as shown:
-            self.expect_way_out("VerifyVersionInfoW=null:1150", 0, (TITLE, OLD_WINDOWS), *LOCK)
+            self.expect_way_out("VerifyVersionInfoW=null:1150", 0, OLD_WINDOWS, *LOCK)
         self.assertEqual(len(shown), 1, shown)
 
     def test_while_the_wizard_is_open(self) -> None:
         first = self.start_wizard()
         self.expect_nothing(HANDLE, FRONT)
+        # Also one whose own lock cannot be made.
+        self.expect_nothing(FRONT, faults="CreateMutexW=null:5")
         self.cancel(first)
 
     def test_brings_the_wizard_to_the_front(self) -> None:
         first = self.start_wizard()
         wizard = self.person.look().frame
         assert wizard
-        with self.notepad():
-            self.person.wait_until("something before it", lambda sight: sight.view.foreground != wizard.handle)
-            self.expect_nothing(HANDLE, FRONT)
-            self.person.wait_until("it in front", lambda sight: sight.view.foreground == wizard.handle)
+        # Another program comes in front of all others.
+        self.addCleanup(wine.start("notepad").wait)
+        self.addCleanup(lambda: wine.end_at_once(*wine.processes_called("notepad.exe", "notepad")))
+        self.person.wait_until("something before it", lambda sight: sight.view.foreground != wizard.handle)
+        self.expect_nothing(HANDLE, FRONT)
+        self.person.wait_until("it in front", lambda sight: sight.view.foreground == wizard.handle)
         self.cancel(first)
 
     def test_while_the_first_shows_a_box_with_the_title(self) -> None:
         first = self.start("VerifyVersionInfoW=null:1150")
         self.wait_for_box(first)
         self.expect_nothing(HANDLE, FRONT)
-        self.dismiss_box(first, TITLE, OLD_WINDOWS)
-        self.expect_end(first, 0, (TITLE, OLD_WINDOWS), *LOCK)
+        self.expect_boxes_and_end(first, 0, OLD_WINDOWS, *LOCK)
 
     def test_while_the_first_has_no_window(self) -> None:
         # After its wizard, about to stop adb's server.
@@ -75,15 +62,6 @@ class Second(ProcessTest):
         first = self.start("SHGetKnownFolderPath=fail:0x80070002")
         self.wait_for_box(first)
         self.expect_nothing(HANDLE)
-
-    def test_lock_that_cannot_be_made(self) -> None:
-        first = self.start_wizard()
-        self.expect_nothing(FRONT, faults="CreateMutexW=null:5")
-        self.cancel(first)
-
-    def test_can_start_as_soon_as_the_first_was_killed(self) -> None:
-        self.start_wizard().kill()
-        self.expect_good_run()
 
 
 if __name__ == "__main__":

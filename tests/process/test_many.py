@@ -1,30 +1,21 @@
-"""Many starts, one after the other and all at once: one wizard, nothing left, one handle lost to each adb command."""
+"""Many starts, one after the other and all at once: one wizard, nothing left."""
 
 import unittest
-from collections import Counter
 
-import bystander
-import pages
-from journey import go_to_page
-from processtest import CANCELLED, TITLE, ProcessTest
-from start import END, Start, running
-from steps import step
-from waiting import wait_for
-from watch import Watch
+from driver.program import Program
+from driver.waiting import wait_for
+from processtest import TITLE, ProcessTest
 
 # A home's share of the fifty; every end takes two seconds by itself, in which adb is stopped.
 STARTS_IN_A_ROW = 10
 
 STARTS_AT_ONCE = 20
 
-# The server is stopped once, then there are three attempts.
-COMMANDS_TO_PAIR_IN_VAIN = 4
-
 
 class InARow(ProcessTest):
     def test_each_start_ends_as_the_first_did(self) -> None:
         for number in range(STARTS_IN_A_ROW):
-            with step(self, number):
+            with self.step(number):
                 self.expect_good_run()
 
 
@@ -43,58 +34,11 @@ class AtOnce(ProcessTest):
         self.cancel(first)
         self.expect_nothing_left()
 
-    def expect_refusal(self, start: Start) -> None:
+    def expect_refusal(self, start: Program) -> None:
         # Whether the first had its window yet is a matter of chance.
         front = [line for line in start.journal if line == f'SetForegroundWindow title="{TITLE}"']
         self.assertLessEqual(len(front), 1)
         self.expect_end(start, 0, "CloseHandle mutex", *front)
-
-
-class Handles(ProcessTest):
-    """Each adb command keeps the end of a pipe open. Of all handles together there is now and then one more."""
-
-    def test_without_a_command_there_is_no_pipe(self) -> None:
-        start = self.start_wizard()
-        self.assertEqual(self.count_handles()["Pipe"], 0)
-        self.cancel(start)
-
-    def test_left_over_tools_cost_one(self) -> None:
-        """They are removed by an adb command."""
-        self.leave_tools_behind()
-        start = self.start_wizard()
-        self.assertEqual(self.count_handles()["Pipe"], 1)
-        self.cancel(start)
-
-    def test_one_for_each_adb_command(self) -> None:
-        watch = self.enterContext(Watch())
-        start = self.start_wizard()
-        go_to_page(self.person, 6, watch)
-        self.person.write(pages.PAIRING_CODE, watch.code)
-        self.person.write(pages.PAIRING_PORT, "37098")
-        for presses in (1, 2):
-            self.fail_to_pair()
-            handles = self.count_handles()
-            self.assertEqual(handles["Pipe"], presses * COMMANDS_TO_PAIR_IN_VAIN)
-            self.assertEqual(handles["Process"], 0)
-        self.press_escape()
-        self.expect_journal_end(start)
-
-    def count_handles(self) -> Counter[str]:
-        """Those of the installer whose wizard is open and at rest, by their kinds."""
-        frame = self.person.rest().frame
-        assert frame, "there is no wizard"
-        return bystander.count_handles(frame.process)
-
-    def fail_to_pair(self) -> None:
-        """One press of Next in vain."""
-        self.person.enter_when_offered()
-        self.person.dismiss(self.person.wait_for_box("Pair Connection"))
-        self.person.wait_until_it_listens()
-
-    def expect_journal_end(self, start: Start) -> None:
-        start.wait(END)
-        self.assertEqual(tuple(start.journal[-len(CANCELLED) - 1 :]), (*CANCELLED, "ended code=0"))
-        self.assertEqual(running(), [])
 
 
 if __name__ == "__main__":

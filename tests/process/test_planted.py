@@ -6,39 +6,28 @@ What is loaded by its name while the program runs Wine's loader takes from where
 """
 
 import shutil
-import subprocess
 import unittest
 from pathlib import Path
 
-import places
 from bystander import ASKED_FOR, load_library
-from executable import Executable
+from driver import places, wine
+from driver.executable import Executable
+from driver.places import downloads, windows_path
 from processtest import ProcessTest
-from program import downloads, windows_path
 
 # What the compiler would link if it were not told otherwise, and what parts of the system load on their own.
 COMPILERS = ("libgcc_s_seh-1.dll", "libstdc++-6.dll", "libwinpthread-1.dll")
 LOADED_LATER = (
-    "cfgmgr32.dll",
-    "cryptbase.dll",
-    "dwmapi.dll",
-    "profapi.dll",
-    "propsys.dll",
-    "textshaping.dll",
-    "uxtheme.dll",
-    "wldp.dll",
+    *("cfgmgr32.dll", "cryptbase.dll", "dwmapi.dll", "profapi.dll"),
+    *("propsys.dll", "textshaping.dll", "uxtheme.dll", "wldp.dll"),
 )
-
-
-def planted() -> Path:
-    return places.build() / "tests" / "process" / "planted.dll"
 
 
 class Planted(ProcessTest):
     def plant(self, name: str) -> Path:
         library = downloads() / name
         self.addCleanup(library.unlink)
-        shutil.copy(planted(), library)
+        shutil.copy(places.build() / "tests" / "process" / "planted.dll", library)
         return library
 
     def loaded(self) -> list[str]:
@@ -59,18 +48,14 @@ class Planted(ProcessTest):
     def test_none_is_loaded_by_its_name_later(self) -> None:
         self.plant(ASKED_FOR)
         start = self.start_wizard()
-        frame = self.person.rest().frame
-        assert frame, "there is no wizard"
-        self.assertFalse(load_library(frame.process))
+        self.assertFalse(load_library(self.wizard_process()))
         self.cancel(start)
         self.assertEqual(self.loaded(), [])
 
     def test_library_that_is_loaded_leaves_a_trace(self) -> None:
         """Otherwise the others could not fail."""
         library = self.plant("planted.dll")
-        command = ["wine", "rundll32", windows_path(library) + ",Nothing"]
-        quiet = subprocess.DEVNULL
-        subprocess.run(command, check=False, timeout=30, stdin=quiet, stdout=quiet, stderr=quiet)
+        wine.run("rundll32", windows_path(library) + ",Nothing", check=False)
         self.assertEqual(self.loaded(), ["planted.dll"])
 
 

@@ -9,10 +9,9 @@ import zipfile
 from dataclasses import dataclass, field
 from pathlib import Path
 
-import places
-from program import windows_path
+from driver import places
+from driver.places import CHECKOUT, drive_c, windows_path
 
-CHECKOUT = places.CHECKOUT
 SURROUNDINGS = CHECKOUT / "check" / "wine.txt"
 
 # How Check.exe ends.
@@ -51,27 +50,25 @@ class WindowsCheck:
     """The unpacked archive, on drive C, with the launcher of the stand-ins elsewhere on it."""
 
     def __init__(self) -> None:
-        self.folder = places.prefix() / "drive_c" / "WindowsCheck"
+        self.folder = drive_c("WindowsCheck")
         with zipfile.ZipFile(archive()) as packed:
             packed.extractall(self.folder)
-        standins = places.prefix() / "drive_c" / "StandIns"
+        standins = drive_c("StandIns")
         standins.mkdir(exist_ok=True)
         for name in ("launcher.exe", "standins.dll"):
             (standins / name).write_bytes((places.launcher().parent / name).read_bytes())
         self._log = Path("/tmp/check.log")
         self.surroundings = standins / "surroundings.txt"
         text = SURROUNDINGS.read_text(encoding="utf-8")
-        self.surroundings.write_text(text.replace("%LAUNCHER%", windows_path(standins / "launcher.exe")), encoding="utf-8")
-
-    def command(self, *arguments: str) -> list[str]:
-        own = ["--unattended", "--surroundings", windows_path(self.surroundings)]
-        return ["wine", windows_path(self.folder / "Check.exe"), *own, *arguments]
+        text = text.replace("%LAUNCHER%", windows_path(standins / "launcher.exe"))
+        self.surroundings.write_text(text, encoding="utf-8")
 
     def start(self, *arguments: str) -> subprocess.Popen[bytes]:
-        quiet = subprocess.DEVNULL
-        # Away from the checkout.
+        """Away from the checkout."""
+        command = ["wine", windows_path(self.folder / "Check.exe"), "--unattended"]
+        command += ["--surroundings", windows_path(self.surroundings), *arguments]
         with self._log.open("w") as log:
-            return subprocess.Popen(self.command(*arguments), cwd=self.folder, stdin=quiet, stdout=log, stderr=log)
+            return subprocess.Popen(command, cwd=self.folder, stdin=subprocess.DEVNULL, stdout=log, stderr=log)
 
     def run(self, *arguments: str, seconds: float = 600) -> Report:
         return self.report(self.start(*arguments).wait(seconds))

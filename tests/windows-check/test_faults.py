@@ -1,37 +1,30 @@
 """Programs with one fault each: the claim that stands for it does not hold, and no other."""
 
+import shutil
 import unittest
-from pathlib import Path
 
 import checking
-import places
 from checking import SOME_DO_NOT, WindowsCheck
-from program import windows_path
+from driver import places
+from driver.evidence import one_test_for_each
+from driver.places import windows_path
 
 
+# Which program, the step that meets the fault, the claim.
+@one_test_for_each(
+    wrong_default_button=("default", "working-pages", "page-07.default"),
+    text_that_is_cut=("text", "first-pages", "page-01.texts"),
+    page_without_its_title=("title", "first-pages", "page-02.title"),
+    planted_library_that_is_taken=("planted", "loader", "loader.by-name"),
+    exit_code=("code", "ends", "end.uncaught-code"),
+)
 class Faults(unittest.TestCase):
-    def expect_found(self, fault: str, step: str, *claims: str) -> None:
+    def check(self, fault: str, step: str, claim: str) -> None:
         check = WindowsCheck()
-        program = check.folder / "Faulty.exe"
-        program.write_bytes((places.build() / "tests/windows-check" / Path(f"faulty-{fault}.exe")).read_bytes())
+        program = shutil.copy(places.helper(f"windows-check/faulty-{fault}"), check.folder / "Faulty.exe")
         report = check.run("--only", step, "--program", windows_path(program), seconds=300)
         self.assertEqual(report.status, SOME_DO_NOT)
-        self.assertEqual(tuple(report.ids("does not hold")), claims, report.say_what_does_not_hold())
-
-    def test_wrong_default_button(self) -> None:
-        self.expect_found("default", "working-pages", "page-07.default")
-
-    def test_text_that_is_cut(self) -> None:
-        self.expect_found("text", "first-pages", "page-01.texts")
-
-    def test_page_without_its_title(self) -> None:
-        self.expect_found("title", "first-pages", "page-02.title")
-
-    def test_planted_library_that_is_taken(self) -> None:
-        self.expect_found("planted", "loader", "loader.by-name")
-
-    def test_exit_code(self) -> None:
-        self.expect_found("code", "ends", "end.uncaught-code")
+        self.assertEqual(report.ids("does not hold"), [claim], report.say_what_does_not_hold())
 
 
 if __name__ == "__main__":

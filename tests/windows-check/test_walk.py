@@ -4,21 +4,19 @@ import getpass
 import json
 import os
 import re
-import subprocess
 import time
 import unittest
 
 import checking
-import hands
 import page
-import places
-import program
 from checking import ALL_HOLD, CANCELLED, CHECKOUT, REFUSED, SURROUNDINGS, Report, WindowsCheck
-from eyes import Eyes, View
-from notepad import copy_to_clipboard
-from person import Person
-from program import windows_path
-from waiting import wait_for
+from driver import places, wine
+from driver.eyes import Eyes, View
+from driver.notepad import copy_to_clipboard
+from driver.person import Person
+from driver.places import drive_c, windows_path
+from driver.program import Program
+from driver.waiting import wait_for
 
 # What Wine may be unable to answer, and how many claims there must be.
 MOST_NOT_TRIED = 15
@@ -38,7 +36,8 @@ def excluded() -> set[str]:
 
 
 def in_front(view: View) -> str:
-    return next((window.text for window in view.windows if window.handle == view.foreground), "")
+    window = view.window(view.foreground)
+    return window.text if window else ""
 
 
 class CheckTest(unittest.TestCase):
@@ -47,34 +46,30 @@ class CheckTest(unittest.TestCase):
 
     def expect_nothing_left(self) -> None:
         """No process, no file but the reports, no key of adb."""
-        wait_for("the end of all that was started", lambda: not program.adb_processes() and not self.installers())
-        drive = places.prefix() / "drive_c"
-        self.assertFalse(program.working_folder().exists())
-        self.assertFalse((drive / "users/Public/KalvoWindowsCheck").exists())
-        self.assertEqual(list(drive.rglob(".android")) + list(drive.rglob("adb.log")), [])
+        wait_for("the end of all that was started", lambda: not wine.running())
+        self.assertFalse(places.working_folder().exists())
+        self.assertFalse(drive_c("users", "Public", "KalvoWindowsCheck").exists())
+        self.assertEqual(list(drive_c().rglob(".android")) + list(drive_c().rglob("adb.log")), [])
 
-    def installers(self) -> list[str]:
-        listed = subprocess.run(["ps", "-eo", "args"], check=True, capture_output=True, text=True).stdout
-        return [line for line in listed.splitlines() if "KalvoApkInstaller" in line]
-
-    def expect_no_names(self, report: Report) -> None:
+    def expect_all_holds(self, report: Report) -> None:
+        """The reports name nobody, and nothing else is left."""
+        self.assertEqual(report.say_what_does_not_hold(), "")
+        self.assertEqual(report.status, ALL_HOLD)
         for text in (report.text, (self.check.folder / "report.html").read_text(encoding="utf-8")):
             words = set(re.findall(r"\w+", re.sub(r'"data:image[^"]*"', "", text).lower()))
             self.assertNotIn(getpass.getuser().lower(), words)
             self.assertNotIn(os.uname().nodename.lower(), words)
             self.assertEqual(set(ADDRESS.findall(text)) - {"127.0.0.1"}, set())
+        self.expect_nothing_left()
 
 
 class FirstPages(CheckTest):
     def test_frame_and_first_pages_hold(self) -> None:
         report = self.check.run("--only", "first-pages", seconds=200)
-        self.assertEqual(report.say_what_does_not_hold(), "")
-        self.assertEqual(report.status, ALL_HOLD)
+        self.expect_all_holds(report)
         wanted = {claim for claim in report.claims if FIRST_PAGES.match(claim)} - excluded()
         self.assertGreater(len(wanted), 40)
         self.assertEqual(wanted - set(report.ids("holds")), set())
-        self.expect_no_names(report)
-        self.expect_nothing_left()
 
 
 class ThePage(CheckTest):
@@ -91,8 +86,7 @@ class Whole(CheckTest):
         report = self.check.run(seconds=LONGEST + 240)
         took = time.monotonic() - start
         print(f"{len(report.claims)} claims in {took:.0f} s", flush=True)
-        self.assertEqual(report.say_what_does_not_hold(), "")
-        self.assertEqual(report.status, ALL_HOLD)
+        self.expect_all_holds(report)
         # Wine need not have a high contrast on, a second route and the like: all that is left out is named.
         self.assertEqual(set(report.ids("not tried")), excluded(), report.whole["notes"])
         self.assertGreaterEqual(len(report.claims), FEWEST_CLAIMS)
@@ -100,14 +94,11 @@ class Whole(CheckTest):
         self.assertLess(took, LONGEST)
         self.assertGreater(len(report.whole["cases"]), 300)
         self.assertTrue(all(case["passed"] for case in report.whole["cases"]))
-        self.expect_no_names(report)
-        self.expect_nothing_left()
 
 
 class Cancelled(CheckTest):
     def test_in_the_middle_leaves_nothing(self) -> None:
-        quiet = subprocess.DEVNULL
-        other = subprocess.Popen(["wine", "winemine"], stdin=quiet, stdout=quiet, stderr=quiet)
+        other = wine.start("winemine")
         self.addCleanup(other.wait)
         self.addCleanup(other.kill)
         with Eyes() as eyes:
@@ -119,7 +110,7 @@ class Cancelled(CheckTest):
             sight = person.wait_until("page 5", lambda sight: sight.number == 5, 120)
             progress = next(window for window in sight.view.windows if window.text == PROGRESS)
             cancel = next(child for child in progress.children if child.text == "Cancel")
-            hands.click(*cancel.middle)
+            person.click(cancel)
             report = self.check.report(started.wait(60))
             person.wait_until("the other program in front", lambda sight: sight.view.foreground == before)
         self.assertEqual((report.status, report.whole["cancelled"]), (CANCELLED, True))
@@ -136,8 +127,8 @@ class Refused(CheckTest):
         self.assertFalse((self.check.folder / "report.json").exists())
 
     def test_while_the_installer_runs(self) -> None:
-        with Eyes() as eyes, program.Program() as installer:
-            Person(eyes).wait_until("the installer", lambda sight: sight.number == 1, 60)
+        with Eyes() as eyes, Program() as installer:
+            Person(eyes).wait_for_first_page()
             self.expect_refused("The installer is running")
             self.assertFalse(installer.has_ended)
 

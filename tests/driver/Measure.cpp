@@ -1,8 +1,8 @@
-#include "person/Measure.h"
+#include "driver/Measure.h"
 
+#include "driver/Reading.h"
 #include "frame/FrameFonts.h"
 #include "frame/Owned.h"
-#include "person/Reading.h"
 
 #include <commctrl.h>
 

@@ -7,18 +7,15 @@ import contextlib
 import itertools
 from collections.abc import Iterable, Sequence
 
-import pages
-from eyes import DIALOG_CLASS, TAB_STOP, Area, Eyes, Measure, Window
-from screen import Screen
-from waiting import WaitedTooLong, wait_for
-from wizard import MessageBox, Sight
+from driver import pages
+from driver.eyes import DIALOG_CLASS, TAB_STOP, Area, Eyes, Measure, Window
+from driver.pixels import Pixels
+from driver.waiting import WaitedTooLong, wait_for
+from driver.wizard import MessageBox, Sight
 
-# What the fields can hold at most.
-FULLEST = {pages.PORT: "65535", pages.PAIRING_PORT: "65535", pages.PAIRING_CODE: "888888"}
+# What the fields can hold at most. The last one scrolls its text: only the height counts.
+FULLEST = {pages.PORT: "65535", pages.PAIRING_PORT: "65535", pages.PAIRING_CODE: "888888", pages.APK_PATH: "C:"}
 FULLEST_ADDRESS_FIELD = "255"
-
-# Scrolls its text: only the height counts.
-SCROLLED = {pages.APK_PATH: "C:"}
 
 # The templates place these over the lower end of the body, whose text ends above them.
 PLACED_OVER_BODY = {
@@ -43,23 +40,14 @@ def _visible(windows: Iterable[Window]) -> list[Window]:
     return [window for window in windows if window.visible]
 
 
-def page_window(sight: Sight) -> Window:
-    """The dialog of the page that is shown."""
-    assert sight.frame
-    return next(window for window in _visible(sight.frame.children) if window.is_kind(DIALOG_CLASS))
-
-
 def cut_text(eyes: Eyes, window: Window, font: str, text: str = "") -> list[str]:
     """A control that has no room for its text, or for another one in its place."""
     measure = _measure(eyes, window, font, text)
     room, extent, ink = measure.room, measure.extent, measure.ink
     what = f'{name_of(window)}, saying "{text}",' if text else name_of(window)
-    findings = []
     if extent.right > room.right or extent.bottom > room.bottom:
-        findings.append(f"{what} is cut: it takes {extent} and has {room}")
-    elif not ink.is_empty and not room.holds(ink):
-        findings.append(f"{what} is cut: it is drawn in {ink} and has {room}")
-    return findings
+        return [f"{what} is cut: it takes {extent} and has {room}"]
+    return [] if ink.is_empty or room.holds(ink) else [f"{what} is cut: it is drawn in {ink} and has {room}"]
 
 
 def _measure(eyes: Eyes, window: Window, font: str, text: str = "") -> Measure:
@@ -82,19 +70,19 @@ def _cut_texts(eyes: Eyes, windows: Iterable[Window], font: str) -> list[str]:
 
 def _texts(window: Window) -> list[tuple[Window, str]]:
     """The windows in which its texts stand, with the text that has to have room there; empty for its own."""
-    if window.is_kind("SysIPAddress32"):
-        return [(field, FULLEST_ADDRESS_FIELD) for field in window.children]
+    if window.fields:
+        return [(field, FULLEST_ADDRESS_FIELD) for field in window.fields]
     # The page inside the frame, and the arrow, which draws itself.
     if window.is_kind(DIALOG_CLASS) or window.id == pages.BACK:
         return []
-    return [(window, FULLEST.get(window.id, SCROLLED.get(window.id, "")))]
+    return [(window, FULLEST.get(window.id, ""))]
 
 
-def _painted_texts(eyes: Eyes, windows: Iterable[tuple[Window, str, Sequence[Window]]]) -> list[str]:
+def _painted_texts(eyes: Eyes, screen: Pixels, windows: Iterable[tuple[Window, str, Sequence[Window]]]) -> list[str]:
     """Statics whose words are not on the screen where they were measured: each with its font and with what covers it.
 
     A program paints when it has nothing else to do, and no look at its windows tells whether it has: a word that is
-    missing may still come.
+    missing on the screen as it was may still come.
     """
     texts = [
         (window, measured, [cover.area for cover in covers])
@@ -102,10 +90,11 @@ def _painted_texts(eyes: Eyes, windows: Iterable[tuple[Window, str, Sequence[Win
         if not (measured := _measure(eyes, window, font).ink).is_empty
     ]
     findings: list[str] = []
+    screens = itertools.chain((screen,), iter(Pixels.now, None))
 
     def all_painted() -> bool:
-        screen = Screen.now()
-        findings[:] = filter(None, (_painted_elsewhere(screen, *text) for text in texts))
+        now = next(screens)
+        findings[:] = filter(None, (_painted_elsewhere(now, *text) for text in texts))
         return not findings
 
     with contextlib.suppress(WaitedTooLong):
@@ -113,15 +102,11 @@ def _painted_texts(eyes: Eyes, windows: Iterable[tuple[Window, str, Sequence[Win
     return findings
 
 
-def _painted_elsewhere(screen: Screen, window: Window, measured: Area, covers: Sequence[Area]) -> str:
+def _painted_elsewhere(screen: Pixels, window: Window, measured: Area, covers: Sequence[Area]) -> str:
     ink = screen.ink(window.area, covers)
-    if ink and all(abs(a - b) <= SOFT for a, b in zip(_edges(ink), _edges(measured), strict=True)):
+    if ink and all(abs(a - b) <= SOFT for a, b in zip(ink, measured, strict=True)):
         return ""
     return f"{name_of(window)} is painted in {ink}, but measured in {measured}"
-
-
-def _edges(area: Area) -> tuple[int, int, int, int]:
-    return area.left, area.top, area.right, area.bottom
 
 
 def _overlaps(windows: Sequence[Window], placed: Sequence[Window] = ()) -> list[str]:
@@ -134,57 +119,41 @@ def _overlaps(windows: Sequence[Window], placed: Sequence[Window] = ()) -> list[
 
 
 def _outside(windows: Sequence[Window], area: Area, whose: str) -> list[str]:
-    return [
-        f"{name_of(window)} is outside of {whose}: {window.area}, {area}"
-        for window in windows
-        if not area.holds(window.area)
-    ]
+    outside = [window for window in windows if not area.holds(window.area)]
+    return [f"{name_of(window)} is outside of {whose}: {window.area}, {area}" for window in outside]
 
 
 def look_at_page(eyes: Eyes, sight: Sight) -> list[str]:
     """All about the page that is shown, and about the frame around it."""
     assert sight.frame and sight.page
-    page = page_window(sight)
+    page, screen = sight.page_window, Pixels.now()
     controls = _visible(page.children)
     parts = _visible(sight.frame.children)
     body = sight.control(sight.page.body)
     assert body in controls and sight.title, "there is nothing to look at"
     covers = [control for control in controls if control.text == PLACED_OVER_BODY.get(sight.number)]
-    findings = _outside([sight.frame], Screen.now().area, "the screen")
+    findings = _outside([sight.frame], screen.area, "the screen")
     findings += _outside(parts, sight.frame.area, "the frame") + _outside(controls, page.area, "the page")
     findings += _overlaps(parts) + _overlaps(controls, [body, *covers])
     findings += _cut_texts(eyes, controls, "page")
     for control in controls:
-        if control.is_kind("SysIPAddress32"):
-            fields = control.children
-            findings += _outside(fields, control.area, name_of(control)) + _overlaps(fields)
+        findings += _outside(control.fields, control.area, name_of(control)) + _overlaps(control.fields)
     titles = [part for part in parts if part.is_kind("Static")]
     findings += _cut_texts(eyes, titles, "title")
     findings += _cut_texts(eyes, [part for part in parts if part not in titles], "frame")
-    statics = [control for control in controls if control.is_kind("Static")]
-    findings += _painted_texts(
-        eyes,
-        [(static, "page", covers if static is body else ()) for static in statics]
-        + [(title, "title", ()) for title in titles],
-    )
-    for cover in covers:
-        findings += _words_under(eyes, body, cover)
-    return findings
-
-
-def _words_under(eyes: Eyes, body: Window, cover: Window) -> list[str]:
-    """Words of the body text where another control stands."""
-    ink = _measure(eyes, body, "page").ink
-    return [f"{name_of(cover)} covers words of the body"] if ink.meets(cover.area) else []
+    painted = [(static, "page", covers if static is body else []) for static in controls if static.is_kind("Static")]
+    findings += _painted_texts(eyes, screen, painted + [(title, "title", []) for title in titles])
+    words = _measure(eyes, body, "page").ink
+    return findings + [f"{name_of(cover)} covers words of the body" for cover in covers if words.meets(cover.area)]
 
 
 def look_at_box(eyes: Eyes, box: MessageBox) -> list[str]:
     """All about a message box."""
     assert box.message and box.buttons, "there is nothing to look at"
-    parts = _visible(box.window.children)
-    findings = _outside([box.window], Screen.now().area, "the screen") + _outside(parts, box.window.area, "the box")
+    parts, screen = _visible(box.window.children), Pixels.now()
+    findings = _outside([box.window], screen.area, "the screen") + _outside(parts, box.window.area, "the box")
     findings += _overlaps(parts) + _cut_texts(eyes, parts, "box")
-    return findings + _painted_texts(eyes, [(part, "box", ()) for part in parts if part.is_kind("Static")])
+    return findings + _painted_texts(eyes, screen, [(part, "box", ()) for part in parts if part.is_kind("Static")])
 
 
 def default_buttons(window: Window) -> list[int]:
@@ -195,12 +164,10 @@ def default_buttons(window: Window) -> list[int]:
 def stops_in_reading_order(sight: Sight) -> list[int]:
     """The ids of what the Tab key is to reach, from the frame's arrow through the page to the frame's buttons."""
     assert sight.frame
-    page = page_window(sight)
-    on_page = _stops(page.children)
-    in_frame = _stops(sight.frame.children)
+    page, in_frame = sight.page_window, _stops(sight.frame.children)
     above = [stop for stop in in_frame if stop.y < page.y]
     below = [stop for stop in in_frame if stop.y >= page.y]
-    return [stop.id for stop in (*_read(above), *_read(on_page), *_read(below))]
+    return [stop.id for stop in (*_read(above), *_read(_stops(page.children)), *_read(below))]
 
 
 def _stops(windows: Iterable[Window]) -> list[Window]:

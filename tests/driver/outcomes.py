@@ -2,7 +2,7 @@
 
 import re
 
-import places
+from driver import places
 
 _ROW = re.compile(r'ROW\((\d+), (\w+),\s*((?:"(?:[^"\\]|\\.)*"\s*)+)\)')
 
@@ -10,7 +10,8 @@ _ROW = re.compile(r'ROW\((\d+), (\w+),\s*((?:"(?:[^"\\]|\\.)*"\s*)+)\)')
 def table() -> list[tuple[int, str, str]]:
     """Number, name and message of every outcome, by number."""
     source = (places.CHECKOUT / "adb" / "AdbExitCode.h").read_text().replace("\\\n", "\n")
-    found = sorted((int(number), name, "".join(re.findall(r'"(.*?)"', text))) for number, name, text in _ROW.findall(source))
+    rows = _ROW.findall(source)
+    found = sorted((int(number), name, "".join(re.findall(r'"(.*?)"', text))) for number, name, text in rows)
     assert len(found) == 59, f"{len(found)} outcomes in the table"
     return found
 

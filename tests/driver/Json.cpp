@@ -1,4 +1,4 @@
-#include "person/Json.h"
+#include "driver/Json.h"
 
 #include <windows.h>
 

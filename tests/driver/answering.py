@@ -18,13 +18,9 @@ class Answering:
     def __enter__(self) -> Self:
         # Not a pipe for its complaints: adb's server would hold it open.
         self._complaints = tempfile.TemporaryFile("w+", encoding="utf-8", errors="replace")
+        pipe = subprocess.PIPE
         self._process = subprocess.Popen(
-            self._command,
-            stdin=subprocess.PIPE,
-            stdout=subprocess.PIPE,
-            stderr=self._complaints,
-            text=True,
-            encoding="utf-8",
+            self._command, stdin=pipe, stdout=pipe, stderr=self._complaints, text=True, encoding="utf-8"
         )
         return self
 

@@ -3,8 +3,8 @@
 import re
 from functools import cache
 
-import places
-from wizard import MessageBox
+from driver import places
+from driver.wizard import MessageBox
 
 # How the guide writes what differs from time to time.
 VARIES = "…"

@@ -7,12 +7,12 @@
 //                  the program is too busy to say it; an error for every other window.
 //   measure HANDLE FONT [TEXT]
 //                  the room that a control has for its text, the extent of the text and what is drawn of it
-//                  when nothing is cut; with TEXT, as if the control said that. See person/Measure.h.
+//                  when nothing is cut; with TEXT, as if the control said that. See driver/Measure.h.
 // The end of the input ends it.
+#include "driver/Json.h"
+#include "driver/Measure.h"
+#include "driver/Reading.h"
 #include "kit/Request.h"
-#include "person/Json.h"
-#include "person/Measure.h"
-#include "person/Reading.h"
 
 #include <windows.h>
 
@@ -27,12 +27,6 @@
 #include <utility>
 
 namespace {
-
-// The window of the display server that shows it; zero for a control, which has none.
-unsigned long ScreenWindow(HWND hwnd)
-{
-    return HandleToULong(GetPropW(hwnd, L"__wine_x11_whole_window"));
-}
 
 // Window handles have 32 significant bits, whatever the program's width.
 unsigned long Number(HWND hwnd)
@@ -55,10 +49,12 @@ std::string Describe(HWND hwnd)
     // The menu field of a window that is no child is no id.
     const int nId = nStyle & WS_CHILD ? GetDlgCtrlID(hwnd) : 0;
 
-    std::string json =
-        std::format(R"({{"handle":{},"owner":{},"process":{},"screen_window":{},"class":{},"id":{},"text":{},)",
-                    Number(hwnd), Number(GetWindow(hwnd, GW_OWNER)), dwProcess, ScreenWindow(hwnd),
-                    Quoted(ClassOf(hwnd)), nId, Quoted(TitleOf(hwnd)));
+    // The window of the display server that shows it; zero for a control, which has none.
+    const unsigned long nScreenWindow = HandleToULong(GetPropW(hwnd, L"__wine_x11_whole_window"));
+
+    std::string json = std::format(
+        R"({{"handle":{},"owner":{},"process":{},"screen_window":{},"class":{},"id":{},"text":{},)", Number(hwnd),
+        Number(GetWindow(hwnd, GW_OWNER)), dwProcess, nScreenWindow, Quoted(ClassOf(hwnd)), nId, Quoted(TitleOf(hwnd)));
     json +=
         std::format(R"("x":{},"y":{},"width":{},"height":{},"style":{},"extended":{},"visible":{},"enabled":{},)",
                     rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,
@@ -94,12 +90,6 @@ std::string Look()
                        Number(thread.hwndFocus), Number(thread.hwndCaret), windows);
 }
 
-std::string ReadState(HWND hwnd)
-{
-    const std::optional<DWORD_PTR> nState = Ask(hwnd, BM_GETCHECK, 0, 0);
-    return nState ? Truth(*nState == BST_CHECKED) : "null";
-}
-
 // Only of these controls Look does not tell all.
 std::string Read(HWND hwnd)
 {
@@ -108,7 +98,8 @@ std::string Read(HWND hwnd)
         return std::format(R"({{"holds":{}}})", text ? Quoted(*text) : "null");
     }
     if (IsClass(hwnd, WC_BUTTONW)) {
-        return std::format(R"({{"holds":{}}})", ReadState(hwnd));
+        const std::optional<DWORD_PTR> nState = Ask(hwnd, BM_GETCHECK, 0, 0);
+        return std::format(R"({{"holds":{}}})", nState ? Truth(*nState == BST_CHECKED) : "null");
     }
     return R"({"error":"there is no such control, or it holds nothing"})";
 }

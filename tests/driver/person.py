@@ -4,11 +4,13 @@ import time
 from collections.abc import Callable
 from pathlib import Path
 
-import hands
-import pictures
-from eyes import Eyes, Window
-from waiting import wait_for, wait_for_value
-from wizard import MessageBox, Sight, recognise
+from driver import hands, pixels
+from driver.eyes import Eyes, Window
+from driver.waiting import wait_for, wait_for_value
+from driver.wizard import MessageBox, Sight, recognise
+
+# From a start to the first window. Wine itself starts in this time, too.
+START = 60.0
 
 # The slowest step of the wizard: an address that stays silent, three times adb, each with its pauses.
 LONGEST_STEP = 90.0
@@ -43,7 +45,6 @@ class Person:
 
     def wait_until(self, what: str, seen: Callable[[Sight], object], seconds: float = 10.0) -> Sight:
         """Looks until what is seen pleases."""
-
         last: Sight | None = None
 
         def look() -> Sight | None:
@@ -64,6 +65,9 @@ class Person:
         sight = self.rest()
         assert sight.number == number and not sight.boxes, f"page {number} was to come, but there is {sight}"
         return sight
+
+    def wait_for_first_page(self) -> Sight:
+        return self.wait_for_page(1, START)
 
     def wait_for_box(self, caption: str, seconds: float = LONGEST_STEP) -> MessageBox:
         """Until a message box is there; it must be the one with that caption."""
@@ -98,16 +102,20 @@ class Person:
         return last
 
     def holds(self, control_id: int) -> str | bool | None:
-        """What a control of the page holds: an edit's text, a check box's state, an address as far as it is filled in."""
+        """What a control of the page holds: an edit's text, a check box's state, an address as far as it is there."""
         control = self.look().control(control_id)
-        if control.is_kind("SysIPAddress32"):
-            fields = sorted(control.children, key=lambda window: window.x)
-            return ".".join(str(self.eyes.read(window)) for window in fields)
+        if control.fields:
+            return ".".join(str(self.eyes.read(field)) for field in control.fields)
         return self.eyes.read(control)
 
     def expect(self, control_id: int, content: str | bool) -> None:
         """Until a control of the page holds that."""
         wait_for_value(f"control {control_id}", lambda: self.holds(control_id), content)
+
+    def wait_for_next(self, is_there: bool = True, button: str = "Next") -> Sight:
+        """Until the Next button, or another one of the frame, has come; or gone."""
+        what = f"the {button} button" if is_there else f"the {button} button to go"
+        return self.wait_until(what, lambda sight: (button in sight.buttons) is is_there)
 
     def picture(self, file: Path, window: Window | None = None) -> None:
         """Keeps a picture of a window, by default the wizard's."""
@@ -115,7 +123,7 @@ class Person:
         assert window, "there is no wizard to take a picture of"
         hands.move_mouse_away()
         self.rest()
-        pictures.save_picture(window, file)
+        pixels.save_picture(window, file)
 
     # Acting
 
@@ -131,9 +139,9 @@ class Person:
         """Each program of Windows moves the screen's own focus to its window by itself. When two do so at a time, the
         last need not be the one that Windows has in front, and keys that reach the other's window are lost."""
         view = self.eyes.look()
-        for window in view.windows:
-            if window.handle == view.foreground and window.screen_window:
-                hands.send_keys_to(window.screen_window)
+        front = view.window(view.foreground)
+        if front and front.screen_window:
+            hands.send_keys_to(front.screen_window)
 
     def click(self, window: Window, times: int = 1) -> None:
         hands.click(*window.middle, times)
@@ -143,7 +151,7 @@ class Person:
 
     def click_button(self, name: str) -> None:
         """Clicks a button of the wizard's frame, as soon as it is there."""
-        button = self.wait_until(f"the {name} button", lambda sight: sight.button(name)).button(name)
+        button = self.wait_for_next(button=name).button(name)
         assert button
         self.click(button)
 
@@ -162,6 +170,13 @@ class Person:
         self.type(text)
         self.expect(control_id, text)
 
+    def rewrite(self, control_id: int, text: str) -> None:
+        """Replaces what an edit holds."""
+        self.click_control(control_id)
+        self.press("ctrl+a")
+        self.type(text)
+        self.expect(control_id, text)
+
     def tick_by_key(self, control_id: int) -> None:
         """Ticks a check box with the Space bar."""
         self.tab_to(control_id)
@@ -170,7 +185,7 @@ class Person:
 
     def enter_when_offered(self, button: str = "Next") -> None:
         """Waits for a button to appear, then presses Enter."""
-        self.wait_until(f"the {button} button", lambda sight: button in sight.buttons)
+        self.wait_for_next(button=button)
         self.press("Return")
 
     def dismiss(self, box: MessageBox) -> None:

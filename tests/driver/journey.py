@@ -1,18 +1,9 @@
 """The way through the wizard with a watch that plays along, page by page, by keyboard."""
 
-from collections.abc import Callable
-
-import pages
-from person import Person
-from watch import Watch
-from wizard import Sight
-
-# Called on every page when it is filled in, just before the person moves on.
-Filled = Callable[[Sight], None]
-
-
-def _nothing(_: Sight) -> None:
-    pass
+from driver import pages
+from driver.person import Person
+from driver.watch import Watch
+from driver.wizard import Sight
 
 
 def fill_in(person: Person, page: pages.Page, watch: Watch, pair: bool = True) -> None:
@@ -31,20 +22,11 @@ def fill_in(person: Person, page: pages.Page, watch: Watch, pair: bool = True) -
         person.write(pages.PAIRING_PORT, str(watch.pairing_port))
 
 
-def go_on(person: Person, watch: Watch, filled: Filled = _nothing, pair: bool = True) -> None:
-    """Fills the page in and presses Enter."""
-    page = person.look().page
-    assert page, "there is no page to go on from"
-    fill_in(person, page, watch, pair)
-    button = "Finish" if page is pages.PAGES[-1] else "Next"
-    person.wait_until(f"the {button} button", lambda sight: button in sight.buttons)
-    filled(person.rest())
-    person.enter_when_offered(button)
-
-
-def go_to_page(person: Person, number: int, watch: Watch, filled: Filled = _nothing, pair: bool = True) -> Sight:
+def go_to_page(person: Person, number: int, watch: Watch, pair: bool = True) -> Sight:
     """From the page that is shown, forward to that one."""
     while (sight := person.look()).number != number:
-        go_on(person, watch, filled, pair)
+        assert sight.page, "there is no page to go on from"
+        fill_in(person, sight.page, watch, pair)
+        person.enter_when_offered()
         sight = person.wait_for_page(sight.number + 1)
     return sight

@@ -2,8 +2,8 @@
 
 from dataclasses import dataclass, field
 
-import pages
-from eyes import DIALOG_CLASS, View, Window
+from driver import pages
+from driver.eyes import DIALOG_CLASS, View, Window
 
 
 @dataclass(frozen=True)
@@ -51,12 +51,17 @@ class Sight:
         return found
 
     @property
+    def page_window(self) -> Window:
+        """The dialog of the page that is shown."""
+        assert self.frame
+        return next(window for window in self.frame.children if window.visible and window.is_kind(DIALOG_CLASS))
+
+    @property
     def title(self) -> str:
         """What stands above the page, in the frame."""
         if not self.frame:
             return ""
-        inside_page = {id(window) for page in self._page_windows() for window in page.descendants()}
-        statics = (w for w in self.frame.descendants() if w.visible and w.is_kind("Static") and id(w) not in inside_page)
+        statics = (w for w in self.frame.children if w.visible and w.is_kind("Static"))
         return " ".join(static.text for static in statics if static.text and static.text != pages.TITLE)
 
     @property
@@ -66,15 +71,11 @@ class Sight:
 
     @property
     def focus_id(self) -> int:
-        """The id of the control that has the keyboard, 0 where it has none. A field of an address counts as the address."""
+        """The id of the control that has the keyboard, 0 where none has it. A field of an address counts as the address."""
         for window in self.frame.descendants() if self.frame else ():
             if any(inner.handle == self.view.focus for inner in (window, *window.children)) and window.id:
                 return window.id
         return 0
-
-    def _page_windows(self) -> list[Window]:
-        assert self.frame
-        return [w for w in self.frame.descendants() if w.visible and w.is_kind(DIALOG_CLASS)]
 
 
 def recognise(view: View) -> Sight:
@@ -91,7 +92,8 @@ def recognise(view: View) -> Sight:
 
 def _is_message_box(window: Window) -> bool:
     """A message box holds nothing but words, a picture and buttons."""
-    return window.is_kind(DIALOG_CLASS) and all(w.is_kind("Static") or w.is_kind("Button") for w in window.descendants())
+    kinds = {part.class_name.lower() for part in window.descendants()}
+    return window.is_kind(DIALOG_CLASS) and kinds <= {"static", "button"}
 
 
 def _box(window: Window) -> MessageBox:

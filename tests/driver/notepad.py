@@ -1,12 +1,12 @@
 """Text on its way to the clipboard, through a program that everybody has."""
 
-import subprocess
 from collections.abc import Iterator
 from contextlib import contextmanager
 
-from eyes import View, Window
-from person import Person
-from waiting import wait_for_value
+from driver import wine
+from driver.eyes import View, Window
+from driver.person import Person
+from driver.waiting import wait_for_value
 
 CLASS = "Notepad"
 
@@ -14,8 +14,7 @@ CLASS = "Notepad"
 @contextmanager
 def notepad(person: Person) -> Iterator[Window]:
     """A new Notepad, in front and with the keyboard; gives where its text goes. It does not outlive the block."""
-    quiet = subprocess.DEVNULL
-    with subprocess.Popen(["wine", "notepad"], stdin=quiet, stdout=quiet, stderr=quiet) as process:
+    with wine.start("notepad") as process:
         try:
             person.wait_until("Notepad", lambda sight: _sheet(sight.view), 20)
             sheet = _sheet(person.rest().view)
@@ -41,6 +40,5 @@ def copy_to_clipboard(person: Person, text: str) -> None:
 
 def _sheet(view: View) -> Window | None:
     """Where text goes, once Notepad has the keyboard."""
-    focused = view.focused()
-    in_front = any(window.handle == view.foreground and window.is_kind(CLASS) for window in view.windows)
-    return focused if focused and in_front and focused.is_kind("Edit") else None
+    front, focused = view.window(view.foreground), view.focused()
+    return focused if focused and front and front.is_kind(CLASS) and focused.is_kind("Edit") else None

@@ -1,5 +1,6 @@
 """Keyboard and mouse: input events as the devices themselves make them."""
 
+import re
 import subprocess
 import time
 
@@ -21,6 +22,14 @@ def send_keys_to(screen_window: int) -> None:
     _act("windowfocus", str(screen_window))
 
 
+def keys_go_to() -> tuple[int, str]:
+    """The window of the screen that gets the keys, whatever Windows has in front: its number and its name."""
+    command = ["xdotool", "getwindowfocus", "-f", "getwindowgeometry", "--shell", "%@", "getwindowname", "%@"]
+    said = subprocess.run(command, capture_output=True, text=True, timeout=30)
+    number = re.match(r"WINDOW=(\d+)\n", said.stdout)
+    return (int(number[1]), said.stdout.splitlines()[-1]) if number else (0, said.stderr.strip())
+
+
 def press(*keys: str) -> None:
     """Presses keys one after the other: "Return", "space", "shift+Tab"."""
     _act("key", "--delay", str(KEY_DELAY_MS), *keys)
@@ -39,13 +48,6 @@ def click(x: int, y: int, times: int = 1) -> None:
         time.sleep(max(0.0, when + SEPARATE_CLICKS - time.monotonic()))
     _act("mousemove", str(x), str(y), "click", "--repeat", str(times), "--delay", "40", "1")
     _last_click = (x, y, time.monotonic())
-
-
-def keys_go_to() -> str:
-    """The window of the screen that gets the keys, whatever Windows has in front: its number and its name."""
-    asked = subprocess.run(["xdotool", "getwindowfocus", "-f", "getwindowname", "%@"], capture_output=True, text=True, timeout=30)
-    number = subprocess.run(["xdotool", "getwindowfocus", "-f"], capture_output=True, text=True, timeout=30)
-    return f"{number.stdout.strip() or number.stderr.strip()} {asked.stdout.strip()}"
 
 
 def drag(x: int, y: int, to_x: int, to_y: int) -> None:

@@ -3,10 +3,10 @@
 import json
 from collections.abc import Iterator
 from dataclasses import dataclass, field
-from typing import Any
+from typing import Any, NamedTuple
 
-import places
-from answering import Answering
+from driver import places
+from driver.answering import Answering
 
 # A look at a screen takes far less on the busiest machine.
 PATIENCE = 30.0
@@ -19,8 +19,7 @@ TAB_STOP = 0x10000
 DIALOG_CLASS = "#32770"
 
 
-@dataclass(frozen=True)
-class Area:
+class Area(NamedTuple):
     """A rectangle of the screen; right and bottom are the first pixels outside."""
 
     left: int
@@ -29,12 +28,7 @@ class Area:
     bottom: int
 
     def holds(self, other: "Area") -> bool:
-        return (
-            self.left <= other.left
-            and self.top <= other.top
-            and other.right <= self.right
-            and other.bottom <= self.bottom
-        )
+        return self & other == other
 
     def meets(self, other: "Area") -> bool:
         """Whether any pixel is in both."""
@@ -45,12 +39,8 @@ class Area:
         return self.left >= self.right or self.top >= self.bottom
 
     def __and__(self, other: "Area") -> "Area":
-        return Area(
-            max(self.left, other.left),
-            max(self.top, other.top),
-            min(self.right, other.right),
-            min(self.bottom, other.bottom),
-        )
+        left, top = max(self.left, other.left), max(self.top, other.top)
+        return Area(left, top, min(self.right, other.right), min(self.bottom, other.bottom))
 
 
 @dataclass(frozen=True)
@@ -104,6 +94,11 @@ class Window:
         return self.class_name.lower() == class_name.lower()
 
     @property
+    def fields(self) -> list["Window"]:
+        """Of an address those of its numbers, from the first to the last; none of anything else."""
+        return sorted(self.children, key=lambda field: field.x) if self.is_kind("SysIPAddress32") else []
+
+    @property
     def is_check_box(self) -> bool:
         return self.is_kind("Button") and self.style & BUTTON_KINDS in CHECK_BOXES
 
@@ -131,18 +126,19 @@ class View:
 
     def focused(self) -> Window | None:
         """The control that the keyboard goes to."""
-        for top in self.windows:
-            for window in (top, *top.descendants()):
-                if window.handle == self.focus:
-                    return window
-        return None
+        return self.window(self.focus)
+
+    def window(self, handle: int) -> Window | None:
+        """The window or control with that handle."""
+        every = (window for top in self.windows for window in (top, *top.descendants()))
+        return next((window for window in every if window.handle == handle), None)
 
 
 class Eyes(Answering):
     """The reader of windows. A context manager; one serves for a whole test."""
 
     def __init__(self) -> None:
-        super().__init__(places.eyes(), patience=PATIENCE)
+        super().__init__(places.helper("driver/eyes"), patience=PATIENCE)
 
     def look(self) -> View:
         """The whole screen."""

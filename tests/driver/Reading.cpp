@@ -1,4 +1,4 @@
-#include "person/Reading.h"
+#include "driver/Reading.h"
 
 namespace {
 
