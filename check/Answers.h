@@ -52,6 +52,10 @@ public:
     void Expect(const std::wstring& szId, const std::wstring& szExpected, const std::wstring& szSeen,
                 HWND hwndPictured = nullptr);
 
+    // There is what is expected, or else the other.
+    void Either(const std::wstring& szId, bool bExpected, const std::wstring& szExpected, const std::wstring& szElse,
+                HWND hwndPictured = nullptr);
+
     // Keeps an answer that is there already.
     void NotTried(const std::wstring& szId, const std::wstring& szWhy);
 

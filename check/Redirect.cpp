@@ -73,9 +73,7 @@ void CopyRedirected(const CPath& program, const CPath& copy, const std::string& 
     std::string replaced = other;
     replaced.resize(function.size(), '\0');
     image.m_bytes.replace(n, function.size(), replaced);
-    if (!WriteBytes(copy, image.m_bytes)) {
-        throw CLost{L"a copy of the program cannot be written"};
-    }
+    WriteBytes(copy, image.m_bytes);
 }
 
 unsigned DependentLoadFlags(const CPath& program)

@@ -17,5 +17,5 @@ struct RUN
     ULONGLONG nSeconds = 0;
 };
 
-// Writes report.json and report.html. False when the folder does not take them.
-bool WriteReport(const CPath& folder, const CAnswers& answers, const RUN& run);
+// Writes report.json and report.html; throws CLost when the folder does not take them.
+void WriteReport(const CPath& folder, const CAnswers& answers, const RUN& run);

@@ -1,5 +1,6 @@
 #include "check/Sight.h"
 
+#include "check/Text.h"
 #include "person/Reading.h"
 
 #include <commctrl.h>
@@ -7,6 +8,7 @@
 
 #include <algorithm>
 #include <format>
+#include <ranges>
 
 namespace {
 
@@ -52,6 +54,20 @@ const PAGE* PageIn(const TREE& tree)
     return nullptr;
 }
 
+// A button of the frame whose id is none that we know is known by its text.
+void NameButtons(SIGHT& sight)
+{
+    for (PART& part : sight.frame.parts) {
+        if (part.IsKind(WC_BUTTONW) && !IsChild(sight.hwndPage, part.hwnd) &&
+            std::ranges::find(kFrameButtons, part.nId, &FRAME_BUTTON::nId) == kFrameButtons.end()) {
+            std::wstring szText = part.szText;
+            std::erase(szText, L'&');
+            const auto* const pFound = std::ranges::find(kFrameButtons, szText, &FRAME_BUTTON::pszText);
+            part.nId = pFound != kFrameButtons.end() ? pFound->nId : part.nId;
+        }
+    }
+}
+
 void Recognise(SIGHT& sight, TREE tree)
 {
     const PAGE* const pPage = PageIn(tree);
@@ -60,6 +76,7 @@ void Recognise(SIGHT& sight, TREE tree)
         const auto body = std::ranges::find(tree.parts, pPage->nBodyId, &PART::nId);
         sight.hwndPage = GetParent(body->hwnd);
         sight.frame = std::move(tree);
+        NameButtons(sight);
     } else if (IsMessageBox(tree)) {
         sight.boxes.push_back(std::move(tree));
     } else {
@@ -70,7 +87,7 @@ void Recognise(SIGHT& sight, TREE tree)
 struct SEARCH
 {
     DWORD dwProcess;
-    SIGHT sight;
+    std::vector<HWND> found;
 };
 
 BOOL CALLBACK AddWindow(HWND hwnd, LPARAM lParam)
@@ -79,7 +96,7 @@ BOOL CALLBACK AddWindow(HWND hwnd, LPARAM lParam)
     DWORD dwProcess = 0;
     GetWindowThreadProcessId(hwnd, &dwProcess);
     if (dwProcess == search.dwProcess && IsWindowVisible(hwnd)) {
-        Recognise(search.sight, TreeOf(hwnd));
+        search.found.push_back(hwnd);
     }
     return TRUE;
 }
@@ -155,8 +172,11 @@ const PART* SIGHT::FrameButton(int nId) const
 
 UINT SIGHT::Buttons() const
 {
-    return (FrameButton(kBackId) ? kBack : 0u) | (FrameButton(kNextId) ? kNext : 0u) |
-           (FrameButton(kFinishId) ? kFinish : 0u) | (FrameButton(IDCANCEL) ? kCancel : 0u);
+    UINT nButtons = 0;
+    for (const FRAME_BUTTON& button : kFrameButtons) {
+        nButtons |= FrameButton(button.nId) != nullptr ? button.nButton : 0;
+    }
+    return nButtons;
 }
 
 std::wstring SIGHT::Status() const
@@ -217,44 +237,57 @@ TREE TreeOf(HWND hwnd)
     return tree;
 }
 
-SIGHT LookAt(DWORD dwProcess)
+std::vector<HWND> WindowsOf(DWORD dwProcess)
 {
     SEARCH search = {dwProcess, {}};
     EnumWindows(AddWindow, reinterpret_cast<LPARAM>(&search));
+    return std::move(search.found);
+}
+
+SIGHT LookAt(DWORD dwProcess)
+{
+    SIGHT sight;
+    for (const HWND hwnd : WindowsOf(dwProcess)) {
+        Recognise(sight, TreeOf(hwnd));
+    }
     // The thread that has the keyboard; zero names it.
     GUITHREADINFO thread = {};
     thread.cbSize = sizeof thread;
     GetGUIThreadInfo(0, &thread);
-    search.sight.hwndFocus = thread.hwndFocus;
-    search.sight.hwndCaret = thread.hwndCaret;
-    search.sight.hwndForeground = GetForegroundWindow();
-    return std::move(search.sight);
+    sight.hwndFocus = thread.hwndFocus;
+    sight.hwndCaret = thread.hwndCaret;
+    sight.hwndForeground = GetForegroundWindow();
+    return sight;
 }
 
-std::wstring MessageOf(const TREE& box)
+std::wstring WordsOf(const TREE& box)
 {
-    std::wstring szMessage;
-    for (const PART& part : box.parts) {
-        if (part.bVisible && part.IsKind(WC_STATICW) && !part.szText.empty()) {
-            szMessage += (szMessage.empty() ? L"" : L"\n") + part.szText;
-        }
-    }
-    return szMessage;
+    const auto IsText = [](const PART& part) {
+        return part.bVisible && part.IsKind(WC_STATICW) && !part.szText.empty();
+    };
+    return box.window.szText + L": " +
+           Joined(box.parts | std::views::filter(IsText), L"\n", L"no words", &PART::szText);
+}
+
+std::vector<PART> FieldsOf(const PART& address)
+{
+    std::vector<PART> fields = TreeOf(address.hwnd).parts;
+    std::ranges::sort(fields, {}, [](const PART& field) { return field.rect.left; });
+    return fields;
 }
 
 std::wstring HoldsText(const PART& control)
 {
+    const auto Text = [](const PART& edit) { return ReadText(edit.hwnd).value_or(L"(busy)"); };
     if (!control.IsKind(WC_IPADDRESSW)) {
-        return ReadText(control.hwnd).value_or(L"(busy)");
+        return Text(control);
     }
-    TREE address = TreeOf(control.hwnd);
-    std::ranges::sort(address.parts, {}, [](const PART& field) { return field.rect.left; });
+    // An empty field stands between two dots.
     std::wstring szText;
-    for (const PART& field : address.parts) {
-        szText +=
-            (szText.empty() && &field == address.parts.data() ? L"" : L".") + ReadText(field.hwnd).value_or(L"(busy)");
+    for (const PART& field : FieldsOf(control)) {
+        szText += L"." + Text(field);
     }
-    return szText;
+    return szText.substr(szText.empty() ? 0 : 1);
 }
 
 bool IsTicked(const PART& control)

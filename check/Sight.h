@@ -13,8 +13,8 @@ struct PART
     HWND hwnd;
     std::wstring szClass;
     std::wstring szText; // as the system keeps it: not what an edit holds
-    int nId;
-    RECT rect; // pixels of the screen
+    int nId;             // of a button of the frame: as in Pages.h, whatever the system calls it
+    RECT rect;           // pixels of the screen
     LONG nStyle;
     bool bVisible;
     bool bEnabled;
@@ -61,10 +61,16 @@ struct SIGHT
 
 TREE TreeOf(HWND hwnd);
 
+// The windows of a process that are to be seen, from top to bottom.
+std::vector<HWND> WindowsOf(DWORD dwProcess);
+
 SIGHT LookAt(DWORD dwProcess);
 
-// What a message box says.
-std::wstring MessageOf(const TREE& box);
+// What a message box says, "caption: text".
+std::wstring WordsOf(const TREE& box);
+
+// Those of an address, from left to right.
+std::vector<PART> FieldsOf(const PART& address);
 
 // What an edit, or an address as far as it is filled in, holds.
 std::wstring HoldsText(const PART& control);

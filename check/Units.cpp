@@ -10,7 +10,7 @@ namespace {
 
 constexpr PCWSTR kPrograms[] = {L"adb", L"adb-load", L"app", L"atl", L"kit", L"net", L"res", L"tools", L"wizard"};
 
-constexpr DWORD kLongest = 120000;
+constexpr DWORD kLongestProgram = 120000;
 
 // GoogleTest's lines: "[       OK ] Suite.Case (3 ms)".
 constexpr std::string_view kPassed = "[       OK ] ";
@@ -63,7 +63,7 @@ void CheckUnits(CHECK& check)
         const std::wstring szProgram = L"unit-" + szName;
         const CPath file = PartsFolder() / (szProgram + L".exe");
         try {
-            const PRINTED printed = RunCommand(L"\"" + file.wstring() + L"\" --gtest_color=no", kLongest);
+            const PRINTED printed = RunCommand(InQuotes(file) + L" --gtest_color=no", kLongestProgram);
             std::wstring szSeen;
             const bool bHolds = TakeCases(check.answers, szProgram, printed, szSeen);
             check.answers.Tell(L"unit." + szName, bHolds, L"all cases pass", szSeen);

@@ -24,10 +24,12 @@
 #include <objbase.h>
 #include <shellapi.h>
 
-#include <algorithm>
 #include <array>
 #include <cstdio>
-#include <iterator>
+#include <format>
+#include <functional>
+#include <map>
+#include <sstream>
 #include <thread>
 
 namespace {
@@ -49,11 +51,11 @@ constexpr PCWSTR kConsent =
 constexpr std::array kSteps = {
     STEP{L"units", L"Unit tests", L"unit", CheckUnits},
     STEP{L"system", L"Echo and connections", L"system", CheckSystem},
-    STEP{L"first-pages", L"Frame and first pages", L"frame about page-01 page-02 page-03 page-04", CheckFirstPages},
+    STEP{L"first-pages", L"Frame and first pages", L"frame about box page-01 page-02 page-03 page-04", CheckFirstPages},
     STEP{L"last-pages", L"Last pages", L"frame page-08 page-09 page-10 page-11 page-12 page-13 page-14",
          CheckLastPages},
     STEP{L"working-pages", L"Address, pairing and package",
-         L"address number connect pair install page-05 page-06 page-07", CheckWorkingPages},
+         L"address number connect pair install box page-05 page-06 page-07", CheckWorkingPages},
     STEP{L"adb", L"What adb prints", L"adb", CheckAdb},
     STEP{L"deployment", L"Tools on the disk", L"deploy", CheckDeployment},
     STEP{L"instances", L"Second starts", L"instance", CheckInstances},
@@ -76,28 +78,24 @@ void ReadOptions(OPTIONS& options)
 {
     int nArguments = 0;
     LPWSTR* const ppszArguments = CommandLineToArgvW(GetCommandLineW(), &nArguments);
-    for (int n = 1; n < nArguments; ++n) {
-        const std::wstring szName = ppszArguments[n];
-        if (szName == L"--unattended") {
+    const std::vector<std::wstring> arguments(ppszArguments + 1, ppszArguments + nArguments);
+    LocalFree(static_cast<HLOCAL>(ppszArguments));
+    const std::map<std::wstring, std::function<void(const std::wstring&)>> takers = {
+        {L"--surroundings", [&](const std::wstring& szValue) { options.surroundings = ReadSurroundings(szValue); }},
+        {L"--only", [&](const std::wstring& szValue) { options.szOnly = L"," + szValue + L","; }},
+        {L"--program", [&](const std::wstring& szValue) { options.program = szValue; }},
+        {L"--report", [&](const std::wstring& szValue) { options.report = szValue; }},
+        {L"--list", [&](const std::wstring& szValue) { options.list = szValue; }},
+    };
+    for (size_t n = 0; n < arguments.size(); ++n) {
+        if (arguments[n] == L"--unattended") {
             options.bUnattended = true;
-            continue;
-        }
-        const std::wstring szValue = n + 1 < nArguments ? ppszArguments[++n] : L"";
-        if (szName == L"--surroundings" && !szValue.empty()) {
-            options.surroundings = ReadSurroundings(szValue);
-        } else if (szName == L"--only" && !szValue.empty()) {
-            options.szOnly = L"," + szValue + L",";
-        } else if (szName == L"--program" && !szValue.empty()) {
-            options.program = szValue;
-        } else if (szName == L"--report" && !szValue.empty()) {
-            options.report = szValue;
-        } else if (szName == L"--list" && !szValue.empty()) {
-            options.list = szValue;
+        } else if (const auto taker = takers.find(arguments[n]); taker != takers.end() && n + 1 < arguments.size()) {
+            taker->second(arguments[++n]);
         } else {
-            throw CLost{L"The argument " + szName + L" makes no sense."};
+            throw CLost{L"The argument " + arguments[n] + L" makes no sense."};
         }
     }
-    LocalFree(static_cast<HLOCAL>(ppszArguments));
 }
 
 bool IsChosen(const OPTIONS& options, const STEP& step)
@@ -107,50 +105,46 @@ bool IsChosen(const OPTIONS& options, const STEP& step)
 
 void GroupsNotTried(CAnswers& answers, const STEP& step, const std::wstring& szWhy)
 {
-    const std::wstring szGroups = step.pszGroups;
-    for (size_t nStart = 0; nStart < szGroups.size();) {
-        const size_t nEnd = std::min(szGroups.find(L' ', nStart), szGroups.size());
-        answers.GroupNotTried(szGroups.substr(nStart, nEnd - nStart), szWhy);
-        nStart = nEnd + 1;
+    std::wistringstream groups(step.pszGroups);
+    for (std::wstring szGroup; groups >> szGroup;) {
+        answers.GroupNotTried(szGroup, szWhy);
     }
 }
 
-// In a folder of its own, with something beside it that is named like a package. A step whose program is missing says
-// so.
-void CopyProgram(const CHECK& check, const CPath& program)
+// In a folder of its own, with something beside it that is named like a package.
+CPath CopyProgram(const CPath& program, const CWorkFolder& work)
 {
+    const CPath copy = work.Path() / L"program" / L"KalvoApkInstaller.exe";
     std::error_code error;
-    create_directories(check.program.parent_path(), error);
-    copy_file(program, check.program, std::filesystem::copy_options::overwrite_existing, error);
-    WriteBytes(check.program.parent_path() / L"Check.apk", "no package");
+    create_directories(copy.parent_path(), error);
+    if (!copy_file(program, copy, error)) {
+        throw CLost{L"There is no installer to check. Please unpack all of the archive, and start Check.exe there."};
+    }
+    WriteBytes(copy.parent_path() / L"Check.apk", "no package");
+    return copy;
 }
 
 // What a step that stopped half-way may have left.
 void TidyUp()
 {
     const CUnstoppable tidying;
-    StopAdb();
-    std::error_code error;
-    remove_all(ToolsFolder() / L"platform-tools", error);
-    for (const std::wstring& szName : NamesIn(ToolsFolder())) {
-        if (szName.starts_with(L"platform-tools_")) {
-            remove(ToolsFolder() / szName, error);
-        }
-    }
+    RemoveTools();
 }
 
 // One step, whatever becomes of it.
 void RunStep(CHECK& check, const STEP& step)
 {
     std::wstring szWhy = L"the step ended before it was looked at";
+    const auto NoteEnd = [&](const std::wstring& szReason) {
+        szWhy = std::format(L"the step \"{}\" could not go on: {}", step.pszName, szReason);
+        check.answers.m_notes.push_back(szWhy);
+    };
     try {
         step.pfnRun(check);
     } catch (const CLost& lost) {
-        szWhy = L"the step \"" + std::wstring(step.pszName) + L"\" could not go on: " + lost.szWhy;
-        check.answers.m_notes.push_back(szWhy);
+        NoteEnd(lost.szWhy);
     } catch (const std::exception& error) {
-        szWhy = L"the step \"" + std::wstring(step.pszName) + L"\" could not go on: " + FromUtf8(error.what());
-        check.answers.m_notes.push_back(szWhy);
+        NoteEnd(FromUtf8(error.what()));
     }
     TidyUp();
     // A claim of the group that a later step looks at is then told anew.
@@ -162,7 +156,6 @@ bool RunSteps(CHECK& check, const OPTIONS& options, CProgress& progress)
 {
     const CKeptClipboard clipboard;
     try {
-        CopyProgram(check, options.program);
         for (size_t n = 0; n < kSteps.size(); ++n) {
             if (IsChosen(options, kSteps[n])) {
                 progress.Tell(static_cast<int>(n), kSteps[n].pszName);
@@ -181,18 +174,17 @@ bool RunSteps(CHECK& check, const OPTIONS& options, CProgress& progress)
 void LookAtRemains(CAnswers& answers, CWorkFolder& work, const std::optional<std::wstring>& szClipboard)
 {
     const CUnstoppable tidying;
-    const bool bEnded =
-        WaitFor(5000, [] { return ProcessesOf(L"KalvoApkInstaller.exe").empty() && ProcessesOf(L"adb.exe").empty(); });
-    answers.Tell(L"tidy.processes", bEnded, L"none", bEnded ? L"none" : L"the installer, or adb");
+    const bool bEnded = WaitFor(5000, [] { return !IsRunning(L"KalvoApkInstaller.exe") && !IsRunning(L"adb.exe"); });
+    answers.Either(L"tidy.processes", bEnded, L"none", L"the installer, or adb");
     const bool bRemoved = work.Remove() && NamesIn(ToolsFolder()).empty();
-    answers.Tell(L"tidy.files", bRemoved, L"none",
-                 bRemoved ? L"none" : ListOf(work.Path()) + L", " + ListOf(ToolsFolder()));
-    answers.Tell(L"tidy.port", !IsListening(kAdbServerPort), L"nobody",
-                 IsListening(kAdbServerPort) ? L"somebody" : L"nobody");
-    const bool bSame = ClipboardText() == szClipboard;
-    answers.Tell(L"tidy.clipboard", bSame, L"the same", bSame ? L"the same" : L"another text, or none");
+    answers.Either(L"tidy.files", bRemoved, L"none",
+                   std::format(L"copies: {}; tools: {}; adb's key: {}", ListOf(work.Path()), ListOf(ToolsFolder()),
+                               ListOf(AdbKeyFolder())));
+    answers.Either(L"tidy.port", !IsListening(kAdbServerPort), L"nobody", L"somebody");
+    answers.Either(L"tidy.clipboard", ClipboardText() == szClipboard, L"the same", L"another text, or none");
 }
 
+// Unattended, to whoever reads what it prints, and beside the report where that can be written.
 void Refuse(const OPTIONS& options, const std::wstring& szWhy)
 {
     if (!options.bUnattended) {
@@ -200,7 +192,11 @@ void Refuse(const OPTIONS& options, const std::wstring& szWhy)
         return;
     }
     std::fprintf(stderr, "%s\n", ToUtf8(szWhy).c_str());
-    WriteBytes(options.report / L"refused.txt", ToUtf8(szWhy));
+    try {
+        WriteBytes(options.report / L"refused.txt", ToUtf8(szWhy));
+    } catch (const CLost& lost) {
+        std::fprintf(stderr, "%s\n", ToUtf8(lost.szWhy).c_str());
+    }
 }
 
 std::wstring VersionOf(const CPath& program)
@@ -214,8 +210,8 @@ std::wstring VersionOf(const CPath& program)
         !VerQueryValueW(bytes.data(), L"\\", reinterpret_cast<void**>(&pInfo), &cb)) {
         return L"unknown";
     }
-    return std::to_wstring(HIWORD(pInfo->dwFileVersionMS)) + L"." + std::to_wstring(LOWORD(pInfo->dwFileVersionMS)) +
-           L"." + std::to_wstring(HIWORD(pInfo->dwFileVersionLS));
+    return std::format(L"{}.{}.{}", HIWORD(pInfo->dwFileVersionMS), LOWORD(pInfo->dwFileVersionMS),
+                       HIWORD(pInfo->dwFileVersionLS));
 }
 
 // The whole check on a thread of its own, while this one shows how far it is.
@@ -226,12 +222,13 @@ RUN RunCheck(const OPTIONS& options, CAnswers& answers)
     const HWND hwndFront = GetForegroundWindow();
     const std::optional<std::wstring> szClipboard = ClipboardText();
     CWorkFolder work;
+    const CPath copy = CopyProgram(options.program, work);
     {
         CProgress progress(static_cast<int>(kSteps.size()));
         const CHandle hEnd(CreateEventW(nullptr, TRUE, FALSE, nullptr));
         std::thread thread([&] {
             CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-            CHECK check = {answers, options.surroundings, work, work.Path() / L"program" / L"KalvoApkInstaller.exe"};
+            CHECK check = {answers, options.surroundings, work, copy};
             run.bCancelled = !RunSteps(check, options, progress);
             LookAtRemains(answers, work, szClipboard);
             CoUninitialize();
@@ -264,9 +261,10 @@ int Check(const OPTIONS& options)
         }
     }
     const RUN run = RunCheck(options, answers);
-    if (!WriteReport(options.report, answers, run)) {
-        Refuse(options, L"The reports cannot be written beside this program (error " + std::to_wstring(GetLastError()) +
-                            L"). Please unpack it into a folder of yours.");
+    try {
+        WriteReport(options.report, answers, run);
+    } catch (const CLost& lost) {
+        Refuse(options, L"There is no report: " + lost.szWhy + L". Please unpack the archive into a folder of yours.");
         return 4;
     }
     if (!options.bUnattended && !run.bCancelled) {
@@ -286,7 +284,8 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int)
     try {
         ReadOptions(options);
         if (!options.list.empty()) {
-            return WriteBytes(options.list, ClaimsAsJson()) ? 0 : 4;
+            WriteBytes(options.list, ClaimsAsJson());
+            return 0;
         }
         return Check(options);
     } catch (const CLost& lost) {

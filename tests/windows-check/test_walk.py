@@ -27,7 +27,9 @@ FEWEST_CLAIMS = 120
 LONGEST = 6 * 60
 
 PROGRESS = "KALVO Windows check"
-FIRST_PAGES = re.compile(r"about\.|page-0[1-4]\.|frame\.(?!by-number|escape-hidden|back-from-last|last-again|enter-last)")
+FIRST_PAGES = re.compile(
+    r"about\.|box\.|page-0[1-4]\.|frame\.(?!by-number|escape-|back-from-last|last-again|enter-last)"
+)
 
 ADDRESS = re.compile(r"\b\d{1,3}\.\d{1,3}\.\d{1,3}\.\d{1,3}\b")
 
