@@ -16,7 +16,7 @@ CHECKOUT = places.CHECKOUT
 SURROUNDINGS = CHECKOUT / "check" / "wine.txt"
 
 # How Check.exe ends.
-ALL_HOLD, SOME_DO_NOT, REFUSED, CANCELLED = range(4)
+ALL_HOLD, SOME_DO_NOT, REFUSED, CANCELLED, NO_REPORT = range(5)
 
 
 def archive() -> Path:
