@@ -52,8 +52,7 @@ void CAnswers::Either(const std::wstring& szId, bool bExpected, const std::wstri
 void CAnswers::NotTried(const std::wstring& szId, const std::wstring& szWhy)
 {
     RESULT& row = Row(szId);
-    if (row.nAnswer == ANSWER::kNone) {
-        row.nAnswer = ANSWER::kNotTried;
+    if (row.nAnswer == ANSWER::kNotTried && row.szWhy.empty()) {
         row.szWhy = szWhy;
     }
 }

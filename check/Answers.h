@@ -11,7 +11,6 @@
 
 enum class ANSWER
 {
-    kNone,
     kHolds,
     kDoesNotHold,
     kNotTried
@@ -19,10 +18,10 @@ enum class ANSWER
 
 struct RESULT
 {
-    ANSWER nAnswer = ANSWER::kNone;
+    ANSWER nAnswer = ANSWER::kNotTried;
     std::wstring szExpected;
     std::wstring szSeen;
-    std::wstring szWhy;     // not tried: the reason
+    std::wstring szWhy;     // not tried: the reason; empty as long as nothing was said
     std::wstring szPicture; // the name of one, empty for none
 };
 

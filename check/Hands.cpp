@@ -12,8 +12,8 @@ namespace {
 // A practised typist's pace, with room for programs that look at every key.
 constexpr DWORD kBetweenKeys = 12;
 
-// Two clicks at one place are a double click to the system unless more time is between them.
-constexpr DWORD kBetweenClicks = 40;
+// So that what the mouse comes over and what it presses can follow.
+constexpr DWORD kAroundClicks = 40;
 
 INPUT KeyboardInput(WORD nKey, WORD nScan, DWORD dwFlags)
 {
@@ -129,16 +129,14 @@ void Type(DWORD dwProcess, const std::wstring& szText)
     }
 }
 
-void Click(const RECT& rect, int nTimes)
+void Click(const RECT& rect)
 {
     const INPUT move = MoveInput((rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2);
     Send({move});
-    for (int n = 0; n < nTimes; ++n) {
-        Pause(kBetweenClicks);
-        // In one go with the click: the mouse that lies on the desk may tell its place in between.
-        Send({move, MouseInput(MOUSEEVENTF_LEFTDOWN), MouseInput(MOUSEEVENTF_LEFTUP)});
-    }
-    Pause(kBetweenClicks);
+    Pause(kAroundClicks);
+    // In one go with the click: the mouse that lies on the desk may tell its place in between.
+    Send({move, MouseInput(MOUSEEVENTF_LEFTDOWN), MouseInput(MOUSEEVENTF_LEFTUP)});
+    Pause(kAroundClicks);
 }
 
 void MoveMouseAway()

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr DWORD kSoon = 10000;
+constexpr DWORD kLongestEnd = 10000;
 
 bool IsSame(PCWSTR pszOne, PCWSTR pszOther)
 {
@@ -82,19 +82,20 @@ void StopAdb()
         return;
     }
     try {
-        RunCommand(InQuotes(AdbPath()) + L" kill-server", kSoon);
+        RunCommand(InQuotes(AdbPath()) + L" kill-server", kLongestEnd);
         WaitFor(2000, [] { return !IsOwnAdbRunning(); });
     } catch (const CLost&) {
         // It is ended the hard way.
     }
     for (const CHandle& hProcess : OwnAdbs()) {
         TerminateProcess(hProcess.get(), 1);
-        WaitForSingleObject(hProcess.get(), kSoon);
+        WaitForSingleObject(hProcess.get(), kLongestEnd);
     }
 }
 
 void RemoveTools()
 {
+    const CUnstoppable tidying;
     StopAdb();
     std::error_code error;
     for (const std::wstring& szName : NamesIn(ToolsFolder())) {
@@ -124,7 +125,7 @@ CInstaller::CInstaller(const SURROUNDINGS& surroundings, const CPath& program)
     if (!surroundings.szThrough.empty()) {
         const std::wstring szName = program.filename();
         m_dwProcess = 0;
-        WaitFor(kSoon, [&] {
+        WaitFor(kLongestEnd, [&] {
             m_dwProcess = ChildOf(process.dwProcessId, szName.c_str());
             return m_dwProcess != 0 || HasEnded();
         });
@@ -158,6 +159,6 @@ void CInstaller::Kill() const
 {
     if (m_hProcess && !HasEnded()) {
         TerminateProcess(m_hProcess.get(), 1);
-        WaitForSingleObject(m_hStarted.get(), kSoon);
+        WaitForSingleObject(m_hStarted.get(), kLongestEnd);
     }
 }

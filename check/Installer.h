@@ -52,5 +52,5 @@ bool IsOwnAdbRunning();
 // Stops adb's server and ends what still runs of the adb that the installer deployed.
 void StopAdb();
 
-// The same, and removes the tools that an installer which was killed leaves.
+// The same, whether or not the user has cancelled, and removes the tools that an installer which was killed leaves.
 void RemoveTools();

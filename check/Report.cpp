@@ -3,20 +3,27 @@
 #include "check/Private.h"
 #include "person/Json.h"
 
+#include <algorithm>
 #include <format>
+#include <map>
 
 namespace {
 
-PCWSTR NameOf(ANSWER nAnswer)
+struct ANSWER_WORDS
 {
-    switch (nAnswer) {
-    case ANSWER::kHolds:
-        return L"holds";
-    case ANSWER::kDoesNotHold:
-        return L"does not hold";
-    default:
-        return L"not tried";
-    }
+    ANSWER nAnswer;
+    PCWSTR pszName;
+    PCSTR pszClass; // of its rows
+};
+
+// In the order of the page: first what has to be read.
+constexpr ANSWER_WORDS kAnswers[] = {{ANSWER::kDoesNotHold, L"does not hold", "not"},
+                                     {ANSWER::kNotTried, L"not tried", "untried"},
+                                     {ANSWER::kHolds, L"holds", "holds"}};
+
+const ANSWER_WORDS& WordsFor(ANSWER nAnswer)
+{
+    return *std::ranges::find(kAnswers, nAnswer, &ANSWER_WORDS::nAnswer);
 }
 
 // In quotes, and nothing that is nobody's business.
@@ -27,8 +34,9 @@ std::string Told(const std::wstring& szText)
 
 std::string JsonOfClaim(const CLAIM& claim, const RESULT& result)
 {
-    std::string json = std::format(R"({{"id":{},"claim":{},"how":{},"answer":{})", Quoted(claim.szId),
-                                   Quoted(claim.szSentence), Quoted(claim.szHow), Quoted(NameOf(result.nAnswer)));
+    std::string json =
+        std::format(R"({{"id":{},"claim":{},"how":{},"answer":{})", Quoted(claim.szId), Quoted(claim.szSentence),
+                    Quoted(claim.szHow), Quoted(WordsFor(result.nAnswer).pszName));
     if (result.nAnswer == ANSWER::kNotTried) {
         json += R"(,"why":)" + Told(result.szWhy);
     } else {
@@ -74,25 +82,12 @@ std::string ReportAsJson(const CAnswers& answers, const RUN& run)
 // With the characters escaped that mean something to a browser.
 std::string Html(const std::wstring& szText)
 {
+    static const std::map<char, std::string> s_entities = {
+        {'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}};
     std::string html;
     for (const char c : ToUtf8(WithoutNames(szText))) {
-        switch (c) {
-        case '&':
-            html += "&amp;";
-            break;
-        case '<':
-            html += "&lt;";
-            break;
-        case '>':
-            html += "&gt;";
-            break;
-        case '"':
-            html += "&quot;";
-            break;
-        default:
-            html += c;
-            break;
-        }
+        const auto entity = s_entities.find(c);
+        html += entity != s_entities.end() ? entity->second : std::string(1, c);
     }
     return html;
 }
@@ -109,9 +104,7 @@ td:first-child { white-space: nowrap; font-family: Consolas, monospace } .answer
 
 std::string HtmlOfClaim(const CLAIM& claim, const RESULT& result)
 {
-    const char* pszClass = result.nAnswer == ANSWER::kHolds         ? "holds"
-                           : result.nAnswer == ANSWER::kDoesNotHold ? "not"
-                                                                    : "untried";
+    const ANSWER_WORDS& words = WordsFor(result.nAnswer);
     std::string more;
     if (result.nAnswer == ANSWER::kNotTried) {
         more = "<br>" + Html(result.szWhy);
@@ -120,17 +113,16 @@ std::string HtmlOfClaim(const CLAIM& claim, const RESULT& result)
     }
     return std::format("<tr class=\"{}\"><td>{}</td><td>{} <span class=\"small\">({})</span>{}</td>"
                        "<td class=\"answer\">{}</td></tr>\n",
-                       pszClass, Html(claim.szId), Html(claim.szSentence), Html(claim.szHow), more,
-                       Html(NameOf(result.nAnswer)));
+                       words.pszClass, Html(claim.szId), Html(claim.szSentence), Html(claim.szHow), more,
+                       Html(words.pszName));
 }
 
-// First what does not hold, then what was not tried.
 std::string HtmlOfClaims(const CAnswers& answers)
 {
     std::string rows;
-    for (const ANSWER nAnswer : {ANSWER::kDoesNotHold, ANSWER::kNotTried, ANSWER::kHolds}) {
+    for (const ANSWER_WORDS& words : kAnswers) {
         for (const CLAIM& claim : AllClaims()) {
-            if (answers.Of(claim.szId).nAnswer == nAnswer) {
+            if (answers.Of(claim.szId).nAnswer == words.nAnswer) {
                 rows += HtmlOfClaim(claim, answers.Of(claim.szId));
             }
         }

@@ -1,5 +1,6 @@
 #include "check/Sight.h"
 
+#include "check/Stopping.h"
 #include "check/Text.h"
 #include "person/Reading.h"
 
@@ -150,16 +151,20 @@ bool PART::IsPushButton() const
     return IsKind(WC_BUTTONW) && (nKind == BS_PUSHBUTTON || nKind == BS_DEFPUSHBUTTON);
 }
 
-bool PART::IsDefaultButton() const
-{
-    return IsKind(WC_BUTTONW) && (nStyle & BS_TYPEMASK) == BS_DEFPUSHBUTTON;
-}
-
 const PART* SIGHT::Control(int nId) const
 {
     const auto found = std::ranges::find_if(
         frame.parts, [&](const PART& part) { return part.nId == nId && IsChild(hwndPage, part.hwnd); });
     return found == frame.parts.end() ? nullptr : &*found;
+}
+
+const PART& SIGHT::Existing(int nId) const
+{
+    const PART* const pControl = Control(nId);
+    if (pControl == nullptr) {
+        throw CLost{std::format(L"there is no control {} on page {}", nId, Number())};
+    }
+    return *pControl;
 }
 
 const PART* SIGHT::FrameButton(int nId) const
@@ -200,7 +205,7 @@ std::vector<int> SIGHT::DefaultButtons() const
 {
     std::vector<int> ids;
     for (const PART& part : frame.parts) {
-        if (part.bVisible && part.IsDefaultButton()) {
+        if (part.bVisible && part.IsKind(WC_BUTTONW) && (part.nStyle & BS_TYPEMASK) == BS_DEFPUSHBUTTON) {
             ids.push_back(part.nId);
         }
     }

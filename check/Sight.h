@@ -21,7 +21,6 @@ struct PART
 
     bool IsKind(PCWSTR pszClass) const;
     bool IsPushButton() const;
-    bool IsDefaultButton() const;
 };
 
 // A window and all that is in it.
@@ -47,6 +46,7 @@ struct SIGHT
         return pPage != nullptr ? pPage->nNumber : 0;
     }
     const PART* Control(int nId) const;     // of the page
+    const PART& Existing(int nId) const;    // the same; throws CLost where there is none
     const PART* FrameButton(int nId) const; // when it is to be seen
     UINT Buttons() const;
     std::wstring Status() const;

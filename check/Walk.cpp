@@ -19,6 +19,12 @@ constexpr DWORD kRest = 150;
 // Longer than it takes a busy machine to start the program and write its tools.
 constexpr DWORD kStart = 40000;
 
+// What follows a key or a click at once.
+constexpr DWORD kSoon = 3000;
+
+// Two pages ask the network before they let the user go on.
+constexpr DWORD kLongestStep = 60000;
+
 std::wstring Glance(const SIGHT& sight)
 {
     std::wstring szGlance = Describe(sight.frame) + std::to_wstring(HandleToULong(sight.hwndFocus));
@@ -71,10 +77,10 @@ SIGHT CWalk::WaitUntil(const std::wstring& szWhat, const std::function<bool(cons
 SIGHT CWalk::WaitForPage(int nPage, DWORD dwMilliseconds) const
 {
     const auto IsThere = [nPage](const SIGHT& sight) { return sight.Number() == nPage && sight.boxes.empty(); };
-    WaitUntil(L"page " + std::to_wstring(nPage), IsThere, dwMilliseconds);
+    WaitUntil(std::format(L"page {}", nPage), IsThere, dwMilliseconds);
     SIGHT sight = Rest();
     if (!IsThere(sight)) {
-        throw CLost{L"page " + std::to_wstring(nPage) + L" did not stay"};
+        throw CLost{std::format(L"page {} did not stay", nPage)};
     }
     return sight;
 }
@@ -120,17 +126,11 @@ void CWalk::Type(const std::wstring& szText) const
     ::Type(m_program.Process(), szText);
 }
 
-void CWalk::ClickControl(int nId, int nTimes) const
+void CWalk::ClickControl(int nId) const
 {
     const SIGHT sight = Look();
-    const PART* pPart = sight.Control(nId);
-    if (pPart == nullptr) {
-        pPart = sight.FrameButton(nId);
-    }
-    if (pPart == nullptr) {
-        throw CLost{L"there is no control " + std::to_wstring(nId) + L" on page " + std::to_wstring(sight.Number())};
-    }
-    Click(pPart->rect, nTimes);
+    const PART* const pButton = sight.FrameButton(nId);
+    Click(pButton != nullptr ? pButton->rect : sight.Existing(nId).rect);
 }
 
 void CWalk::Empty(int nId) const
@@ -159,9 +159,7 @@ void CWalk::Enter(int nId, const std::wstring& szText) const
 
 std::vector<PART> CWalk::AddressFields() const
 {
-    const SIGHT sight = Rest();
-    const PART* const pAddress = sight.Control(IDC_WATCH_ADDRESS);
-    std::vector<PART> fields = pAddress != nullptr ? FieldsOf(*pAddress) : std::vector<PART>();
+    std::vector<PART> fields = FieldsOf(Rest().Existing(IDC_WATCH_ADDRESS));
     if (fields.size() != 4) {
         throw CLost{std::format(L"the address has {} fields", fields.size())};
     }
@@ -194,15 +192,15 @@ void CWalk::EnterAddress(const std::wstring& szAddress) const
     }
 }
 
-bool CWalk::HasButtons(UINT nButtons, DWORD dwMilliseconds) const
+bool CWalk::HasButtons(UINT nButtons) const
 {
-    return WaitFor(dwMilliseconds, [&] { return Look().Buttons() == nButtons; }) && Rest().Buttons() == nButtons;
+    return WaitFor(kSoon, [&] { return Look().Buttons() == nButtons; }) && Rest().Buttons() == nButtons;
 }
 
-bool CWalk::Holds(int nId, const std::wstring& szText, DWORD dwMilliseconds) const
+bool CWalk::Holds(int nId, const std::wstring& szText) const
 {
     const std::wstring szExpected = nId == IDC_WATCH_ADDRESS && szText.empty() ? L"..." : szText;
-    return WaitFor(dwMilliseconds, [&] { return TextOf(nId) == szExpected; });
+    return WaitFor(kSoon, [&] { return TextOf(nId) == szExpected; });
 }
 
 std::wstring CWalk::TextOf(int nId) const
@@ -227,27 +225,23 @@ void CWalk::Dismiss(const TREE& box) const
 void CWalk::Tick(bool bTicked) const
 {
     const SIGHT sight = Look();
-    const int nBoxId = sight.pPage != nullptr ? sight.pPage->nBoxId : 0;
-    const PART* const pBox = sight.Control(nBoxId);
-    if (pBox == nullptr) {
-        throw CLost{L"there is no box to tick on page " + std::to_wstring(sight.Number())};
-    }
-    const auto IsDone = [&] { return IsTicked(*pBox) == bTicked; };
+    const PART box = sight.Existing(sight.pPage != nullptr ? sight.pPage->nBoxId : 0);
+    const auto IsDone = [&] { return IsTicked(box) == bTicked; };
     if (IsDone()) {
         return;
     }
-    if (sight.FocusId() == nBoxId) {
+    if (sight.FocusId() == box.nId) {
         Press(VK_SPACE);
     }
     if (!WaitFor(1000, IsDone)) {
-        Click(pBox->rect);
+        Click(box.rect);
     }
-    if (!WaitFor(2000, IsDone)) {
-        throw CLost{L"the box of page " + std::to_wstring(sight.Number()) + L" cannot be ticked"};
+    if (!WaitFor(kSoon, IsDone)) {
+        throw CLost{std::format(L"the box of page {} cannot be ticked", sight.Number())};
     }
 }
 
-SIGHT CWalk::GoOn(DWORD dwMilliseconds) const
+SIGHT CWalk::GoOn() const
 {
     const int nPage = Look().Number();
     const auto HasMoved = [&] {
@@ -265,7 +259,7 @@ SIGHT CWalk::GoOn(DWORD dwMilliseconds) const
     if (!bMoved || bOtherBox) {
         PressButton(PSBTN_NEXT);
     }
-    return WaitForPage(nPage + 1, dwMilliseconds);
+    return WaitForPage(nPage + 1, kLongestStep);
 }
 
 void CWalk::GoTo(int nPage, const std::wstring& szPort) const
@@ -277,7 +271,7 @@ void CWalk::GoTo(int nPage, const std::wstring& szPort) const
         } else if (sight.pPage->nBoxId != 0) {
             Tick();
         }
-        HasButtons(sight.pPage->nFilled, 1000);
+        HasButtons(sight.pPage->nFilled);
     }
 }
 

@@ -45,7 +45,7 @@ public:
 
     void Press(WORD nKey, WORD nHeld = 0) const;
     void Type(const std::wstring& szText) const;
-    void ClickControl(int nId, int nTimes = 1) const;
+    void ClickControl(int nId) const;
     // Empties a field of the page, and leaves the keyboard there.
     void Empty(int nId) const;
     void Enter(int nId, const std::wstring& szText) const;
@@ -55,15 +55,15 @@ public:
     void EnterAddress(const std::wstring& szAddress) const;
 
     // Whether the page's buttons became these.
-    bool HasButtons(UINT nButtons, DWORD dwMilliseconds = 3000) const;
+    bool HasButtons(UINT nButtons) const;
     // Whether a field of the page came to hold that.
-    bool Holds(int nId, const std::wstring& szText, DWORD dwMilliseconds = 3000) const;
+    bool Holds(int nId, const std::wstring& szText) const;
     std::wstring TextOf(int nId) const;
 
     void Dismiss(const TREE& box) const;
     void Tick(bool bTicked = true) const;
     // Presses Next, which is to lead to the next page.
-    SIGHT GoOn(DWORD dwMilliseconds = 60000) const;
+    SIGHT GoOn() const;
     // From an earlier page, filling in what is asked for; the watch then is at that address of this computer.
     void GoTo(int nPage, const std::wstring& szPort) const;
     void GoBackTo(int nPage) const;

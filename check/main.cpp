@@ -5,11 +5,10 @@
 //     --surroundings FILE              see Surroundings.h
 //     --only STEP,STEP                 no other steps
 //     --program FILE                   another installer than the one in the folder "parts"
-//     --report FOLDER                  where the reports are written; else beside this program
 //   Check.exe --list FILE              writes the table of claims as JSON and does nothing else
 //
 // Ends with 0 when all that was tried holds, 1 when something does not, 2 when it refuses to begin, 3 when it was
-// cancelled, 4 when the reports could not be written.
+// cancelled, 4 when the reports could not be written. They and what it says of 2 and 4 stand beside this program.
 #include "check/Check.h"
 #include "check/Hands.h"
 #include "check/Installer.h"
@@ -69,7 +68,6 @@ struct OPTIONS
     SURROUNDINGS surroundings;
     std::wstring szOnly;
     CPath program = PartsFolder() / L"KalvoApkInstaller.exe";
-    CPath report = OwnFolder();
     CPath list;
 };
 
@@ -84,7 +82,6 @@ void ReadOptions(OPTIONS& options)
         {L"--surroundings", [&](const std::wstring& szValue) { options.surroundings = ReadSurroundings(szValue); }},
         {L"--only", [&](const std::wstring& szValue) { options.szOnly = L"," + szValue + L","; }},
         {L"--program", [&](const std::wstring& szValue) { options.program = szValue; }},
-        {L"--report", [&](const std::wstring& szValue) { options.report = szValue; }},
         {L"--list", [&](const std::wstring& szValue) { options.list = szValue; }},
     };
     for (size_t n = 0; n < arguments.size(); ++n) {
@@ -124,13 +121,6 @@ CPath CopyProgram(const CPath& program, const CWorkFolder& work)
     return copy;
 }
 
-// What a step that stopped half-way may have left.
-void TidyUp()
-{
-    const CUnstoppable tidying;
-    RemoveTools();
-}
-
 // One step, whatever becomes of it.
 void RunStep(CHECK& check, const STEP& step)
 {
@@ -146,7 +136,7 @@ void RunStep(CHECK& check, const STEP& step)
     } catch (const std::exception& error) {
         NoteEnd(FromUtf8(error.what()));
     }
-    TidyUp();
+    RemoveTools();
     // A claim of the group that a later step looks at is then told anew.
     GroupsNotTried(check.answers, step, szWhy);
 }
@@ -154,8 +144,8 @@ void RunStep(CHECK& check, const STEP& step)
 // Returns false when the user cancelled.
 bool RunSteps(CHECK& check, const OPTIONS& options, CProgress& progress)
 {
-    const CKeptClipboard clipboard;
     try {
+        const CKeptClipboard clipboard;
         for (size_t n = 0; n < kSteps.size(); ++n) {
             if (IsChosen(options, kSteps[n])) {
                 progress.Tell(static_cast<int>(n), kSteps[n].pszName);
@@ -165,7 +155,7 @@ bool RunSteps(CHECK& check, const OPTIONS& options, CProgress& progress)
         }
         return true;
     } catch (const CStopped&) {
-        TidyUp();
+        RemoveTools();
         return false;
     }
 }
@@ -184,7 +174,7 @@ void LookAtRemains(CAnswers& answers, CWorkFolder& work, const std::optional<std
     answers.Either(L"tidy.clipboard", ClipboardText() == szClipboard, L"the same", L"another text, or none");
 }
 
-// Unattended, to whoever reads what it prints, and beside the report where that can be written.
+// Unattended it is printed, and written where that can be.
 void Refuse(const OPTIONS& options, const std::wstring& szWhy)
 {
     if (!options.bUnattended) {
@@ -193,7 +183,7 @@ void Refuse(const OPTIONS& options, const std::wstring& szWhy)
     }
     std::fprintf(stderr, "%s\n", ToUtf8(szWhy).c_str());
     try {
-        WriteBytes(options.report / L"refused.txt", ToUtf8(szWhy));
+        WriteBytes(OwnFolder() / L"refused.txt", ToUtf8(szWhy));
     } catch (const CLost& lost) {
         std::fprintf(stderr, "%s\n", ToUtf8(lost.szWhy).c_str());
     }
@@ -262,13 +252,13 @@ int Check(const OPTIONS& options)
     }
     const RUN run = RunCheck(options, answers);
     try {
-        WriteReport(options.report, answers, run);
+        WriteReport(OwnFolder(), answers, run);
     } catch (const CLost& lost) {
         Refuse(options, L"There is no report: " + lost.szWhy + L". Please unpack the archive into a folder of yours.");
         return 4;
     }
     if (!options.bUnattended && !run.bCancelled) {
-        ShellExecuteW(nullptr, L"open", (options.report / L"report.html").c_str(), nullptr, nullptr, SW_SHOWNORMAL);
+        ShellExecuteW(nullptr, L"open", (OwnFolder() / L"report.html").c_str(), nullptr, nullptr, SW_SHOWNORMAL);
     }
     return run.bCancelled ? 3 : answers.Count(ANSWER::kDoesNotHold) == 0 ? 0 : 1;
 }

@@ -184,9 +184,10 @@ class Refused(CheckTest):
         self.expect_refused("makes no sense")
 
     def test_a_report_that_cannot_be_written_is_named(self) -> None:
-        no_folder = windows_path(self.check.folder / "Check.exe")
-        self.assertEqual(self.check.start("--only", "system", "--report", no_folder).wait(120), NO_REPORT)
+        (self.check.folder / "report.json").mkdir()
+        self.assertEqual(self.check.start("--only", "system").wait(120), NO_REPORT)
         self.assertIn("cannot write report.json (error ", self.check.said())
+        self.assertIn("cannot write report.json (error ", self.check.refusal())
 
 
 if __name__ == "__main__":
