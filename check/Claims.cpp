@@ -43,7 +43,7 @@ constexpr ROW kFrame[] = {
      L"the class of the window"},
     {L"frame.caption", L"The frame's caption is the title.", L"the text of the window"},
     {L"frame.page-size", L"The area of the pages has the size that their templates ask for.",
-     L"compared with a dialog of that size and font"},
+     L"compared with what a dialog of their font makes of it"},
     {L"frame.task-bar", L"The wizard has a button in the task bar, with the title.",
      L"the window has no owner and is no tool's"},
     {L"frame.icon", L"The wizard's large icon is the program's.", L"WM_GETICON, compared with the resource"},

@@ -3,6 +3,7 @@
 #include "check/Icon.h"
 #include "check/Stopping.h"
 #include "check/Walk.h"
+#include "check/resource.h"
 
 #include <commctrl.h>
 
@@ -15,22 +16,12 @@ std::wstring SizeOf(const RECT& rect)
     return std::format(L"{} x {}", rect.right - rect.left, rect.bottom - rect.top);
 }
 
-// A dialog of the pages' size and font, as this system makes it.
+// What the pages' templates ask for, as this system measures it in a dialog of their font.
 std::wstring SizeOfPages()
 {
-    struct alignas(4) TEMPLATE
-    {
-        DLGTEMPLATE dialog = {WS_POPUP | DS_SETFONT | DS_FIXEDSYS, 0, 0, 0, 0, 367, 223};
-        WORD nMenu = 0;
-        WORD nClass = 0;
-        WORD nTitle = 0;
-        WORD nPoints = 9;
-        WCHAR szFont[13] = L"MS Shell Dlg";
-    };
-    const TEMPLATE description;
-    const HWND hwnd = CreateDialogIndirectW(GetModuleHandleW(nullptr), &description.dialog, nullptr, nullptr);
-    RECT rect = {};
-    GetClientRect(hwnd, &rect);
+    const HWND hwnd = CreateDialogParamW(nullptr, MAKEINTRESOURCEW(IDD_PROGRESS), nullptr, nullptr, 0);
+    RECT rect = {0, 0, 367, 223};
+    MapDialogRect(hwnd, &rect);
     DestroyWindow(hwnd);
     return SizeOf(rect);
 }

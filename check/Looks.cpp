@@ -138,16 +138,20 @@ std::wstring Outside(const std::vector<const PART*>& parts, const RECT& area, PC
     return szFound;
 }
 
-// A push button that has the keyboard is the one; else Next or Finish.
+std::wstring IdOf(const PART* pPart)
+{
+    return pPart != nullptr ? std::to_wstring(pPart->nId) : L"none";
+}
+
+// A push button that has the keyboard is the one; else Next or Finish. The arrow draws itself, without an outline.
 std::wstring ExpectedDefault(const SIGHT& sight)
 {
-    for (const PART& part : sight.frame.parts) {
-        if (part.hwnd == sight.hwndFocus && part.IsPushButton()) {
-            return part.nId == kBackId ? L"none" : std::to_wstring(part.nId);
-        }
+    const auto focused = std::ranges::find(sight.frame.parts, sight.hwndFocus, &PART::hwnd);
+    if (focused != sight.frame.parts.end() && focused->IsPushButton()) {
+        return focused->nId == kBackId ? L"none" : IdOf(&*focused);
     }
-    const UINT nButtons = sight.Buttons();
-    return nButtons & kNext ? std::to_wstring(kNextId) : nButtons & kFinish ? std::to_wstring(kFinishId) : L"none";
+    const PART* const pNext = sight.FrameButton(kNextId);
+    return IdOf(pNext != nullptr ? pNext : sight.FrameButton(kFinishId));
 }
 
 void LookAtPlaces(CAnswers& answers, const SIGHT& sight, int nPage, HWND hwndPictured)
@@ -249,7 +253,7 @@ void LookAtPage(const CWalk& walk, int nPage)
     answers.Expect(PageClaim(nPage, L"focus"), std::to_wstring(page.nFocusId), std::to_wstring(sight.FocusId()),
                    hwndPictured);
     answers.Expect(PageClaim(nPage, L"default"), ExpectedDefault(sight),
-                   Joined(sight.DefaultButtons(), L", ", L"none", [](int nId) { return std::to_wstring(nId); }),
+                   Joined(sight.DefaultButtons(), L", ", L"none", IdOf),
                    hwndPictured);
     answers.Expect(PageClaim(nPage, L"texts"), L"nothing", CutTexts(lettering), hwndPictured);
     LookAtPlaces(answers, sight, nPage, hwndPictured);

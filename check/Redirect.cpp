@@ -4,8 +4,6 @@
 
 #include <windows.h>
 
-#include <algorithm>
-#include <cctype>
 #include <cstring>
 
 namespace {
@@ -103,10 +101,6 @@ std::vector<std::wstring> LinkedLibraries(const CPath& program)
             return names;
         }
         const std::string name = image.m_bytes.c_str() + image.Offset(descriptor.Name);
-        std::wstring szSmall;
-        for (const char c : name) {
-            szSmall += static_cast<wchar_t>(std::tolower(static_cast<unsigned char>(c)));
-        }
-        names.push_back(szSmall);
+        names.emplace_back(name.begin(), name.end());
     }
 }

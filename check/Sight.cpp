@@ -6,10 +6,13 @@
 
 #include <commctrl.h>
 #include <oleacc.h>
+#include <wrl/client.h>
 
 #include <algorithm>
 #include <format>
 #include <ranges>
+
+using Microsoft::WRL::ComPtr;
 
 namespace {
 
@@ -102,40 +105,58 @@ BOOL CALLBACK AddWindow(HWND hwnd, LPARAM lParam)
     return TRUE;
 }
 
-// Deep enough for any frame; a guard against programs whose tree has no end.
-constexpr int kDeepest = 12;
+// More than any frame has; a guard against programs whose tree has no end.
+constexpr size_t kMostElements = 1000;
 
-bool SaysAccessibly(IAccessible* pElement, const std::wstring& szName, int nDepth)
+// For screen readers.
+bool IsNamed(IAccessible* pElement, VARIANT self, const std::wstring& szName)
+{
+    BSTR bstrName = nullptr;
+    const bool bNamed = pElement->get_accName(self, &bstrName) == S_OK && bstrName != nullptr && szName == bstrName;
+    SysFreeString(bstrName);
+    return bNamed;
+}
+
+// Whether anything inside an element has that name; adds those elements that may have more inside.
+bool SaysInside(IAccessible* pElement, const std::wstring& szName, std::vector<ComPtr<IAccessible>>& elements)
 {
     long nChildren = 0;
-    if (pElement == nullptr || nDepth > kDeepest || FAILED(pElement->get_accChildCount(&nChildren)) || nChildren <= 0) {
-        return false;
-    }
-    std::vector<VARIANT> children(static_cast<size_t>(nChildren));
+    pElement->get_accChildCount(&nChildren);
+    std::vector<VARIANT> children(static_cast<size_t>(std::max(nChildren, 0L)));
     long nObtained = 0;
     AccessibleChildren(pElement, 0, nChildren, children.data(), &nObtained);
-    bool bFound = false;
+    bool bSays = false;
     for (VARIANT& child : children) {
-        VARIANT self = {};
-        self.vt = VT_I4;
-        IAccessible* pChild = nullptr;
-        if (child.vt == VT_DISPATCH && child.pdispVal != nullptr) {
-            child.pdispVal->QueryInterface(__uuidof(IAccessible), reinterpret_cast<void**>(&pChild));
+        ComPtr<IAccessible> pChild;
+        if (child.vt == VT_DISPATCH && child.pdispVal != nullptr &&
+            SUCCEEDED(child.pdispVal->QueryInterface(IID_PPV_ARGS(&pChild)))) {
+            VARIANT self = {};
+            self.vt = VT_I4;
+            bSays = bSays || IsNamed(pChild.Get(), self, szName);
+            elements.push_back(pChild);
         } else if (child.vt == VT_I4) {
-            self.lVal = child.lVal;
-        }
-        BSTR bstrName = nullptr;
-        IAccessible* const pAsked = pChild != nullptr ? pChild : pElement;
-        bFound = bFound ||
-                 (pAsked->get_accName(self, &bstrName) == S_OK && bstrName != nullptr && szName == bstrName) ||
-                 (pChild != nullptr && SaysAccessibly(pChild, szName, nDepth + 1));
-        SysFreeString(bstrName);
-        if (pChild != nullptr) {
-            pChild->Release();
+            bSays = bSays || IsNamed(pElement, child, szName);
         }
         VariantClear(&child);
     }
-    return bFound;
+    return bSays;
+}
+
+template<typename WANTED>
+std::vector<const PART*> Where(const std::vector<PART>& parts, WANTED wanted)
+{
+    std::vector<const PART*> found;
+    for (const PART& part : parts) {
+        if (wanted(part)) {
+            found.push_back(&part);
+        }
+    }
+    return found;
+}
+
+const PART* FirstOf(const std::vector<const PART*>& parts)
+{
+    return parts.empty() ? nullptr : parts.front();
 }
 
 } // namespace
@@ -153,9 +174,8 @@ bool PART::IsPushButton() const
 
 const PART* SIGHT::Control(int nId) const
 {
-    const auto found = std::ranges::find_if(
-        frame.parts, [&](const PART& part) { return part.nId == nId && IsChild(hwndPage, part.hwnd); });
-    return found == frame.parts.end() ? nullptr : &*found;
+    return FirstOf(
+        Where(frame.parts, [&](const PART& part) { return part.nId == nId && IsChild(hwndPage, part.hwnd); }));
 }
 
 const PART& SIGHT::Existing(int nId) const
@@ -169,10 +189,9 @@ const PART& SIGHT::Existing(int nId) const
 
 const PART* SIGHT::FrameButton(int nId) const
 {
-    const auto found = std::ranges::find_if(frame.parts, [&](const PART& part) {
+    return FirstOf(Where(frame.parts, [&](const PART& part) {
         return part.nId == nId && part.bVisible && part.IsKind(WC_BUTTONW) && !IsChild(hwndPage, part.hwnd);
-    });
-    return found == frame.parts.end() ? nullptr : &*found;
+    }));
 }
 
 UINT SIGHT::Buttons() const
@@ -201,38 +220,24 @@ int SIGHT::FocusId() const
     return 0;
 }
 
-std::vector<int> SIGHT::DefaultButtons() const
+std::vector<const PART*> SIGHT::DefaultButtons() const
 {
-    std::vector<int> ids;
-    for (const PART& part : frame.parts) {
-        if (part.bVisible && part.IsKind(WC_BUTTONW) && (part.nStyle & BS_TYPEMASK) == BS_DEFPUSHBUTTON) {
-            ids.push_back(part.nId);
-        }
-    }
-    return ids;
+    return Where(frame.parts, [](const PART& part) {
+        return part.bVisible && part.IsKind(WC_BUTTONW) && (part.nStyle & BS_TYPEMASK) == BS_DEFPUSHBUTTON;
+    });
 }
 
 std::vector<const PART*> SIGHT::PageParts() const
 {
-    std::vector<const PART*> parts;
-    for (const PART& part : frame.parts) {
-        if (part.bVisible && GetParent(part.hwnd) == hwndPage) {
-            parts.push_back(&part);
-        }
-    }
-    return parts;
+    return Where(frame.parts, [&](const PART& part) { return part.bVisible && GetParent(part.hwnd) == hwndPage; });
 }
 
 std::vector<const PART*> SIGHT::FrameParts() const
 {
-    std::vector<const PART*> parts;
-    for (const PART& part : frame.parts) {
-        if (part.bVisible && part.hwnd != hwndPage && !IsChild(hwndPage, part.hwnd) &&
-            (part.IsKind(WC_STATICW) || part.IsKind(WC_BUTTONW))) {
-            parts.push_back(&part);
-        }
-    }
-    return parts;
+    return Where(frame.parts, [&](const PART& part) {
+        return part.bVisible && part.hwnd != hwndPage && !IsChild(hwndPage, part.hwnd) &&
+               (part.IsKind(WC_STATICW) || part.IsKind(WC_BUTTONW));
+    });
 }
 
 TREE TreeOf(HWND hwnd)
@@ -306,14 +311,18 @@ bool SaysOfItself(HWND hwnd, const std::wstring& szName)
     if (std::ranges::any_of(tree.parts, [&](const PART& part) { return part.bVisible && part.szText == szName; })) {
         return true;
     }
-    IAccessible* pWindow = nullptr;
-    if (FAILED(AccessibleObjectFromWindow(hwnd, static_cast<DWORD>(OBJID_CLIENT), __uuidof(IAccessible),
-                                          reinterpret_cast<void**>(&pWindow)))) {
+    ComPtr<IAccessible> pWindow;
+    if (FAILED(AccessibleObjectFromWindow(hwnd, static_cast<DWORD>(OBJID_CLIENT), IID_PPV_ARGS(&pWindow)))) {
         return false;
     }
-    const bool bSays = SaysAccessibly(pWindow, szName, 0);
-    pWindow->Release();
-    return bSays;
+    std::vector<ComPtr<IAccessible>> elements = {pWindow};
+    for (size_t n = 0; n < std::min(elements.size(), kMostElements); ++n) {
+        const ComPtr<IAccessible> pElement = elements[n];
+        if (SaysInside(pElement.Get(), szName, elements)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 std::wstring Describe(const TREE& tree)

@@ -52,8 +52,8 @@ struct SIGHT
     std::wstring Status() const;
     // The id of what has the keyboard; a field of an address counts as the address.
     int FocusId() const;
-    // The ids of the buttons that are drawn as the one that Enter presses.
-    std::vector<int> DefaultButtons() const;
+    // The buttons that are drawn as the one that Enter presses.
+    std::vector<const PART*> DefaultButtons() const;
     // The dialogs' controls that are to be seen, and what of the frame is.
     std::vector<const PART*> PageParts() const;
     std::vector<const PART*> FrameParts() const;

@@ -1,7 +1,6 @@
 // The pages that do something: the address, the pairing, the package. Nobody but this program's own listeners is asked.
 #include "check/Busy.h"
 #include "check/Fields.h"
-#include "check/Hands.h"
 #include "check/Listener.h"
 #include "check/Machine.h"
 #include "check/Stopping.h"
@@ -284,7 +283,7 @@ void CheckWorkingPages(CHECK& check)
     walk.GoTo(7, silent.Port());
     InstallSilent(walk);
     walk.GoBackTo(5);
-    Click(walk.AddressFields()[1].rect);
+    walk.EmptyField(walk.AddressFields()[1]);
     walk.Press(VK_ESCAPE);
     walk.ExpectEnd(L"frame.escape-field");
 }
