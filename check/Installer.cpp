@@ -105,12 +105,9 @@ void RemoveTools()
     }
 }
 
-CInstaller::CInstaller(const SURROUNDINGS& surroundings, const CPath& program)
+CInstaller::CInstaller(const std::wstring& szThrough, const CPath& program)
 {
-    std::wstring szLine = InQuotes(program);
-    if (!surroundings.szThrough.empty()) {
-        szLine = InQuotes(surroundings.szThrough) + L" " + szLine;
-    }
+    std::wstring szLine = (szThrough.empty() ? L"" : InQuotes(szThrough) + L" ") + InQuotes(program);
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION process = {};
@@ -122,7 +119,7 @@ CInstaller::CInstaller(const SURROUNDINGS& surroundings, const CPath& program)
     m_hStarted.reset(process.hProcess);
     CloseHandle(process.hThread);
     m_dwProcess = process.dwProcessId;
-    if (!surroundings.szThrough.empty()) {
+    if (!szThrough.empty()) {
         const std::wstring szName = program.filename();
         m_dwProcess = 0;
         WaitFor(kLongestEnd, [&] {

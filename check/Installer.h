@@ -3,7 +3,6 @@
 
 #include "check/Folders.h"
 #include "check/Sight.h"
-#include "check/Surroundings.h"
 #include "launcher/Handle.h"
 
 #include <windows.h>
@@ -16,8 +15,9 @@ constexpr PCWSTR kEndedWell = L"exit code 0";
 class CInstaller
 {
 public:
-    // Starts it; throws CLost when it does not start.
-    CInstaller(const SURROUNDINGS& surroundings, const CPath& program);
+    // Starts it; throws CLost when it does not start. Through another program, where one is named: that gets its path
+    // as the only argument and ends with it and with its exit code.
+    CInstaller(const std::wstring& szThrough, const CPath& program);
     // Ends it if it still runs, and adb with it.
     ~CInstaller();
     CInstaller(const CInstaller&) = delete;

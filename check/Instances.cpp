@@ -36,7 +36,7 @@ SECOND StartAgain(const CHECK& check)
     g_shown.clear();
     const HWINEVENTHOOK hHook =
         SetWinEventHook(EVENT_OBJECT_SHOW, EVENT_OBJECT_SHOW, nullptr, OnShow, 0, 0, WINEVENT_OUTOFCONTEXT);
-    const CInstaller second(check.surroundings, SecondProgram(check));
+    const CInstaller second(check.szThrough, SecondProgram(check));
     // Out-of-context hooks are served between messages.
     WaitFor(20000, [&] {
         MSG message;

@@ -253,8 +253,7 @@ void LookAtPage(const CWalk& walk, int nPage)
     answers.Expect(PageClaim(nPage, L"focus"), std::to_wstring(page.nFocusId), std::to_wstring(sight.FocusId()),
                    hwndPictured);
     answers.Expect(PageClaim(nPage, L"default"), ExpectedDefault(sight),
-                   Joined(sight.DefaultButtons(), L", ", L"none", IdOf),
-                   hwndPictured);
+                   Joined(sight.DefaultButtons(), L", ", L"none", IdOf), hwndPictured);
     answers.Expect(PageClaim(nPage, L"texts"), L"nothing", CutTexts(lettering), hwndPictured);
     LookAtPlaces(answers, sight, nPage, hwndPictured);
     LookAtContrast(answers, lettering, nPage, hwndPictured);

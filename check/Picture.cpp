@@ -41,9 +41,8 @@ std::vector<COLORREF> Drawn(int nWidth, int nHeight, DRAW draw)
 std::string ToBase64(const void* p, size_t cb)
 {
     const auto cbBytes = static_cast<DWORD>(cb);
-    DWORD cch = 0;
-    CryptBinaryToStringA(static_cast<const BYTE*>(p), cbBytes, CRYPT_STRING_BASE64 | CRYPT_STRING_NOCRLF, nullptr,
-                         &cch);
+    // Four characters for three bytes, and the end.
+    DWORD cch = ((cbBytes + 2) / 3 * 4) + 1;
     std::string text(cch, '\0');
     CryptBinaryToStringA(static_cast<const BYTE*>(p), cbBytes, CRYPT_STRING_BASE64 | CRYPT_STRING_NOCRLF, text.data(),
                          &cch);

@@ -12,7 +12,7 @@ struct RUN
 {
     std::wstring szProgram; // the installer's version
     std::vector<std::pair<std::wstring, std::wstring>> machine;
-    std::vector<std::wstring> told; // see Surroundings.h
+    std::vector<std::wstring> told; // by whoever started the check
     bool bCancelled = false;
     ULONGLONG nSeconds = 0;
 };

@@ -56,8 +56,9 @@ void LookAtProgram(CAnswers& answers, const std::wstring& szName, const std::wst
     const bool bHolds = told.bEnded && told.failed.empty() && !told.cases.empty() && printed.dwExitCode == 0;
     answers.m_cases.insert(answers.m_cases.end(), told.cases.begin(), told.cases.end());
     answers.Tell(L"unit." + szName, bHolds, L"all cases pass",
-                 std::format(L"of {} cases fail: {}{}, exit code {}", told.cases.size(), Joined(told.failed, L" ", L"none"),
-                             told.bEnded ? L"" : L", it did not come to its end", printed.dwExitCode));
+                 std::format(L"of {} cases fail: {}{}, exit code {}", told.cases.size(),
+                             Joined(told.failed, L" ", L"none"), told.bEnded ? L"" : L", it did not come to its end",
+                             printed.dwExitCode));
     if (!bHolds) {
         const std::string& words = told.words.empty() ? printed.text : told.words;
         answers.m_notes.push_back(szProgram + L":\n" + FromUtf8(words.substr(0, kMostWords)));

@@ -46,7 +46,7 @@ const TREE* FileDialogIn(const SIGHT& sight)
 
 CWalk::CWalk(CHECK& check) : CWalk(check, check.program) {}
 
-CWalk::CWalk(CHECK& check, const CPath& program, COMES nComes) : m_check(check), m_program(check.surroundings, program)
+CWalk::CWalk(CHECK& check, const CPath& program, COMES nComes) : m_check(check), m_program(check.szThrough, program)
 {
     if (nComes == kWizard) {
         WaitForStart();

@@ -2,7 +2,9 @@
 //
 //   Check.exe                          asks before it begins, and shows its report in the end
 //   Check.exe --unattended ...         asks and shows nothing
-//     --surroundings FILE              see Surroundings.h
+//     --through PROGRAM                starts the installer through that program, see Installer.h
+//     --not-tried "ID REASON"          a claim that cannot be answered here; any number of them
+//     --told SENTENCE                  stands in the report, which is not one of plain Windows
 //     --only STEP,STEP                 no other steps
 //     --program FILE                   another installer than the one in the folder "parts"
 //   Check.exe --list FILE              writes the table of claims as JSON and does nothing else
@@ -23,6 +25,7 @@
 #include <objbase.h>
 #include <shellapi.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <format>
@@ -65,7 +68,9 @@ constexpr std::array kSteps = {
 struct OPTIONS
 {
     bool bUnattended = false;
-    SURROUNDINGS surroundings;
+    std::wstring szThrough;
+    std::vector<std::pair<std::wstring, std::wstring>> notTried;
+    std::vector<std::wstring> told;
     std::wstring szOnly;
     CPath program = PartsFolder() / L"KalvoApkInstaller.exe";
     CPath list;
@@ -79,7 +84,13 @@ void ReadOptions(OPTIONS& options)
     const std::vector<std::wstring> arguments(ppszArguments + 1, ppszArguments + nArguments);
     LocalFree(static_cast<HLOCAL>(ppszArguments));
     const std::map<std::wstring, std::function<void(const std::wstring&)>> takers = {
-        {L"--surroundings", [&](const std::wstring& szValue) { options.surroundings = ReadSurroundings(szValue); }},
+        {L"--through", [&](const std::wstring& szValue) { options.szThrough = szValue; }},
+        {L"--not-tried",
+         [&](const std::wstring& szValue) {
+             const size_t nEnd = std::min(szValue.find(L' '), szValue.size());
+             options.notTried.emplace_back(szValue.substr(0, nEnd), szValue.substr(nEnd));
+         }},
+        {L"--told", [&](const std::wstring& szValue) { options.told.push_back(szValue); }},
         {L"--only", [&](const std::wstring& szValue) { options.szOnly = L"," + szValue + L","; }},
         {L"--program", [&](const std::wstring& szValue) { options.program = szValue; }},
         {L"--list", [&](const std::wstring& szValue) { options.list = szValue; }},
@@ -207,7 +218,7 @@ std::wstring VersionOf(const CPath& program)
 // The whole check on a thread of its own, while this one shows how far it is.
 RUN RunCheck(const OPTIONS& options, CAnswers& answers)
 {
-    RUN run = {VersionOf(options.program), DescribeMachine(), options.surroundings.told, false, 0};
+    RUN run = {VersionOf(options.program), DescribeMachine(), options.told, false, 0};
     const ULONGLONG nStart = GetTickCount64();
     const HWND hwndFront = GetForegroundWindow();
     const std::optional<std::wstring> szClipboard = ClipboardText();
@@ -218,7 +229,7 @@ RUN RunCheck(const OPTIONS& options, CAnswers& answers)
         const CHandle hEnd(CreateEventW(nullptr, TRUE, FALSE, nullptr));
         std::thread thread([&] {
             CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-            CHECK check = {answers, options.surroundings, work, copy};
+            CHECK check = {answers, options.szThrough, work, copy};
             run.bCancelled = !RunSteps(check, options, progress);
             LookAtRemains(answers, work, szClipboard);
             CoUninitialize();
@@ -245,7 +256,7 @@ int Check(const OPTIONS& options)
         return 3;
     }
     CAnswers answers;
-    for (const auto& [szId, szReason] : options.surroundings.notTried) {
+    for (const auto& [szId, szReason] : options.notTried) {
         if (!answers.Exclude(szId, szReason)) {
             throw CLost{L"There is no claim " + szId + L" that could not be tried."};
         }

@@ -59,13 +59,12 @@ class WindowsCheck:
         for name in ("launcher.exe", "standins.dll"):
             (standins / name).write_bytes((places.launcher().parent / name).read_bytes())
         self._log = Path("/tmp/check.log")
-        self.surroundings = standins / "surroundings.txt"
-        text = SURROUNDINGS.read_text(encoding="utf-8")
-        self.surroundings.write_text(text.replace("%LAUNCHER%", windows_path(standins / "launcher.exe")), encoding="utf-8")
+        text = SURROUNDINGS.read_text(encoding="utf-8").replace("%LAUNCHER%", windows_path(standins / "launcher.exe"))
+        told = (line.split(" ", 1) for line in text.splitlines() if not line.startswith("#"))
+        self.surroundings = [word for option, value in told for word in (f"--{option}", value)]
 
     def command(self, *arguments: str) -> list[str]:
-        own = ["--unattended", "--surroundings", windows_path(self.surroundings)]
-        return ["wine", windows_path(self.folder / "Check.exe"), *own, *arguments]
+        return ["wine", windows_path(self.folder / "Check.exe"), "--unattended", *self.surroundings, *arguments]
 
     def start(self, *arguments: str) -> subprocess.Popen[bytes]:
         quiet = subprocess.DEVNULL

@@ -179,9 +179,12 @@ class Refused(CheckTest):
         (self.check.folder / "parts" / "KalvoApkInstaller.exe").unlink()
         self.expect_refused("unpack all of the archive")
 
-    def test_by_a_file_of_surroundings_that_makes_no_sense(self) -> None:
-        self.check.surroundings.write_text("not-tried nonsense\n", encoding="utf-8")
-        self.expect_refused("makes no sense")
+    def test_with_options_that_make_no_sense(self) -> None:
+        surroundings = self.check.surroundings
+        self.check.surroundings = [*surroundings, "--not-tried", "nonsense"]
+        self.expect_refused("There is no claim nonsense")
+        self.check.surroundings = [*surroundings, "--nonsense"]
+        self.expect_refused("The argument --nonsense makes no sense")
 
     def test_a_report_that_cannot_be_written_is_named(self) -> None:
         (self.check.folder / "report.json").mkdir()
