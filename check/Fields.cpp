@@ -68,21 +68,26 @@ std::wstring Paste(const CWalk& walk, int nId, const std::wstring& szText)
     return walk.TextOf(nId);
 }
 
+bool IsMenuOpen()
+{
+    const HWND hwnd = FindWindowW(L"#32768", nullptr);
+    return hwnd != nullptr && IsWindowVisible(hwnd);
+}
+
 // Opens the field's menu and takes the fourth of its commands: Undo, Cut, Copy, Paste.
 std::wstring PasteByMenu(const CWalk& walk, int nId, const std::wstring& szText)
 {
-    constexpr PCWSTR kMenuClass = L"#32768";
     walk.Empty(nId);
     CopyText(szText);
     walk.Press(VK_F10, VK_SHIFT);
-    if (!WaitFor(2000, [] { return FindWindowW(kMenuClass, nullptr) != nullptr; })) {
+    if (!WaitFor(2000, IsMenuOpen)) {
         return L"(no menu)";
     }
     for (int n = 0; n < 4; ++n) {
         walk.Press(VK_DOWN);
     }
     walk.Press(VK_RETURN);
-    WaitFor(2000, [] { return FindWindowW(kMenuClass, nullptr) == nullptr; });
+    WaitFor(2000, [] { return !IsMenuOpen(); });
     Pause(200);
     return walk.TextOf(nId);
 }
@@ -112,10 +117,9 @@ std::wstring TypeIntoField(const CWalk& walk, const std::vector<PART>& fields, s
 {
     walk.Type(pszText);
     Pause(100);
-    const HWND hwndNext = fields[nField + 1].hwnd;
     const HWND hwndFocus = walk.Rest().hwndFocus;
-    if (hwndFocus != hwndNext) {
-        Click(fields[nField + 1].rect);
+    if (const PART& next = fields[nField + 1]; hwndFocus != next.hwnd) {
+        Click(next.rect);
     }
     return FieldName(hwndFocus, fields);
 }
