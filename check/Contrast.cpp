@@ -18,7 +18,8 @@ double Linear(BYTE nChannel)
 // How bright a color is to the eye, from 0, black, to 1, white.
 double RelativeLuminance(COLORREF color)
 {
-    return 0.2126 * Linear(GetRValue(color)) + 0.7152 * Linear(GetGValue(color)) + 0.0722 * Linear(GetBValue(color));
+    return (0.2126 * Linear(GetRValue(color))) + (0.7152 * Linear(GetGValue(color))) +
+           (0.0722 * Linear(GetBValue(color)));
 }
 
 } // namespace

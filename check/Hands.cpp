@@ -80,8 +80,8 @@ INPUT MoveInput(LONG x, LONG y)
     const LONG nWidth = GetSystemMetrics(SM_CXVIRTUALSCREEN);
     const LONG nHeight = GetSystemMetrics(SM_CYVIRTUALSCREEN);
     return MouseInput(MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE | MOUSEEVENTF_VIRTUALDESK,
-                      MulDiv(2 * (x - nLeft) + 1, kWhole + 1, 2 * nWidth),
-                      MulDiv(2 * (y - nTop) + 1, kWhole + 1, 2 * nHeight));
+                      MulDiv((2 * (x - nLeft)) + 1, kWhole + 1, 2 * nWidth),
+                      MulDiv((2 * (y - nTop)) + 1, kWhole + 1, 2 * nHeight));
 }
 
 // Another program may have the clipboard for a moment.

@@ -60,7 +60,7 @@ struct ICON_LOOK
         for (size_t n = 0; n < onBlack.size(); ++n) {
             if (onBlack[n] == onWhite[n]) {
                 const auto nEdge = static_cast<size_t>(nSize);
-                nDifference += Difference(onBlack[n], picture[nFirst + n / nEdge * nWidth + n % nEdge]);
+                nDifference += Difference(onBlack[n], picture[nFirst + (n / nEdge * nWidth) + (n % nEdge)]);
                 ++nPixels;
             }
         }
@@ -75,7 +75,7 @@ bool IsSeen(const ICON_LOOK& icon, const RECT& rect)
     for (int y = 0; y + icon.nSize <= rect.bottom - rect.top; ++y) {
         for (int x = 0; x + icon.nSize <= rect.right - rect.left; ++x) {
             if (!screen.empty() &&
-                icon.IsAt(screen, static_cast<size_t>(y) * nWidth + static_cast<size_t>(x), nWidth)) {
+                icon.IsAt(screen, (static_cast<size_t>(y) * nWidth) + static_cast<size_t>(x), nWidth)) {
                 return true;
             }
         }
@@ -87,7 +87,7 @@ bool IsSeen(const ICON_LOOK& icon, const RECT& rect)
 
 void LookAtIcons(const CWalk& walk)
 {
-    CHECK& check = walk.Check();
+    const CHECK& check = walk.Check();
     const PART frame = walk.Rest().frame.window;
     const int nLarge = GetSystemMetrics(SM_CXICON);
     DWORD_PTR nIcon = Ask(frame.hwnd, WM_GETICON, ICON_BIG, 0).value_or(0);
@@ -102,7 +102,7 @@ void LookAtIcons(const CWalk& walk)
     }
     // Where the arrow, the icon and the title are.
     const int nSmall = GetSystemMetrics(SM_CXSMICON);
-    const RECT edge = {frame.rect.left, frame.rect.top, frame.rect.right, frame.rect.top + 4 * nSmall};
+    const RECT edge = {frame.rect.left, frame.rect.top, frame.rect.right, frame.rect.top + (4 * nSmall)};
     const bool bSeen = IsSeen({OwnIcon(check.program, nSmall).get(), nSmall}, edge);
     check.answers.Either(L"frame.icon-small", bSeen, L"the program's icon", L"no such icon", frame.hwnd);
 }

@@ -11,7 +11,8 @@ namespace {
 
 std::set<HWND> g_shown;
 
-void CALLBACK OnShow(HWINEVENTHOOK, DWORD, HWND hwnd, LONG nObject, LONG nChild, DWORD, DWORD)
+void CALLBACK OnShow(HWINEVENTHOOK /*hHook*/, DWORD /*nEvent*/, HWND hwnd, LONG nObject, LONG nChild,
+                     DWORD /*dwThread*/, DWORD /*dwTime*/)
 {
     if (nObject == OBJID_WINDOW && nChild == CHILDID_SELF && GetAncestor(hwnd, GA_PARENT) == GetDesktopWindow()) {
         g_shown.insert(hwnd);

@@ -171,7 +171,7 @@ void UndefendedByName(CHECK& check)
 {
     const CPlanted planted(check, L"undefended");
     TakeDefencesOut(planted.Program());
-    CWalk walk(check, planted.Program());
+    const CWalk walk(check, planted.Program());
     check.answers.Either(L"loader.undefended-by-name", IsLoadedByName(walk.Program()), L"loaded", L"not loaded");
 }
 
@@ -187,7 +187,7 @@ void UndefendedBySystem(CHECK& check)
     }
     std::wstring szWhy;
     try {
-        CWalk walk(check, planted.Program());
+        const CWalk walk(check, planted.Program());
         const CListener watch(CListener::kStaysOpen);
         walk.GoTo(7, watch.Port());
         walk.OpenFileDialog();

@@ -173,7 +173,7 @@ void PairWithListeners(const CWalk& walk)
 
 void LookAtPackage(const CWalk& walk)
 {
-    CHECK& check = walk.Check();
+    const CHECK& check = walk.Check();
     const CPath package = check.program.parent_path() / L"Check.apk";
     check.answers.Expect(L"install.package", package.wstring(), walk.TextOf(IDC_APK_PATH));
     walk.Empty(IDC_APK_PATH);
@@ -244,7 +244,7 @@ void InstallSilent(const CWalk& walk)
 
 void CheckWorkingPages(CHECK& check)
 {
-    CWalk walk(check);
+    const CWalk walk(check);
     walk.GoTo(5, L"");
     LookAtAddress(walk);
     LookAtPage(walk, 5);
