@@ -16,8 +16,13 @@ struct ROW
 };
 
 constexpr PCWSTR kAllCases = L"runs the program of tests and reads what it says of each case";
+constexpr PCWSTR kPainted = L"Each status line is painted while the page works.";
+constexpr PCWSTR kPixels = L"compares the pixels of the screen";
+constexpr PCWSTR kNoGhost = L"The system puts no window of its own in the wizard's place meanwhile.";
+constexpr PCWSTR kLookedForGhost = L"looks for a window of the class Ghost";
+constexpr PCWSTR kPipe = L"runs the deployed adb through a pipe";
 
-constexpr ROW kUnits[] = {
+constexpr ROW kBeforeThePages[] = {
     {L"unit.adb", L"The unit tests of adb's commands, of what adb prints and of running it hold.", kAllCases},
     {L"unit.adb-load", L"Endless and hostile output of adb is judged in linear time.", kAllCases},
     {L"unit.app", L"The unit tests of start-up, reports and the About box hold.", kAllCases},
@@ -27,18 +32,12 @@ constexpr ROW kUnits[] = {
     {L"unit.res", L"The unit tests of texts, dialogs, icon, version and manifest hold.", kAllCases},
     {L"unit.tools", L"The unit tests of writing, unpacking and removing the tools hold.", kAllCases},
     {L"unit.wizard", L"The unit tests of the pages and probes hold.", kAllCases},
-};
-
-constexpr ROW kSystem[] = {
     {L"system.echo", L"127.0.0.1 answers an echo.", L"the installer's call with the installer's payload and buffer"},
     {L"system.echo-room", L"The installer's buffer of 92 bytes has room for the answer.",
      L"the size that the answer tells"},
     {L"system.poll", L"WSAPoll tells of a connection that stands.", L"a non-blocking connection to an own listener"},
     {L"system.poll-refused", L"WSAPoll tells of a connection that was refused.",
      L"a non-blocking connection to a port on which nobody listens"},
-};
-
-constexpr ROW kFrame[] = {
     {L"frame.class", L"PSH_AEROWIZARD, without PSH_WIZARD, gives the frame of an Aero wizard.",
      L"the class of the window"},
     {L"frame.caption", L"The frame's caption is the title.", L"the text of the window"},
@@ -79,12 +78,7 @@ constexpr ROW kFrame[] = {
     {L"box.texts", L"No text of any message box is cut.", L"measures each that comes with the font of message boxes"},
 };
 
-constexpr PCWSTR kPainted = L"Each status line is painted while the page works.";
-constexpr PCWSTR kPixels = L"compares the pixels of the screen";
-constexpr PCWSTR kNoGhost = L"The system puts no window of its own in the wizard's place meanwhile.";
-constexpr PCWSTR kLookedForGhost = L"looks for a window of the class Ghost";
-
-constexpr ROW kWork[] = {
+constexpr ROW kBehindThePages[] = {
     {L"address.exists", L"The address field exists although nothing registers its class.", L"looks for it on page 5"},
     {L"address.fields", L"The address field has four fields.", L"counts them"},
     {L"address.prefill",
@@ -158,11 +152,6 @@ constexpr ROW kWork[] = {
     {L"install.silent-ghost",
      L"The system puts no window of its own in the wizard's place, which does not listen for 10 s.",
      L"clicks meanwhile and looks for a window of the class Ghost"},
-};
-
-constexpr PCWSTR kPipe = L"runs the deployed adb through a pipe";
-
-constexpr ROW kAdb[] = {
     {L"adb.no-server", L"Without a server kill-server says \"cannot connect to daemon at tcp:5037\".", kPipe},
     {L"adb.server-starts", L"The first command says two lines about the start of the server, then its own.", kPipe},
     {L"adb.pipe", L"The server lets go of the pipe of the command that started it.", L"waits until the pipe breaks"},
@@ -177,9 +166,6 @@ constexpr ROW kAdb[] = {
     {L"adb.install-no-device", L"install on a device that is not there says \"not found\".", kPipe},
     {L"adb.server-ends", L"kill-server of a running server says nothing.", kPipe},
     {L"adb.server-gone", L"The server then ends.", L"its port and its processes"},
-};
-
-constexpr ROW kProcess[] = {
     {L"deploy.files", L"The archive and three unpacked files are there while the wizard is.", L"lists the folder"},
     {L"deploy.archive", L"The archive is byte for byte the one in the program.", L"compares it with the resource"},
     {L"deploy.unpacked", L"The three files are byte for byte those in the archive.",
@@ -262,15 +248,11 @@ void AddRows(std::vector<CLAIM>& claims, std::span<const ROW> rows)
 std::vector<CLAIM> MakeClaims()
 {
     std::vector<CLAIM> claims;
-    AddRows(claims, kUnits);
-    AddRows(claims, kSystem);
-    AddRows(claims, kFrame);
+    AddRows(claims, kBeforeThePages);
     for (const PAGE& page : kPages) {
         AddPage(claims, page);
     }
-    AddRows(claims, kWork);
-    AddRows(claims, kAdb);
-    AddRows(claims, kProcess);
+    AddRows(claims, kBehindThePages);
     return claims;
 }
 
