@@ -108,7 +108,7 @@ WORK PressNextAndWatch(const CWalk& walk, PATIENCE nPatience)
         if (!sight.boxes.empty()) {
             const TREE box = walk.WaitForBox();
             work.boxes.push_back(WordsOf(box));
-            walk.Check().answers.AddPicture(box.window.szText, box.window.hwnd);
+            walk.Answers().AddPicture(box.window.szText, box.window.hwnd);
             walk.Dismiss(box);
             return false;
         }

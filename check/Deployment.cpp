@@ -68,10 +68,10 @@ void CallLogOffOff(const CWalk& walk)
     const bool bAgrees = Ask(hwnd, WM_QUERYENDSESSION, 0, static_cast<LPARAM>(ENDSESSION_LOGOFF)).value_or(0) != 0;
     Ask(hwnd, WM_ENDSESSION, FALSE, static_cast<LPARAM>(ENDSESSION_LOGOFF));
     Pause(300);
-    walk.Check().answers.Tell(L"deploy.log-off", walk.Look().Number() == 1 && ListOf(ToolsFolder()) == kTools,
-                              L"page 1 and all tools",
-                              std::format(L"page {}, {}; it {} to the log-off", walk.Look().Number(),
-                                          ListOf(ToolsFolder()), bAgrees ? L"agreed" : L"did not agree"));
+    walk.Answers().Tell(L"deploy.log-off", walk.Look().Number() == 1 && ListOf(ToolsFolder()) == kTools,
+                        L"page 1 and all tools",
+                        std::format(L"page {}, {}; it {} to the log-off", walk.Look().Number(), ListOf(ToolsFolder()),
+                                    bAgrees ? L"agreed" : L"did not agree"));
 }
 
 // What a run leaves that was killed, and what another build of it left.

@@ -102,7 +102,7 @@ std::wstring Typed(const CWalk& walk, int nId, PCWSTR pszText)
 
 void TypeIntoPort(const CWalk& walk)
 {
-    CAnswers& answers = walk.Check().answers;
+    CAnswers& answers = walk.Answers();
     walk.Empty(IDC_WATCH_PORT);
     answers.Expect(L"number.digits", L"4321", Typed(walk, IDC_WATCH_PORT, L"4321"));
     answers.Expect(L"number.letters", L"4321", Typed(walk, IDC_WATCH_PORT, L"a-.x "));
@@ -138,15 +138,15 @@ void LookAtNext(const CWalk& walk, const std::vector<PART>& fields)
     const bool bNow = walk.HasButtons(kReady);
     walk.Press(VK_BACK);
     const bool bGone = walk.HasButtons(kWaiting);
-    walk.Check().answers.Tell(L"address.tells", bNot && bNow && bGone, L"Next follows every key",
-                              std::format(L"{} {} {}", bNot, bNow, bGone));
+    walk.Answers().Tell(L"address.tells", bNot && bNow && bGone, L"Next follows every key",
+                        std::format(L"{} {} {}", bNot, bNow, bGone));
 }
 
 } // namespace
 
 void LookAtAddress(const CWalk& walk)
 {
-    CAnswers& answers = walk.Check().answers;
+    CAnswers& answers = walk.Answers();
     const SIGHT sight = walk.Rest();
     const PART* const pAddress = sight.Control(IDC_WATCH_ADDRESS);
     answers.Expect(L"address.exists", WC_IPADDRESSW, pAddress != nullptr ? pAddress->szClass : L"no such control");
@@ -166,7 +166,7 @@ void LookAtAddress(const CWalk& walk)
 
 void TypeIntoAddress(const CWalk& walk)
 {
-    CAnswers& answers = walk.Check().answers;
+    CAnswers& answers = walk.Answers();
     const std::vector<PART> fields = walk.AddressFields();
     for (const PART& field : fields) {
         walk.EmptyField(field);
@@ -187,7 +187,7 @@ void TypeIntoAddress(const CWalk& walk)
 
 void LookAtPort(const CWalk& walk)
 {
-    CAnswers& answers = walk.Check().answers;
+    CAnswers& answers = walk.Answers();
     TypeIntoPort(walk);
     answers.Expect(L"number.paste", L"43210", Paste(walk, IDC_WATCH_PORT, L"43210"));
     answers.Expect(L"number.paste-mixed", L"43210", Paste(walk, IDC_WATCH_PORT, L"port 4-3-2-1-0!"));
@@ -202,7 +202,7 @@ void LookAtPort(const CWalk& walk)
 
 void LookAtCode(const CWalk& walk)
 {
-    CAnswers& answers = walk.Check().answers;
+    CAnswers& answers = walk.Answers();
     answers.Expect(L"number.paste-twice", L"1212", Paste(walk, IDC_PAIRING_CODE, L"12"));
     walk.Empty(IDC_PAIRING_CODE);
     answers.Expect(L"number.code", L"012345", Typed(walk, IDC_PAIRING_CODE, L"01234567"));

@@ -35,12 +35,12 @@ std::wstring KeyboardAt(int nId)
 void LookAtKeyboard(const CWalk& walk, PCWSTR pszClaim, int nId)
 {
     WaitFor(2000, [&] { return walk.Look().FocusId() == nId; });
-    walk.Check().answers.Expect(pszClaim, KeyboardAt(nId), KeyboardAt(walk.Look().FocusId()));
+    walk.Answers().Expect(pszClaim, KeyboardAt(nId), KeyboardAt(walk.Look().FocusId()));
 }
 
 void LookAtFrame(const CWalk& walk)
 {
-    CAnswers& answers = walk.Check().answers;
+    CAnswers& answers = walk.Answers();
     const SIGHT sight = walk.Rest();
     const PART& frame = sight.frame.window;
     answers.m_notes.push_back(L"The windows of page 1:\n" + Describe(sight.frame));
@@ -61,7 +61,7 @@ void LookAtFrame(const CWalk& walk)
 
 void LookAtAbout(const CWalk& walk)
 {
-    CAnswers& answers = walk.Check().answers;
+    CAnswers& answers = walk.Answers();
     walk.ClickControl(IDC_ABOUT);
     const TREE box = walk.WaitForBox(5000);
     answers.AddPicture(L"the About box", box.window.hwnd);
@@ -88,7 +88,7 @@ void EnterFirstPage(const CWalk& walk)
     walk.Press(VK_RETURN);
     WaitFor(3000, [&] { return walk.Look().Number() == 2 || !walk.Look().boxes.empty(); });
     const SIGHT sight = walk.Rest();
-    walk.Check().answers.Expect(L"frame.enter", L"page 2 and 0 boxes", PageAndBoxes(sight));
+    walk.Answers().Expect(L"frame.enter", L"page 2 and 0 boxes", PageAndBoxes(sight));
     if (!sight.boxes.empty()) {
         walk.Dismiss(walk.WaitForBox());
     }
@@ -103,7 +103,7 @@ void EnterWithoutNext(const CWalk& walk)
 {
     walk.Press(VK_RETURN);
     Pause(300);
-    walk.Check().answers.Expect(L"frame.enter-hidden", L"page 2 and 0 boxes", PageAndBoxes(walk.Rest()));
+    walk.Answers().Expect(L"frame.enter-hidden", L"page 2 and 0 boxes", PageAndBoxes(walk.Rest()));
 }
 
 // Once around page 2: the box, Next, Cancel, the arrow.
@@ -114,14 +114,14 @@ void TabAround(const CWalk& walk)
         walk.Press(VK_TAB);
         szStops += std::format(L"{} ", walk.Rest().FocusId());
     }
-    walk.Check().answers.Expect(
-        L"frame.tab", std::format(L"{} {} {} {} ", kNextId, IDCANCEL, kBackId, IDC_CONNECT_WIFI_CHECK), szStops);
+    walk.Answers().Expect(L"frame.tab",
+                          std::format(L"{} {} {} {} ", kNextId, IDCANCEL, kBackId, IDC_CONNECT_WIFI_CHECK), szStops);
 }
 
 // From page 3 to page 2 and 1 and forward again.
 void GoBack(const CWalk& walk)
 {
-    CAnswers& answers = walk.Check().answers;
+    CAnswers& answers = walk.Answers();
     const SIGHT third = walk.WaitForPage(3);
     const PART* const pArrow = third.FrameButton(kBackId);
     answers.Either(L"frame.arrow", pArrow != nullptr, L"an arrow", L"none", third.frame.window.hwnd);

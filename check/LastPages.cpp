@@ -14,7 +14,7 @@ void EscapeOnLastPage(const CWalk& walk)
 {
     walk.Press(VK_ESCAPE);
     Pause(300);
-    walk.Check().answers.Expect(L"frame.escape-hidden", L"page 14", std::format(L"page {}", walk.Rest().Number()));
+    walk.Answers().Expect(L"frame.escape-hidden", L"page 14", std::format(L"page {}", walk.Rest().Number()));
 }
 
 void BackFromLastPage(const CWalk& walk)
@@ -28,7 +28,7 @@ void BackFromLastPage(const CWalk& walk)
 
 void Finish(const CWalk& walk)
 {
-    CAnswers& answers = walk.Check().answers;
+    CAnswers& answers = walk.Answers();
     walk.Press(VK_RETURN);
     const bool bEnds = WaitFor(3000, [&] { return walk.Look().Number() == 0; });
     answers.Either(L"frame.enter-last", bEnds, L"the end of the wizard", L"page 14");
@@ -42,14 +42,13 @@ void Finish(const CWalk& walk)
 // No watch is at hand to get there by.
 void JumpBehindTheInstallation(const CWalk& walk)
 {
-    CAnswers& answers = walk.Check().answers;
     try {
         walk.JumpTo(8);
     } catch (const CLost& lost) {
-        answers.Tell(L"frame.by-number", false, L"page 8", lost.szWhy);
+        walk.Answers().Tell(L"frame.by-number", false, L"page 8", lost.szWhy);
         throw;
     }
-    answers.Tell(L"frame.by-number", true, L"page 8", L"page 8");
+    walk.Answers().Tell(L"frame.by-number", true, L"page 8", L"page 8");
 }
 
 } // namespace

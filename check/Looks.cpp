@@ -213,13 +213,12 @@ void LookAtButtons(const CWalk& walk, const std::wstring& szClaim, UINT nButtons
 {
     const bool bThere = walk.HasButtons(nButtons);
     const SIGHT sight = walk.Look();
-    walk.Check().answers.Either(szClaim, bThere, ButtonNames(nButtons), ButtonNames(sight.Buttons()),
-                                sight.frame.window.hwnd);
+    walk.Answers().Either(szClaim, bThere, ButtonNames(nButtons), ButtonNames(sight.Buttons()),
+                          sight.frame.window.hwnd);
 }
 
 void LookAtTick(const CWalk& walk)
 {
-    CAnswers& answers = walk.Check().answers;
     const int nPage = walk.Look().Number();
     walk.Tick(true);
     const bool bCame = walk.HasButtons(kReady);
@@ -228,16 +227,17 @@ void LookAtTick(const CWalk& walk)
     walk.Tick(true);
     const bool bCameAgain = walk.HasButtons(kReady);
     const HWND hwnd = walk.Look().frame.window.hwnd;
-    answers.Tell(PageClaim(nPage, L"next"), bCame && bWent && bCameAgain, L"Next comes, goes and comes again",
-                 std::format(L"{}, {}, {}", bCame ? L"comes" : L"does not come", bWent ? L"goes" : L"does not go",
-                             bCameAgain ? L"comes again" : L"does not come again"),
-                 hwnd);
-    answers.AddPicture(std::format(L"page {}", nPage), hwnd);
+    walk.Answers().Tell(PageClaim(nPage, L"next"), bCame && bWent && bCameAgain, L"Next comes, goes and comes again",
+                        std::format(L"{}, {}, {}", bCame ? L"comes" : L"does not come",
+                                    bWent ? L"goes" : L"does not go",
+                                    bCameAgain ? L"comes again" : L"does not come again"),
+                        hwnd);
+    walk.Answers().AddPicture(std::format(L"page {}", nPage), hwnd);
 }
 
 void LookAtPage(const CWalk& walk, int nPage)
 {
-    CAnswers& answers = walk.Check().answers;
+    CAnswers& answers = walk.Answers();
     const PAGE& page = PageNumber(nPage);
     MoveMouseAway();
     const bool bButtons = walk.HasButtons(page.nFirst);

@@ -24,6 +24,10 @@ public:
     {
         return m_check;
     }
+    CAnswers& Answers() const
+    {
+        return m_check.answers;
+    }
     const CInstaller& Program() const
     {
         return m_program;

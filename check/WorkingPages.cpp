@@ -66,7 +66,7 @@ void ExpectPortRefused(const CWalk& walk, PCWSTR pszClaim, PCWSTR pszPort)
     walk.Enter(IDC_WATCH_PORT, pszPort);
     walk.ClickControl(kNextId);
     const TREE box = walk.WaitForBox(5000);
-    walk.Check().answers.Expect(pszClaim, kInvalidPort, WordsOf(box), box.window.hwnd);
+    walk.Answers().Expect(pszClaim, kInvalidPort, WordsOf(box), box.window.hwnd);
     walk.Dismiss(box);
 }
 
@@ -89,7 +89,7 @@ void LookAtPace(CAnswers& answers, const WORK& work)
 
 void ConnectRefused(const CWalk& walk)
 {
-    CAnswers& answers = walk.Check().answers;
+    CAnswers& answers = walk.Answers();
     const CListener nobody(CListener::kRefuses);
     walk.Enter(IDC_WATCH_PORT, nobody.Port());
     answers.AddPicture(L"page 5", walk.Look().frame.window.hwnd);
@@ -110,7 +110,7 @@ void ConnectTaken(const CWalk& walk, PCWSTR pszClaim, const CListener& listener)
 {
     walk.Enter(IDC_WATCH_PORT, listener.Port());
     const WORK work = PressNextAndWatch(walk);
-    walk.Check().answers.Tell(
+    walk.Answers().Tell(
         pszClaim, work.nPage == 6 && work.boxes.empty() && listener.Accepted() > 0, L"page 6 without a box",
         std::format(L"page {}, {} boxes, {} connections", work.nPage, work.boxes.size(), listener.Accepted()));
     if (work.nPage != 6) {
@@ -128,7 +128,7 @@ WORK Pair(const CWalk& walk, const CListener& listener)
 
 void LookAtPairing(const CWalk& walk)
 {
-    CAnswers& answers = walk.Check().answers;
+    CAnswers& answers = walk.Answers();
     const SIGHT sight = walk.Rest();
     const PART* const pAddress = sight.Control(IDC_PAIRING_ADDRESS);
     answers.Expect(L"pair.address", L"127.0.0.1, not to be changed",
@@ -156,7 +156,7 @@ void LookAtPairing(const CWalk& walk)
 
 void PairWithListeners(const CWalk& walk)
 {
-    CAnswers& answers = walk.Check().answers;
+    CAnswers& answers = walk.Answers();
     const CListener nobody(CListener::kRefuses);
     const WORK refused = Pair(walk, nobody);
     answers.AddPicture(L"page 6", walk.Look().frame.window.hwnd);
@@ -201,15 +201,15 @@ void LookAtFileDialog(const CWalk& walk)
     const bool bOwned = GetWindow(dialog.hwnd, GW_OWNER) == hwndWizard && !IsWindowEnabled(hwndWizard);
     walk.LeaveFileDialog();
     const bool bSame = walk.Holds(IDC_APK_PATH, szPath) && walk.HasButtons(kReady);
-    walk.Check().answers.Tell(
-        L"install.browse", bTitled && bOwned && bSame, L"a dialog of the wizard's with the system's title, no change",
-        std::format(L"\"{}\", {}, {}", dialog.szText, bOwned ? L"the wizard's" : L"not the wizard's",
-                    bSame ? L"no change" : L"another path, or no Next"));
+    walk.Answers().Tell(L"install.browse", bTitled && bOwned && bSame,
+                        L"a dialog of the wizard's with the system's title, no change",
+                        std::format(L"\"{}\", {}, {}", dialog.szText, bOwned ? L"the wizard's" : L"not the wizard's",
+                                    bSame ? L"no change" : L"another path, or no Next"));
 }
 
 void InstallHungUp(const CWalk& walk, const CListener& rude)
 {
-    CAnswers& answers = walk.Check().answers;
+    CAnswers& answers = walk.Answers();
     const WORK work = PressNextAndWatch(walk);
     answers.AddPicture(L"page 7", walk.Look().frame.window.hwnd);
     ExpectBoxes(answers, L"install.hung-up", work, {kUnexpected, kUnable});
@@ -220,7 +220,7 @@ void InstallHungUp(const CWalk& walk, const CListener& rude)
 
 void InstallRefused(const CWalk& walk, const std::wstring& szAddress)
 {
-    CAnswers& answers = walk.Check().answers;
+    CAnswers& answers = walk.Answers();
     const WORK work = PressNextAndWatch(walk);
     ExpectBoxes(answers, L"install.refused", work, {kUnable});
     LookAtAttempts(answers, L"install", work, 3);
@@ -231,7 +231,7 @@ void InstallRefused(const CWalk& walk, const std::wstring& szAddress)
 // adb gives up after about 10 seconds, in which the wizard does not listen.
 void InstallSilent(const CWalk& walk)
 {
-    CAnswers& answers = walk.Check().answers;
+    CAnswers& answers = walk.Answers();
     const WORK work = PressNextAndWatch(walk, PATIENCE::kImpatient);
     ExpectBoxes(answers, L"install.silent", work, {kUnexpected, kUnable});
     if (work.nMilliseconds < kHung) {
