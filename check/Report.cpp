@@ -95,10 +95,13 @@ std::string Html(const std::wstring& szText)
 constexpr std::string_view kHead = R"(<!DOCTYPE html>
 <html lang="en"><head><meta charset="utf-8"><title>KALVO Windows check</title><style>
 body { font: 15px/1.4 "Segoe UI", sans-serif; margin: 2em auto; max-width: 1100px; padding: 0 1em; color: #222 }
-table { border-collapse: collapse; width: 100% } td, th { border-bottom: 1px solid #ddd; padding: .3em .5em; text-align: left; vertical-align: top }
-td:first-child { white-space: nowrap; font-family: Consolas, monospace } .answer { white-space: nowrap; font-weight: 600 }
-.holds .answer { color: #17692b } .not { background: #fdecea } .not .answer { color: #a4161a } .untried .answer { color: #7a5b00 }
-.small { color: #666; font-size: 13px } figure { display: inline-block; margin: 1em 1em 0 0 } img { max-width: 100%; border: 1px solid #ccc } pre { overflow: auto; background: #f6f6f6; padding: 1em }
+table { border-collapse: collapse; width: 100% }
+td, th { border-bottom: 1px solid #ddd; padding: .3em .5em; text-align: left; vertical-align: top }
+td:first-child { white-space: nowrap; font-family: Consolas, monospace }
+.answer { white-space: nowrap; font-weight: 600 } .holds .answer { color: #17692b } .not { background: #fdecea }
+.not .answer { color: #a4161a } .untried .answer { color: #7a5b00 } .small { color: #666; font-size: 13px }
+figure { display: inline-block; margin: 1em 1em 0 0 } img { max-width: 100%; border: 1px solid #ccc }
+pre { overflow: auto; background: #f6f6f6; padding: 1em }
 </style></head><body><h1>KALVO Windows check</h1>
 )";
 
