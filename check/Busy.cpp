@@ -14,7 +14,7 @@ namespace {
 // What the system shows in the place of a window that does not answer.
 constexpr PCWSTR kGhostClass = L"Ghost";
 
-// Nothing is painted at the very moment that it is said.
+// Nothing is painted at the very moment that it is said, and on a busy machine it takes twice that time.
 constexpr DWORD kUntilPainted = 60;
 
 constexpr DWORD kLongestWork = 90000;
@@ -49,12 +49,17 @@ void NoteLine(WORK& work, const CWalk& walk, const SIGHT& sight, ULONGLONG nStar
         return;
     }
     const ULONGLONG nSaid = GetTickCount64() - nStart;
+    const RECT rect = sight.Existing(sight.pPage->nStatusId).rect;
+    std::vector<COLORREF> pixels;
     Pause(kUntilPainted);
-    const PART* const pStatus = sight.Control(sight.pPage->nStatusId);
+    WaitFor(kUntilPainted, [&] {
+        pixels = ScreenColors(rect);
+        return work.lines.empty() || pixels != work.lines.back().pixels;
+    });
     const SIGHT now = walk.Look();
     // One that has changed meanwhile was not seen long enough to say anything about its letters.
     const bool bStill = now.Status() == szStatus && now.boxes.empty();
-    work.lines.push_back({szStatus, nSaid, bStill ? ScreenColors(pStatus->rect) : std::vector<COLORREF>()});
+    work.lines.push_back({szStatus, nSaid, bStill ? pixels : std::vector<COLORREF>()});
 }
 
 } // namespace

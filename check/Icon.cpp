@@ -98,7 +98,8 @@ void LookAtIcons(const CWalk& walk)
         check.answers.NotTried(L"frame.icon", L"the icon of another program cannot be drawn here");
     } else {
         const bool bSame = !shown.onBlack.empty() && own.IsAt(shown.onBlack, 0, static_cast<size_t>(nLarge));
-        check.answers.Either(L"frame.icon", bSame, L"the program's icon", L"another icon, or none", frame.hwnd);
+        check.answers.Either(L"frame.icon", bSame, L"the program's icon", nIcon != 0 ? L"another icon" : L"none",
+                             frame.hwnd);
     }
     // Where the arrow, the icon and the title are.
     const int nSmall = GetSystemMetrics(SM_CXSMICON);

@@ -312,7 +312,10 @@ void CWalk::LeaveFileDialog() const
 
 void CWalk::ExpectEnd(PCWSTR pszClaim) const
 {
-    const std::wstring szEnd = m_program.WaitForEnd();
+    std::wstring szEnd = m_program.WaitForEnd();
+    if (!m_program.HasEnded()) {
+        szEnd += std::format(L" with page {}", Look().Number());
+    }
     const std::wstring szLeft = ListOf(ToolsFolder());
     m_check.answers.Expect(pszClaim, std::format(L"nothing left, {}", kEndedWell),
                            std::format(L"{} left, {}", szLeft, szEnd));
