@@ -57,7 +57,7 @@ class Compare(unittest.TestCase):
         status, said = self.compare(self.changed("frame.icon", answer="holds", expected="a", seen="a"))
         self.assertEqual(status, 1)
         self.assertIn("theirs: holds", said)
-        self.assertIn("ours: not tried; Wine draws no icon", said)
+        self.assertIn("ours: not tried; a window of another program tells no icon", said)
 
     def test_a_claim_that_is_missing_or_unknown_is_told(self) -> None:
         claims = [each for each in own_answers() if each["id"] != "frame.tab"]
