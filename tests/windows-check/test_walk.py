@@ -187,7 +187,9 @@ class Refused(CheckTest):
         self.expect_refused("The argument --nonsense makes no sense")
 
     def test_a_report_that_cannot_be_written_is_named(self) -> None:
-        (self.check.folder / "report.json").mkdir()
+        in_the_way = self.check.folder / "report.json"
+        in_the_way.mkdir()
+        self.addCleanup(in_the_way.rmdir)
         self.assertEqual(self.check.start("--only", "system").wait(120), NO_REPORT)
         self.assertIn("cannot write report.json (error ", self.check.said())
         self.assertIn("cannot write report.json (error ", self.check.refusal())
