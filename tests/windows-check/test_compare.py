@@ -30,7 +30,7 @@ class Compare(unittest.TestCase):
             files = [Path(folder, f"{number}.json") for number in range(1 + len(ours))]
             for file, each in zip(files, (claims, *ours), strict=True):
                 file.write_text(json.dumps({"claims": each}), encoding="utf-8")
-            command = [sys.executable, "-B", CHECKOUT / "check/compare.py", CHECKOUT, *files]
+            command: list[str | Path] = [sys.executable, "-B", CHECKOUT / "check/compare.py", CHECKOUT, *files]
             done = subprocess.run(command, check=False, capture_output=True, text=True)
             self.assertEqual(done.stderr, "")
             return done.returncode, done.stdout
