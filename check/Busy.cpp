@@ -50,16 +50,20 @@ void NoteLine(WORK& work, const CWalk& walk, const SIGHT& sight, ULONGLONG nStar
     }
     const ULONGLONG nSaid = GetTickCount64() - nStart;
     const RECT rect = sight.Existing(sight.pPage->nStatusId).rect;
+    const std::vector<COLORREF> before = work.lines.empty() ? std::vector<COLORREF>() : work.lines.back().pixels;
+    // One that changes at once is not seen long enough to say anything about its letters.
     std::vector<COLORREF> pixels;
     Pause(kUntilPainted);
     WaitFor(kUntilPainted, [&] {
-        pixels = ScreenColors(rect);
-        return work.lines.empty() || pixels != work.lines.back().pixels;
+        std::vector<COLORREF> seen = ScreenColors(rect);
+        const SIGHT now = walk.Look();
+        const bool bStill = now.Status() == szStatus && now.boxes.empty();
+        if (bStill) {
+            pixels = std::move(seen);
+        }
+        return !bStill || pixels != before;
     });
-    const SIGHT now = walk.Look();
-    // One that has changed meanwhile was not seen long enough to say anything about its letters.
-    const bool bStill = now.Status() == szStatus && now.boxes.empty();
-    work.lines.push_back({szStatus, nSaid, bStill ? pixels : std::vector<COLORREF>()});
+    work.lines.push_back({szStatus, nSaid, std::move(pixels)});
 }
 
 } // namespace
