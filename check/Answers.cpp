@@ -5,9 +5,18 @@
 #include <algorithm>
 #include <cstdlib>
 
+namespace {
+
+bool IsClaim(const std::wstring& szId)
+{
+    return std::ranges::find(AllClaims(), szId, &CLAIM::szId) != AllClaims().end();
+}
+
+} // namespace
+
 RESULT& CAnswers::Row(const std::wstring& szId)
 {
-    if (std::ranges::find(AllClaims(), szId, &CLAIM::szId) == AllClaims().end()) {
+    if (!IsClaim(szId)) {
         MessageBoxW(nullptr, szId.c_str(), L"There is no such claim", MB_OK);
         std::abort();
     }
@@ -34,11 +43,16 @@ void CAnswers::Expect(const std::wstring& szId, const std::wstring& szExpected, 
     Tell(szId, szExpected == szSeen, szExpected, szSeen, hwndPictured);
 }
 
+void CAnswers::Either(const std::wstring& szId, bool bExpected, const std::wstring& szExpected,
+                      const std::wstring& szElse, HWND hwndPictured)
+{
+    Tell(szId, bExpected, szExpected, bExpected ? szExpected : szElse, hwndPictured);
+}
+
 void CAnswers::NotTried(const std::wstring& szId, const std::wstring& szWhy)
 {
     RESULT& row = Row(szId);
-    if (row.nAnswer == ANSWER::kNone) {
-        row.nAnswer = ANSWER::kNotTried;
+    if (row.nAnswer == ANSWER::kNotTried && row.szWhy.empty()) {
         row.szWhy = szWhy;
     }
 }
@@ -54,7 +68,7 @@ void CAnswers::GroupNotTried(const std::wstring& szGroup, const std::wstring& sz
 
 bool CAnswers::Exclude(const std::wstring& szId, const std::wstring& szWhy)
 {
-    if (std::ranges::find(AllClaims(), szId, &CLAIM::szId) == AllClaims().end()) {
+    if (!IsClaim(szId)) {
         return false;
     }
     m_excluded[szId] = szWhy;

@@ -11,7 +11,6 @@
 
 enum class ANSWER
 {
-    kNone,
     kHolds,
     kDoesNotHold,
     kNotTried
@@ -19,10 +18,10 @@ enum class ANSWER
 
 struct RESULT
 {
-    ANSWER nAnswer = ANSWER::kNone;
+    ANSWER nAnswer = ANSWER::kNotTried;
     std::wstring szExpected;
     std::wstring szSeen;
-    std::wstring szWhy;     // not tried: the reason
+    std::wstring szWhy;     // not tried: the reason; empty as long as nothing was said
     std::wstring szPicture; // the name of one, empty for none
 };
 
@@ -50,6 +49,10 @@ public:
 
     // Holds when both are the same.
     void Expect(const std::wstring& szId, const std::wstring& szExpected, const std::wstring& szSeen,
+                HWND hwndPictured = nullptr);
+
+    // There is what is expected, or else the other.
+    void Either(const std::wstring& szId, bool bExpected, const std::wstring& szExpected, const std::wstring& szElse,
                 HWND hwndPictured = nullptr);
 
     // Keeps an answer that is there already.

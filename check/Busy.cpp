@@ -1,7 +1,9 @@
 #include "check/Busy.h"
 
+#include "check/Hands.h"
 #include "check/Picture.h"
 #include "check/Stopping.h"
+#include "check/Text.h"
 #include "driver/Reading.h"
 
 #include <algorithm>
@@ -12,13 +14,26 @@ namespace {
 // What the system shows in the place of a window that does not answer.
 constexpr PCWSTR kGhostClass = L"Ghost";
 
-// Nothing is painted at the very moment that it is said.
+// Nothing is painted at the very moment that it is said, and on a busy machine it takes twice that time.
 constexpr DWORD kUntilPainted = 60;
+
+constexpr DWORD kLongestWork = 90000;
+
+// Behind all that is said quickly.
+constexpr ULONGLONG kUntilImpatient = 2000;
 
 bool IsGhosted()
 {
     const HWND hwnd = FindWindowW(kGhostClass, nullptr);
     return hwnd != nullptr && IsWindowVisible(hwnd) && TitleOf(hwnd).starts_with(kTitle);
+}
+
+// Into the corner of the page, where nothing is.
+void ClickOnPage(HWND hwndPage)
+{
+    RECT rect = {};
+    GetWindowRect(hwndPage, &rect);
+    Click({rect.left, rect.top, rect.left + 4, rect.top + 4});
 }
 
 // The status line is all that may still change when the wizard listens again.
@@ -34,40 +49,45 @@ void NoteLine(WORK& work, const CWalk& walk, const SIGHT& sight, ULONGLONG nStar
         return;
     }
     const ULONGLONG nSaid = GetTickCount64() - nStart;
+    const RECT rect = sight.Existing(sight.pPage->nStatusId).rect;
+    const std::vector<COLORREF> before = work.lines.empty() ? std::vector<COLORREF>() : work.lines.back().pixels;
+    // One that changes at once is not seen long enough to say anything about its letters.
+    std::vector<COLORREF> pixels;
     Pause(kUntilPainted);
-    const PART* const pStatus = sight.Control(sight.pPage->nStatusId);
-    const SIGHT now = walk.Look();
-    // One that has changed meanwhile was not seen long enough to say anything about its letters.
-    const bool bStill = now.Status() == szStatus && now.boxes.empty();
-    work.lines.push_back({szStatus, nSaid, bStill ? ScreenPixels(pStatus->rect) : std::string()});
+    WaitFor(kUntilPainted, [&] {
+        std::vector<COLORREF> seen = ScreenColors(rect);
+        const SIGHT now = walk.Look();
+        const bool bStill = now.Status() == szStatus && now.boxes.empty();
+        if (bStill) {
+            pixels = std::move(seen);
+        }
+        return !bStill || pixels != before;
+    });
+    work.lines.push_back({szStatus, nSaid, std::move(pixels)});
 }
 
 } // namespace
 
 std::wstring WORK::Counts() const
 {
-    std::wstring szCounts;
+    std::vector<std::wstring> counts;
     for (const STATUS_LINE& line : lines) {
         const size_t nOf = line.szText.find(L" of ");
         if (nOf != std::wstring::npos && nOf > 0 && nOf + 4 < line.szText.size()) {
-            szCounts += (szCounts.empty() ? L"" : L", ") + line.szText.substr(nOf - 1, 6);
+            counts.push_back(line.szText.substr(nOf - 1, 6));
         }
     }
-    return szCounts;
+    return Joined(counts);
 }
 
 std::wstring WORK::Texts() const
 {
-    std::wstring szTexts;
-    for (const STATUS_LINE& line : lines) {
-        szTexts += (szTexts.empty() ? L"" : L" | ") + line.szText;
-    }
-    return szTexts;
+    return Joined(lines, L" | ", L"nothing", &STATUS_LINE::szText);
 }
 
 bool WORK::WerePainted() const
 {
-    std::set<std::string> different;
+    std::set<std::vector<COLORREF>> different;
     std::set<std::wstring> texts;
     for (const STATUS_LINE& line : lines) {
         if (!line.pixels.empty()) {
@@ -83,22 +103,21 @@ bool WORK::SaysSomewhere(const std::wstring& szText) const
     return std::ranges::any_of(lines, [&](const STATUS_LINE& line) { return line.szText == szText; });
 }
 
-WORK PressNextAndWatch(const CWalk& walk, DWORD dwMilliseconds)
+WORK PressNextAndWatch(const CWalk& walk, PATIENCE nPatience)
 {
     WORK work = {};
     const int nPage = walk.Look().Number();
-    if ((walk.Look().Buttons() & kNext) == 0) {
-        throw CLost{L"page " + std::to_wstring(nPage) + L" has no Next"};
-    }
     const ULONGLONG nStart = GetTickCount64();
+    const auto Milliseconds = [nStart] { return GetTickCount64() - nStart; };
+    bool bClicks = nPatience == PATIENCE::kImpatient;
     walk.ClickControl(kNextId);
-    const bool bOver = WaitFor(dwMilliseconds, [&] {
+    const bool bOver = WaitFor(kLongestWork, [&] {
         const SIGHT sight = walk.Look();
         work.bGhost = work.bGhost || IsGhosted();
         if (!sight.boxes.empty()) {
             const TREE box = walk.WaitForBox();
-            work.boxes.push_back(box.window.szText + L": " + MessageOf(box));
-            walk.Check().answers.AddPicture(box.window.szText, box.window.hwnd);
+            work.boxes.push_back(WordsOf(box));
+            walk.Answers().AddPicture(box.window.szText, box.window.hwnd);
             walk.Dismiss(box);
             return false;
         }
@@ -106,13 +125,17 @@ WORK PressNextAndWatch(const CWalk& walk, DWORD dwMilliseconds)
             return sight.Number() != 0;
         }
         NoteLine(work, walk, sight, nStart);
+        if (bClicks && Milliseconds() > kUntilImpatient) {
+            ClickOnPage(sight.hwndPage);
+            bClicks = false;
+        }
         // To ask it takes longer than some lines stand there; and what ends here ends with a box.
         return !work.boxes.empty() && Listens(sight) && walk.Look().boxes.empty();
     });
     if (!bOver) {
         throw CLost{L"page " + std::to_wstring(nPage) + L" works without an end"};
     }
-    work.nMilliseconds = GetTickCount64() - nStart;
+    work.nMilliseconds = Milliseconds();
     const SIGHT sight = walk.Rest();
     work.nPage = sight.Number();
     if (work.nPage == nPage) {

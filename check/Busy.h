@@ -9,8 +9,8 @@
 struct STATUS_LINE
 {
     std::wstring szText;
-    ULONGLONG nMilliseconds; // since Next was pressed
-    std::string pixels;      // of the status line on the screen, a moment after it was said
+    ULONGLONG nMilliseconds;      // since Next was pressed
+    std::vector<COLORREF> pixels; // of the status line on the screen, a moment after it was said
 };
 
 struct WORK
@@ -29,5 +29,11 @@ struct WORK
     bool SaysSomewhere(const std::wstring& szText) const;
 };
 
+enum class PATIENCE
+{
+    kPatient,
+    kImpatient // clicks on the working page once: what is not taken may make the system look whether anybody listens
+};
+
 // Presses Next and watches until the next page comes or the last box was dismissed and the wizard listens again.
-WORK PressNextAndWatch(const CWalk& walk, DWORD dwMilliseconds = 90000);
+WORK PressNextAndWatch(const CWalk& walk, PATIENCE nPatience = PATIENCE::kPatient);

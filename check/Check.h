@@ -3,12 +3,11 @@
 
 #include "check/Answers.h"
 #include "check/Folders.h"
-#include "check/Surroundings.h"
 
 struct CHECK
 {
     CAnswers& answers;
-    const SURROUNDINGS& surroundings;
+    const std::wstring& szThrough; // see Installer.h
     const CWorkFolder& work;
     // The installer, a copy in a folder of its own in the work folder, with a package beside it.
     CPath program;

@@ -4,6 +4,7 @@
 #include "driver/Json.h"
 
 #include <format>
+#include <span>
 
 namespace {
 
@@ -15,8 +16,13 @@ struct ROW
 };
 
 constexpr PCWSTR kAllCases = L"runs the program of tests and reads what it says of each case";
+constexpr PCWSTR kPainted = L"Each status line is painted while the page works.";
+constexpr PCWSTR kPixels = L"compares the pixels of the screen";
+constexpr PCWSTR kNoGhost = L"The system puts no window of its own in the wizard's place meanwhile.";
+constexpr PCWSTR kLookedForGhost = L"looks for a window of the class Ghost";
+constexpr PCWSTR kPipe = L"runs the deployed adb through a pipe";
 
-constexpr ROW kUnits[] = {
+constexpr ROW kBeforeThePages[] = {
     {L"unit.adb", L"The unit tests of adb's commands, of what adb prints and of running it hold.", kAllCases},
     {L"unit.adb-load", L"Endless and hostile output of adb is judged in linear time.", kAllCases},
     {L"unit.app", L"The unit tests of start-up, reports and the About box hold.", kAllCases},
@@ -26,27 +32,23 @@ constexpr ROW kUnits[] = {
     {L"unit.res", L"The unit tests of texts, dialogs, icon, version and manifest hold.", kAllCases},
     {L"unit.tools", L"The unit tests of writing, unpacking and removing the tools hold.", kAllCases},
     {L"unit.wizard", L"The unit tests of the pages and probes hold.", kAllCases},
-};
-
-constexpr ROW kSystem[] = {
     {L"system.echo", L"127.0.0.1 answers an echo.", L"the installer's call with the installer's payload and buffer"},
     {L"system.echo-room", L"The installer's buffer of 92 bytes has room for the answer.",
      L"the size that the answer tells"},
     {L"system.poll", L"WSAPoll tells of a connection that stands.", L"a non-blocking connection to an own listener"},
     {L"system.poll-refused", L"WSAPoll tells of a connection that was refused.",
      L"a non-blocking connection to a port on which nobody listens"},
-};
-
-constexpr ROW kFrame[] = {
     {L"frame.class", L"PSH_AEROWIZARD, without PSH_WIZARD, gives the frame of an Aero wizard.",
      L"the class of the window"},
     {L"frame.caption", L"The frame's caption is the title.", L"the text of the window"},
     {L"frame.page-size", L"The area of the pages has the size that their templates ask for.",
-     L"compared with a dialog of that size and font"},
+     L"compared with what a dialog of their font makes of it"},
     {L"frame.task-bar", L"The wizard has a button in the task bar, with the title.",
      L"the window has no owner and is no tool's"},
-    {L"frame.icon", L"The wizard has its large icon.", L"WM_GETICON, or the icon of the class"},
-    {L"frame.icon-small", L"The wizard has its small icon.", L"WM_GETICON, or the icon of the class"},
+    {L"frame.icon", L"The wizard's large icon is the program's.", L"WM_GETICON, compared with the resource"},
+    {L"frame.icon-small", L"The program's icon is to be seen in the caption.", L"looks for its pixels there"},
+    {L"frame.button-ids", L"The ids of Back, Next, Finish and Cancel are 12323, 12324, 12325 and 2.",
+     L"buttons with other ids are found by their texts"},
     {L"frame.front", L"The wizard comes before all others when it starts.", L"the foreground window"},
     {L"frame.first-post", L"The first message that page 1 posts moves the keyboard from About to Next.",
      L"what has the keyboard"},
@@ -61,6 +63,8 @@ constexpr ROW kFrame[] = {
     {L"frame.alt-left", L"Alt and the left arrow key lead back.", L"presses them on page 2"},
     {L"frame.first-again", L"Page 1 hides the arrow also when it is come back to.", L"the buttons that are to be seen"},
     {L"frame.by-number", L"A page can be shown by its number.", L"PSM_SETCURSEL"},
+    {L"frame.escape-field", L"Esc in a field of the address ends the program, with nothing left and exit code 0.",
+     L"presses Esc on page 5"},
     {L"frame.escape-hidden", L"Esc does nothing where Cancel is hidden.", L"presses Esc on page 14"},
     {L"frame.back-from-last", L"Back from the last page shows Back, Next and Cancel again.",
      L"the buttons that are to be seen on page 13"},
@@ -71,9 +75,10 @@ constexpr ROW kFrame[] = {
     {L"about.texts", L"No text of the About box is cut.", L"measures with the font of message boxes"},
     {L"about.keyboard", L"After the About box the keyboard is where it was.", L"what has the keyboard"},
     {L"about.tab", L"Tab leads from About to Next.", L"presses Tab"},
+    {L"box.texts", L"No text of any message box is cut.", L"measures each that comes with the font of message boxes"},
 };
 
-constexpr ROW kWork[] = {
+constexpr ROW kBehindThePages[] = {
     {L"address.exists", L"The address field exists although nothing registers its class.", L"looks for it on page 5"},
     {L"address.fields", L"The address field has four fields.", L"counts them"},
     {L"address.prefill",
@@ -109,9 +114,8 @@ constexpr ROW kWork[] = {
     {L"connect.pace", L"The attempts are 200 ms or more apart.", L"the time of each on the status line"},
     {L"connect.status", L"The status line then tells the address that could not be connected to.", L"reads it"},
     {L"connect.stays", L"The wizard then stays on page 5.", L"the page that is shown"},
-    {L"connect.painted", L"Each status line is painted while the page works.", L"compares the pixels of the screen"},
-    {L"connect.ghost", L"The system puts no window of its own in the wizard's place meanwhile.",
-     L"looks for a window of the class Ghost"},
+    {L"connect.painted", kPainted, kPixels},
+    {L"connect.ghost", kNoGhost, kLookedForGhost},
     {L"connect.hung-up", L"A listener that hangs up at once counts as a connection.", L"an own listener"},
     {L"connect.taken", L"A listener that takes the connection leads to page 6 without a box.", L"an own listener"},
     {L"connect.again", L"Page 5 can be gone through again and again.", L"goes back and connects"},
@@ -123,15 +127,16 @@ constexpr ROW kWork[] = {
     {L"pair.refused", L"A pairing port on which nobody listens ends with the box about the pairing's connection.",
      L"the deployed adb and an own port"},
     {L"pair.attempts", L"Before that, three attempts are counted on the status line.", L"reads it meanwhile"},
-    {L"pair.painted", L"Each status line is painted while the page works.", L"compares the pixels of the screen"},
-    {L"pair.ghost", L"The system puts no window of its own in the wizard's place meanwhile.",
-     L"looks for a window of the class Ghost"},
+    {L"pair.painted", kPainted, kPixels},
+    {L"pair.ghost", kNoGhost, kLookedForGhost},
     {L"pair.server", L"adb's server runs on after that.", L"connects to its port"},
     {L"pair.hung-up", L"A listener that hangs up ends with the box about an unexpected error.",
      L"the deployed adb and an own listener"},
     {L"pair.hung-up-once", L"That is not tried again.", L"counts the connections"},
     {L"install.package", L"Page 7 proposes the package that lies beside the program.", L"reads the field"},
     {L"install.next", L"Page 7 offers Next for the path of a file alone.", L"types paths"},
+    {L"install.browse", L"Browse opens a dialog of the wizard's with the system's title; Cancel there changes nothing.",
+     L"clicks on Browse and presses Esc"},
     {L"install.first-words", L"Page 7 tells the first of three attempts to connect.", L"reads the status line"},
     {L"install.hung-up", L"A listener that hangs up ends with two boxes.", L"the deployed adb and an own listener"},
     {L"install.server", L"adb's server runs on after that.", L"connects to its port"},
@@ -139,14 +144,14 @@ constexpr ROW kWork[] = {
      L"the deployed adb and an own port"},
     {L"install.attempts", L"Before that, three attempts are counted on the status line.", L"reads it meanwhile"},
     {L"install.status", L"The status line then tells the address that could not be connected to.", L"reads it"},
-    {L"install.painted", L"Each status line is painted while the page works.", L"compares the pixels of the screen"},
-    {L"install.ghost", L"The system puts no window of its own in the wizard's place meanwhile.",
-     L"looks for a window of the class Ghost"},
-};
-
-constexpr PCWSTR kPipe = L"runs the deployed adb through a pipe";
-
-constexpr ROW kAdb[] = {
+    {L"install.painted", kPainted, kPixels},
+    {L"install.ghost", kNoGhost, kLookedForGhost},
+    {L"install.silent", L"A listener that takes the connection and stays silent ends with two boxes.",
+     L"the deployed adb and an own listener"},
+    {L"install.silent-painted", kPainted, kPixels},
+    {L"install.silent-ghost",
+     L"The system puts no window of its own in the wizard's place, which does not listen for 10 s.",
+     L"clicks meanwhile and looks for a window of the class Ghost"},
     {L"adb.no-server", L"Without a server kill-server says \"cannot connect to daemon at tcp:5037\".", kPipe},
     {L"adb.server-starts", L"The first command says two lines about the start of the server, then its own.", kPipe},
     {L"adb.pipe", L"The server lets go of the pipe of the command that started it.", L"waits until the pipe breaks"},
@@ -161,9 +166,6 @@ constexpr ROW kAdb[] = {
     {L"adb.install-no-device", L"install on a device that is not there says \"not found\".", kPipe},
     {L"adb.server-ends", L"kill-server of a running server says nothing.", kPipe},
     {L"adb.server-gone", L"The server then ends.", L"its port and its processes"},
-};
-
-constexpr ROW kProcess[] = {
     {L"deploy.files", L"The archive and three unpacked files are there while the wizard is.", L"lists the folder"},
     {L"deploy.archive", L"The archive is byte for byte the one in the program.", L"compares it with the resource"},
     {L"deploy.unpacked", L"The three files are byte for byte those in the archive.",
@@ -228,14 +230,15 @@ void AddPage(std::vector<CLAIM>& claims, const PAGE& page)
         L"measures with the real font at the screen's resolution");
     Add(L"apart", std::format(L"On page {} nothing covers anything else, and all is on the screen.", page.nNumber),
         L"compares the rectangles");
+    Add(L"contrast", std::format(L"The words of page {} stand out from their ground.", page.nNumber),
+        L"the pixels of the screen: 4.5 to 1, with high contrast 7 to 1");
     if (page.nBoxId != 0 && page.nStatusId == 0) {
         Add(L"next", std::format(L"On page {} Next comes and goes with the tick.", page.nNumber),
             L"ticks and unticks the box");
     }
 }
 
-template<size_t N>
-void AddRows(std::vector<CLAIM>& claims, const ROW (&rows)[N])
+void AddRows(std::vector<CLAIM>& claims, std::span<const ROW> rows)
 {
     for (const ROW& row : rows) {
         claims.push_back({row.pszId, row.pszSentence, row.pszHow});
@@ -245,15 +248,11 @@ void AddRows(std::vector<CLAIM>& claims, const ROW (&rows)[N])
 std::vector<CLAIM> MakeClaims()
 {
     std::vector<CLAIM> claims;
-    AddRows(claims, kUnits);
-    AddRows(claims, kSystem);
-    AddRows(claims, kFrame);
+    AddRows(claims, kBeforeThePages);
     for (const PAGE& page : kPages) {
         AddPage(claims, page);
     }
-    AddRows(claims, kWork);
-    AddRows(claims, kAdb);
-    AddRows(claims, kProcess);
+    AddRows(claims, kBehindThePages);
     return claims;
 }
 

@@ -3,26 +3,25 @@
 #include "check/Stopping.h"
 #include "launcher/Handle.h"
 
+#include <sstream>
+
 namespace {
 
 // Takes what is there without waiting. False when nobody holds the other end any more.
 bool ReadAvailable(HANDLE hRead, std::string& text)
 {
-    for (;;) {
-        DWORD cbAvailable = 0;
-        if (!PeekNamedPipe(hRead, nullptr, 0, nullptr, &cbAvailable, nullptr)) {
-            return false;
-        }
-        if (cbAvailable == 0) {
+    DWORD cb = 0;
+    while (PeekNamedPipe(hRead, nullptr, 0, nullptr, &cb, nullptr)) {
+        if (cb == 0) {
             return true;
         }
-        char buffer[4096];
-        DWORD cbRead = 0;
-        if (!ReadFile(hRead, buffer, sizeof buffer, &cbRead, nullptr)) {
+        std::string piece(cb, '\0');
+        if (!ReadFile(hRead, piece.data(), cb, &cb, nullptr)) {
             return false;
         }
-        text.append(buffer, cbRead);
+        text.append(piece, 0, cb);
     }
+    return false;
 }
 
 } // namespace
@@ -72,17 +71,10 @@ PRINTED RunCommand(const std::wstring& szCommandLine, DWORD dwMilliseconds)
 std::vector<std::string> LinesOf(const std::string& text)
 {
     std::vector<std::string> lines;
-    std::string line;
-    for (const char c : text) {
-        if (c == '\n') {
-            lines.push_back(std::move(line));
-            line.clear();
-        } else if (c != '\r') {
-            line += c;
-        }
-    }
-    if (!line.empty()) {
-        lines.push_back(std::move(line));
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);) {
+        std::erase(line, '\r');
+        lines.push_back(line);
     }
     return lines;
 }

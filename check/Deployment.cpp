@@ -1,5 +1,4 @@
 // The tools on the disk: written, removed, found in the way.
-#include "check/Installer.h"
 #include "check/Stopping.h"
 #include "check/Walk.h"
 #include "driver/Reading.h"
@@ -8,7 +7,6 @@
 #include <miniz.h>
 
 #include <format>
-#include <functional>
 
 namespace {
 
@@ -51,8 +49,7 @@ void LookAtTools(CAnswers& answers, const CPath& program)
     answers.Expect(L"deploy.files", kTools, ListOf(ToolsFolder()));
     const std::string archive = EmbeddedArchive(program);
     const bool bSame = !archive.empty() && ReadBytes(ToolsFolder() / L"platform-tools_kalvo.zip") == archive;
-    answers.Tell(L"deploy.archive", bSame, std::format(L"the {} bytes in the program", archive.size()),
-                 bSame ? L"just those" : L"others");
+    answers.Either(L"deploy.archive", bSame, std::format(L"the {} bytes in the program", archive.size()), L"others");
     std::wstring szDifferent;
     for (const PCWSTR pszName : {L"adb.exe", L"AdbWinApi.dll", L"AdbWinUsbApi.dll"}) {
         const CPath member = CPath(L"platform-tools") / pszName;
@@ -64,33 +61,23 @@ void LookAtTools(CAnswers& answers, const CPath& program)
     answers.Expect(L"deploy.unpacked", L"", szDifferent);
 }
 
-void ExpectEnd(CWalk& walk, PCWSTR pszClaim)
-{
-    CAnswers& answers = walk.Check().answers;
-    const std::optional<DWORD> dwCode = walk.Program().WaitForEnd();
-    answers.Tell(pszClaim, dwCode == DWORD{0} && NamesIn(ToolsFolder()).empty(), L"nothing left and exit code 0",
-                 std::format(L"{} left, {}", ListOf(ToolsFolder()),
-                             dwCode ? std::format(L"exit code {}", static_cast<int>(*dwCode)) : L"it goes on running"));
-    answers.Expect(L"end.cancel", L"0", dwCode ? std::to_wstring(*dwCode) : L"it goes on running");
-}
-
 // The user, or another program, has called the log-off off.
-void CallLogOffOff(CWalk& walk)
+void CallLogOffOff(const CWalk& walk)
 {
     const HWND hwnd = walk.Look().frame.window.hwnd;
     const bool bAgrees = Ask(hwnd, WM_QUERYENDSESSION, 0, static_cast<LPARAM>(ENDSESSION_LOGOFF)).value_or(0) != 0;
     Ask(hwnd, WM_ENDSESSION, FALSE, static_cast<LPARAM>(ENDSESSION_LOGOFF));
     Pause(300);
-    walk.Check().answers.Tell(L"deploy.log-off", walk.Look().Number() == 1 && ListOf(ToolsFolder()) == kTools,
-                              L"page 1 and all tools",
-                              std::format(L"page {}, {}; it {} to the log-off", walk.Look().Number(),
-                                          ListOf(ToolsFolder()), bAgrees ? L"agreed" : L"did not agree"));
+    walk.Answers().Tell(L"deploy.log-off", walk.Look().Number() == 1 && ListOf(ToolsFolder()) == kTools,
+                        L"page 1 and all tools",
+                        std::format(L"page {}, {}; it {} to the log-off", walk.Look().Number(), ListOf(ToolsFolder()),
+                                    bAgrees ? L"agreed" : L"did not agree"));
 }
 
 // What a run leaves that was killed, and what another build of it left.
 void LeaveBehind(CHECK& check)
 {
-    CWalk walk(check);
+    const CWalk walk(check);
     walk.Program().Kill();
     check.answers.Expect(L"deploy.killed", kTools, ListOf(ToolsFolder()));
     WriteBytes(ToolsFolder() / L"platform-tools_other.zip", "left over");
@@ -103,22 +90,23 @@ void LeaveBehind(CHECK& check)
 void CheckDeployment(CHECK& check)
 {
     {
-        CWalk walk(check);
+        const CWalk walk(check);
         LookAtTools(check.answers, check.program);
         CallLogOffOff(walk);
         walk.Press(VK_ESCAPE);
-        ExpectEnd(walk, L"deploy.gone-escape");
+        walk.ExpectEnd(L"deploy.gone-escape");
     }
     LeaveBehind(check);
     {
-        CWalk walk(check);
-        const bool bNew = ReadBytes(AdbPath().parent_path() / L"AdbWinApi.dll").size() == 97792;
-        check.answers.Tell(L"deploy.left-over", bNew && ListOf(ToolsFolder()) == kTools, kTools,
-                           ListOf(ToolsFolder()) + (bNew ? L"" : L", one of them the old one"));
+        const CWalk walk(check);
+        const std::string library = Unpacked(EmbeddedArchive(check.program), "platform-tools/AdbWinApi.dll");
+        const bool bNew = !library.empty() && ReadBytes(AdbPath().parent_path() / L"AdbWinApi.dll") == library;
+        check.answers.Expect(L"deploy.left-over", kTools,
+                             ListOf(ToolsFolder()) + (bNew ? L"" : L", one of them the old one"));
         walk.ClickControl(IDCANCEL);
-        ExpectEnd(walk, L"deploy.gone-cancel");
+        walk.ExpectEnd(L"deploy.gone-cancel");
     }
-    CWalk walk(check);
+    const CWalk walk(check);
     walk.Press(VK_F4, VK_MENU);
-    ExpectEnd(walk, L"deploy.gone-close");
+    walk.ExpectEnd(L"deploy.gone-close");
 }

@@ -2,7 +2,6 @@
 
 #include "check/Hands.h"
 #include "check/Stopping.h"
-#include "driver/Reading.h"
 
 #include <winsock2.h>
 
@@ -36,55 +35,25 @@ std::vector<std::wstring> DefaultGateways()
     return gateways;
 }
 
-std::vector<PART> FieldsOf(const SIGHT& sight)
-{
-    const PART* const pAddress = sight.Control(IDC_WATCH_ADDRESS);
-    if (pAddress == nullptr) {
-        throw CLost{L"there is no address field"};
-    }
-    TREE address = TreeOf(pAddress->hwnd);
-    std::ranges::sort(address.parts, {}, [](const PART& field) { return field.rect.left; });
-    return std::move(address.parts);
-}
-
-int FieldOf(HWND hwnd, const std::vector<PART>& fields)
+// "field 4", counted from the left.
+std::wstring FieldName(HWND hwnd, const std::vector<PART>& fields)
 {
     const auto found = std::ranges::find(fields, hwnd, &PART::hwnd);
-    return found == fields.end() ? 0 : static_cast<int>(found - fields.begin()) + 1;
+    return found == fields.end() ? L"no field" : std::format(L"field {}", found - fields.begin() + 1);
 }
 
-void LookAtPrefill(CAnswers& answers, const CWalk& walk)
+// Says whether there is a gateway, without which nothing is proposed.
+bool LookAtPrefill(CAnswers& answers, const CWalk& walk)
 {
     const std::vector<std::wstring> gateways = DefaultGateways();
-    const std::wstring szHeld = walk.TextOf(IDC_WATCH_ADDRESS);
     answers.m_notes.push_back(std::format(L"Routes of this computer that lead everywhere: {}", gateways.size()));
     const std::wstring szExpected = gateways.empty() ? L"..." : gateways.front();
     // The report tells no addresses.
-    answers.Tell(L"address.prefill", szHeld == szExpected,
-                 gateways.empty() ? L"an empty field, as no route leads everywhere"
-                                  : L"the first three numbers of the gateway that the route table prefers",
-                 szHeld == szExpected ? L"just that" : L"something else");
-    if (gateways.empty()) {
-        answers.NotTried(L"address.caret", L"without a gateway nothing is proposed");
-        answers.NotTried(L"address.partial", L"without a gateway nothing is proposed");
-    }
-}
-
-// The text of an edit, soon.
-bool Holds(HWND hwnd, const std::wstring& szText)
-{
-    return WaitFor(2000, [&] { return ReadText(hwnd) == szText; });
-}
-
-void EmptyField(const CWalk& walk, const PART& field)
-{
-    Click(field.rect);
-    WaitFor(2000, [&] { return walk.Look().hwndFocus == field.hwnd; });
-    walk.Press(VK_END);
-    for (int n = 0; n < 3 && !ReadText(field.hwnd).value_or(L"").empty(); ++n) {
-        walk.Press(VK_BACK);
-        Pause(30);
-    }
+    answers.Either(L"address.prefill", walk.TextOf(IDC_WATCH_ADDRESS) == szExpected,
+                   gateways.empty() ? L"an empty field, as no route leads everywhere"
+                                    : L"the first three numbers of the gateway that the route table prefers",
+                   L"something else");
+    return !gateways.empty();
 }
 
 // Copies, empties the field and pastes. What the field holds then.
@@ -99,99 +68,67 @@ std::wstring Paste(const CWalk& walk, int nId, const std::wstring& szText)
     return walk.TextOf(nId);
 }
 
+bool IsMenuOpen()
+{
+    const HWND hwnd = FindWindowW(L"#32768", nullptr);
+    return hwnd != nullptr && IsWindowVisible(hwnd);
+}
+
 // Opens the field's menu and takes the fourth of its commands: Undo, Cut, Copy, Paste.
 std::wstring PasteByMenu(const CWalk& walk, int nId, const std::wstring& szText)
 {
-    constexpr PCWSTR kMenuClass = L"#32768";
     walk.Empty(nId);
     CopyText(szText);
     walk.Press(VK_F10, VK_SHIFT);
-    if (!WaitFor(2000, [] { return FindWindowW(kMenuClass, nullptr) != nullptr; })) {
+    if (!WaitFor(2000, IsMenuOpen)) {
         return L"(no menu)";
     }
     for (int n = 0; n < 4; ++n) {
         walk.Press(VK_DOWN);
     }
     walk.Press(VK_RETURN);
-    WaitFor(2000, [] { return FindWindowW(kMenuClass, nullptr) == nullptr; });
+    WaitFor(2000, [] { return !IsMenuOpen(); });
     Pause(200);
+    return walk.TextOf(nId);
+}
+
+// What a field of the page holds once that is typed into it.
+std::wstring Typed(const CWalk& walk, int nId, PCWSTR pszText)
+{
+    walk.Type(pszText);
+    Pause(100);
     return walk.TextOf(nId);
 }
 
 void TypeIntoPort(const CWalk& walk)
 {
-    CAnswers& answers = walk.Check().answers;
+    CAnswers& answers = walk.Answers();
     walk.Empty(IDC_WATCH_PORT);
-    walk.Type(L"4321");
-    Pause(100);
-    answers.Expect(L"number.digits", L"4321", walk.TextOf(IDC_WATCH_PORT));
-    walk.Type(L"a-.x ");
-    Pause(100);
-    answers.Expect(L"number.letters", L"4321", walk.TextOf(IDC_WATCH_PORT));
-    walk.Type(L"098");
-    Pause(100);
-    answers.Expect(L"number.limit", L"43210", walk.TextOf(IDC_WATCH_PORT));
+    answers.Expect(L"number.digits", L"4321", Typed(walk, IDC_WATCH_PORT, L"4321"));
+    answers.Expect(L"number.letters", L"4321", Typed(walk, IDC_WATCH_PORT, L"a-.x "));
+    answers.Expect(L"number.limit", L"43210", Typed(walk, IDC_WATCH_PORT, L"098"));
     walk.Press(VK_BACK);
     walk.Press(VK_BACK);
-    Pause(100);
-    answers.Expect(L"number.backspace", L"432", walk.TextOf(IDC_WATCH_PORT));
+    answers.Expect(L"number.backspace", L"432", Typed(walk, IDC_WATCH_PORT, L""));
 }
 
-} // namespace
-
-void LookAtAddress(const CWalk& walk)
+// Types into a field of the address and says where the keyboard is then, which goes on to the next field in any case.
+std::wstring TypeIntoField(const CWalk& walk, const std::vector<PART>& fields, size_t nField, PCWSTR pszText)
 {
-    CAnswers& answers = walk.Check().answers;
-    const SIGHT sight = walk.Rest();
-    const PART* const pAddress = sight.Control(IDC_WATCH_ADDRESS);
-    answers.Expect(L"address.exists", WC_IPADDRESSW, pAddress != nullptr ? pAddress->szClass : L"no such control");
-    const std::vector<PART> fields = FieldsOf(sight);
-    answers.Expect(L"address.fields", L"4", std::to_wstring(fields.size()));
-    LookAtPrefill(answers, walk);
-    DWORD_PTR nFilled = 0;
-    for (const PART& field : fields) {
-        nFilled += ReadText(field.hwnd).value_or(L"").empty() ? 0 : 1;
+    walk.Type(pszText);
+    Pause(100);
+    const HWND hwndFocus = walk.Rest().hwndFocus;
+    if (const PART& next = fields[nField + 1]; hwndFocus != next.hwnd) {
+        Click(next.rect);
     }
-    answers.Expect(L"address.partial", L"3 of 4 filled in", std::format(L"{} of 4 filled in", nFilled));
-    answers.Expect(L"address.caret", L"field 4", std::format(L"field {}", FieldOf(sight.hwndFocus, fields)));
-    answers.Expect(L"address.caret-seen", L"field 4", std::format(L"field {}", FieldOf(sight.hwndCaret, fields)));
+    return FieldName(hwndFocus, fields);
 }
 
-void TypeIntoAddress(const CWalk& walk)
+// With the port there, Next is offered for an address of four numbers and no other.
+void LookAtNext(const CWalk& walk, const std::vector<PART>& fields)
 {
-    CAnswers& answers = walk.Check().answers;
-    const std::vector<PART> fields = FieldsOf(walk.Rest());
-    for (const PART& field : fields) {
-        EmptyField(walk, field);
-    }
-    Click(fields[0].rect);
-    walk.Type(L"1x2a7");
-    answers.Tell(L"address.letters", Holds(fields[0].hwnd, L"127"), L"127",
-                 ReadText(fields[0].hwnd).value_or(L"(busy)"));
-    Pause(100);
-    const auto Field = [&] { return FieldOf(walk.Rest().hwndFocus, fields); };
-    answers.Expect(L"address.third-digit", L"field 2", std::format(L"field {}", Field()));
-    if (Field() != 2) {
-        Click(fields[1].rect);
-    }
-    walk.Type(L"0.");
-    Pause(100);
-    answers.Expect(L"address.dot", L"field 3", std::format(L"field {}", Field()));
-    if (Field() != 3) {
-        Click(fields[2].rect);
-    }
-    walk.Type(L"256");
-    walk.Press(VK_TAB);
-    Pause(200);
-    const SIGHT sight = walk.Look();
-    for (const TREE& box : sight.boxes) {
-        walk.Dismiss(box);
-    }
-    const std::wstring szThird = ReadText(fields[2].hwnd).value_or(L"(busy)");
-    answers.Expect(L"address.limit", L"255", szThird);
-    for (size_t n = 2; n < fields.size(); ++n) {
-        EmptyField(walk, fields[n]);
-    }
+    walk.EmptyField(fields[2]);
+    walk.EmptyField(fields[3]);
     Click(fields[2].rect);
     walk.Type(L"0");
     walk.Enter(IDC_WATCH_PORT, L"4321");
@@ -201,13 +138,56 @@ void TypeIntoAddress(const CWalk& walk)
     const bool bNow = walk.HasButtons(kReady);
     walk.Press(VK_BACK);
     const bool bGone = walk.HasButtons(kWaiting);
-    answers.Tell(L"address.tells", bNot && bNow && bGone, L"Next follows every key",
-                 std::format(L"{} {} {}", bNot, bNow, bGone));
+    walk.Answers().Tell(L"address.tells", bNot && bNow && bGone, L"Next follows every key",
+                        std::format(L"{} {} {}", bNot, bNow, bGone));
+}
+
+} // namespace
+
+void LookAtAddress(const CWalk& walk)
+{
+    CAnswers& answers = walk.Answers();
+    const SIGHT sight = walk.Rest();
+    const PART* const pAddress = sight.Control(IDC_WATCH_ADDRESS);
+    answers.Expect(L"address.exists", WC_IPADDRESSW, pAddress != nullptr ? pAddress->szClass : L"no such control");
+    const std::vector<PART> fields = pAddress != nullptr ? FieldsOf(*pAddress) : std::vector<PART>();
+    answers.Expect(L"address.fields", L"4", std::to_wstring(fields.size()));
+    if (!LookAtPrefill(answers, walk)) {
+        for (const PCWSTR pszClaim : {L"address.partial", L"address.caret", L"address.caret-seen"}) {
+            answers.NotTried(pszClaim, L"without a gateway nothing is proposed");
+        }
+        return;
+    }
+    const auto nFilled = std::ranges::count_if(fields, [](const PART& field) { return !HoldsText(field).empty(); });
+    answers.Expect(L"address.partial", L"3 of 4 filled in", std::format(L"{} of 4 filled in", nFilled));
+    answers.Expect(L"address.caret", L"field 4", FieldName(sight.hwndFocus, fields));
+    answers.Expect(L"address.caret-seen", L"field 4", FieldName(sight.hwndCaret, fields));
+}
+
+void TypeIntoAddress(const CWalk& walk)
+{
+    CAnswers& answers = walk.Answers();
+    const std::vector<PART> fields = walk.AddressFields();
+    for (const PART& field : fields) {
+        walk.EmptyField(field);
+    }
+    Click(fields[0].rect);
+    answers.Expect(L"address.third-digit", L"field 2", TypeIntoField(walk, fields, 0, L"1x2a7"));
+    answers.Expect(L"address.letters", L"127", HoldsText(fields[0]));
+    answers.Expect(L"address.dot", L"field 3", TypeIntoField(walk, fields, 1, L"0."));
+    walk.Type(L"256");
+    walk.Press(VK_TAB);
+    Pause(200);
+    if (!walk.Look().boxes.empty()) {
+        walk.Dismiss(walk.WaitForBox());
+    }
+    answers.Expect(L"address.limit", L"255", HoldsText(fields[2]));
+    LookAtNext(walk, fields);
 }
 
 void LookAtPort(const CWalk& walk)
 {
-    CAnswers& answers = walk.Check().answers;
+    CAnswers& answers = walk.Answers();
     TypeIntoPort(walk);
     answers.Expect(L"number.paste", L"43210", Paste(walk, IDC_WATCH_PORT, L"43210"));
     answers.Expect(L"number.paste-mixed", L"43210", Paste(walk, IDC_WATCH_PORT, L"port 4-3-2-1-0!"));
@@ -222,12 +202,10 @@ void LookAtPort(const CWalk& walk)
 
 void LookAtCode(const CWalk& walk)
 {
-    CAnswers& answers = walk.Check().answers;
+    CAnswers& answers = walk.Answers();
     answers.Expect(L"number.paste-twice", L"1212", Paste(walk, IDC_PAIRING_CODE, L"12"));
     walk.Empty(IDC_PAIRING_CODE);
-    walk.Type(L"01234567");
-    Pause(100);
-    answers.Expect(L"number.code", L"012345", walk.TextOf(IDC_PAIRING_CODE));
+    answers.Expect(L"number.code", L"012345", Typed(walk, IDC_PAIRING_CODE, L"01234567"));
     // Arabic digits: which of them get in is the C library's to say. The page must not take them for a port.
     walk.Enter(IDC_PAIRING_CODE, L"123456");
     const std::wstring szHeld = Paste(walk, IDC_PAIRING_PORT, L"\x0664\x0663\x0662\x0661\x0660");

@@ -1,8 +1,9 @@
 // The frame, and the pages that come before anything is sent.
 #include "check/Hands.h"
+#include "check/Icon.h"
 #include "check/Stopping.h"
 #include "check/Walk.h"
-#include "driver/Reading.h"
+#include "check/resource.h"
 
 #include <commctrl.h>
 
@@ -15,29 +16,31 @@ std::wstring SizeOf(const RECT& rect)
     return std::format(L"{} x {}", rect.right - rect.left, rect.bottom - rect.top);
 }
 
-// A dialog of the pages' size and font, as this system makes it.
+// What the pages' templates ask for, as this system measures it in a dialog of their font.
 std::wstring SizeOfPages()
 {
-    struct alignas(4) TEMPLATE
-    {
-        DLGTEMPLATE dialog = {WS_POPUP | DS_SETFONT | DS_FIXEDSYS, 0, 0, 0, 0, 367, 223};
-        WORD nMenu = 0;
-        WORD nClass = 0;
-        WORD nTitle = 0;
-        WORD nPoints = 9;
-        WCHAR szFont[13] = L"MS Shell Dlg";
-    };
-    const TEMPLATE description;
-    const HWND hwnd = CreateDialogIndirectW(GetModuleHandleW(nullptr), &description.dialog, nullptr, nullptr);
-    RECT rect = {};
-    GetClientRect(hwnd, &rect);
+    const HWND hwnd = CreateDialogParamW(nullptr, MAKEINTRESOURCEW(IDD_PROGRESS), nullptr, nullptr, 0);
+    RECT rect = {0, 0, 367, 223};
+    MapDialogRect(hwnd, &rect);
     DestroyWindow(hwnd);
     return SizeOf(rect);
 }
 
+std::wstring KeyboardAt(int nId)
+{
+    return std::format(L"the keyboard at control {}", nId);
+}
+
+// Says whether the keyboard came to be there.
+void LookAtKeyboard(const CWalk& walk, PCWSTR pszClaim, int nId)
+{
+    WaitFor(2000, [&] { return walk.Look().FocusId() == nId; });
+    walk.Answers().Expect(pszClaim, KeyboardAt(nId), KeyboardAt(walk.Look().FocusId()));
+}
+
 void LookAtFrame(const CWalk& walk)
 {
-    CAnswers& answers = walk.Check().answers;
+    CAnswers& answers = walk.Answers();
     const SIGHT sight = walk.Rest();
     const PART& frame = sight.frame.window;
     answers.m_notes.push_back(L"The windows of page 1:\n" + Describe(sight.frame));
@@ -46,62 +49,50 @@ void LookAtFrame(const CWalk& walk)
     RECT page = {};
     GetClientRect(sight.hwndPage, &page);
     answers.Expect(L"frame.page-size", SizeOfPages(), SizeOf(page), frame.hwnd);
-    const bool bInTaskBar =
-        GetWindow(frame.hwnd, GW_OWNER) == nullptr && (GetWindowLongW(frame.hwnd, GWL_EXSTYLE) & WS_EX_TOOLWINDOW) == 0;
-    answers.Tell(L"frame.task-bar", bInTaskBar, L"an own window that the task bar shows",
-                 bInTaskBar ? L"such a window" : L"a tool's window, or one with an owner");
-    for (const auto& [pszId, nSize, nClassIcon] :
-         {std::tuple(L"frame.icon", ICON_BIG, GCLP_HICON), std::tuple(L"frame.icon-small", ICON_SMALL, GCLP_HICONSM)}) {
-        const bool bIcon = Ask(frame.hwnd, WM_GETICON, static_cast<WPARAM>(nSize), 0).value_or(0) != 0 ||
-                           GetClassLongPtrW(frame.hwnd, nClassIcon) != 0;
-        answers.Tell(pszId, bIcon, L"an icon", bIcon ? L"an icon" : L"none", frame.hwnd);
-    }
-    answers.Tell(L"frame.front", sight.hwndForeground == frame.hwnd, L"the wizard in front",
-                 sight.hwndForeground == frame.hwnd ? L"the wizard in front" : L"another window in front", frame.hwnd);
-    answers.Tell(L"frame.first-post", sight.FocusId() == kNextId, L"the keyboard at Next",
-                 std::format(L"the keyboard at control {}", sight.FocusId()), frame.hwnd);
-    answers.Tell(L"frame.second-post", (sight.Buttons() & kBack) == 0, L"no arrow", ButtonNames(sight.Buttons()),
-                 frame.hwnd);
+    answers.Either(L"frame.task-bar",
+                   GetWindow(frame.hwnd, GW_OWNER) == nullptr &&
+                       (GetWindowLongW(frame.hwnd, GWL_EXSTYLE) & WS_EX_TOOLWINDOW) == 0,
+                   L"an own window that the task bar shows", L"a tool's window, or one with an owner");
+    answers.Either(L"frame.front", sight.hwndForeground == frame.hwnd, L"the wizard in front",
+                   L"another window in front", frame.hwnd);
+    answers.Expect(L"frame.first-post", KeyboardAt(kNextId), KeyboardAt(sight.FocusId()), frame.hwnd);
+    answers.Either(L"frame.second-post", (sight.Buttons() & kBack) == 0, L"no arrow", L"an arrow", frame.hwnd);
 }
 
 void LookAtAbout(const CWalk& walk)
 {
-    CAnswers& answers = walk.Check().answers;
+    CAnswers& answers = walk.Answers();
     walk.ClickControl(IDC_ABOUT);
     const TREE box = walk.WaitForBox(5000);
     answers.AddPicture(L"the About box", box.window.hwnd);
-    const std::wstring szMessage = MessageOf(box);
+    const std::wstring szWords = WordsOf(box);
     answers.Tell(L"about.box",
-                 box.window.szText == L"About" && szMessage.starts_with(kTitle) &&
-                     szMessage.find(L"Version: ") != std::wstring::npos,
-                 L"\"About\", the title and the version", L"\"" + box.window.szText + L"\": " + szMessage,
-                 box.window.hwnd);
-    std::vector<const PART*> parts;
-    for (const PART& part : box.parts) {
-        parts.push_back(&part);
-    }
-    const std::wstring szCut = CutTexts(parts, "box");
-    answers.Expect(L"about.texts", L"", szCut, box.window.hwnd);
+                 szWords.starts_with(L"About: " + std::wstring(kTitle)) &&
+                     szWords.find(L"Version: ") != std::wstring::npos,
+                 L"\"About\", the title and the version", szWords, box.window.hwnd);
+    answers.Expect(L"about.texts", L"nothing", CutTexts(box), box.window.hwnd);
     walk.Dismiss(box);
-    const bool bBack = WaitFor(2000, [&] { return walk.Look().FocusId() == IDC_ABOUT; });
-    answers.Tell(L"about.keyboard", bBack, L"the keyboard at About",
-                 std::format(L"the keyboard at control {}", walk.Look().FocusId()));
+    LookAtKeyboard(walk, L"about.keyboard", IDC_ABOUT);
+}
+
+std::wstring PageAndBoxes(const SIGHT& sight)
+{
+    return std::format(L"page {} and {} boxes", sight.Number(), sight.boxes.size());
 }
 
 // The keyboard is on Next again, as it was.
 void EnterFirstPage(const CWalk& walk)
 {
-    CAnswers& answers = walk.Check().answers;
     walk.Press(VK_TAB);
-    const bool bOnNext = WaitFor(2000, [&] { return walk.Look().FocusId() == kNextId; });
-    answers.Tell(L"about.tab", bOnNext, L"Next after About",
-                 std::format(L"control {} after About", walk.Look().FocusId()));
+    LookAtKeyboard(walk, L"about.tab", kNextId);
     walk.Press(VK_RETURN);
-    const bool bMoved = WaitFor(3000, [&] { return walk.Look().Number() == 2 || !walk.Look().boxes.empty(); }) &&
-                        walk.Rest().Number() == 2;
-    answers.Tell(L"frame.enter", bMoved && walk.Look().boxes.empty(), L"page 2 and no box",
-                 std::format(L"page {} and {} boxes", walk.Look().Number(), walk.Look().boxes.size()));
-    if (!bMoved) {
+    WaitFor(3000, [&] { return walk.Look().Number() == 2 || !walk.Look().boxes.empty(); });
+    const SIGHT sight = walk.Rest();
+    walk.Answers().Expect(L"frame.enter", L"page 2 and 0 boxes", PageAndBoxes(sight));
+    if (!sight.boxes.empty()) {
+        walk.Dismiss(walk.WaitForBox());
+    }
+    if (sight.Number() != 2) {
         walk.PressButton(PSBTN_NEXT);
     }
     walk.WaitForPage(2);
@@ -112,9 +103,7 @@ void EnterWithoutNext(const CWalk& walk)
 {
     walk.Press(VK_RETURN);
     Pause(300);
-    const SIGHT sight = walk.Rest();
-    walk.Check().answers.Tell(L"frame.enter-hidden", sight.Number() == 2 && sight.boxes.empty(), L"page 2 and no box",
-                              std::format(L"page {} and {} boxes", sight.Number(), sight.boxes.size()));
+    walk.Answers().Expect(L"frame.enter-hidden", L"page 2 and 0 boxes", PageAndBoxes(walk.Rest()));
 }
 
 // Once around page 2: the box, Next, Cancel, the arrow.
@@ -125,79 +114,62 @@ void TabAround(const CWalk& walk)
         walk.Press(VK_TAB);
         szStops += std::format(L"{} ", walk.Rest().FocusId());
     }
-    walk.Check().answers.Expect(
-        L"frame.tab", std::format(L"{} {} {} {} ", kNextId, IDCANCEL, kBackId, IDC_CONNECT_WIFI_CHECK), szStops);
+    walk.Answers().Expect(L"frame.tab",
+                          std::format(L"{} {} {} {} ", kNextId, IDCANCEL, kBackId, IDC_CONNECT_WIFI_CHECK), szStops);
 }
 
 // From page 3 to page 2 and 1 and forward again.
 void GoBack(const CWalk& walk)
 {
-    CAnswers& answers = walk.Check().answers;
+    CAnswers& answers = walk.Answers();
     const SIGHT third = walk.WaitForPage(3);
-    answers.Tell(L"frame.arrow", third.FrameButton(kBackId) != nullptr, L"an arrow to go back by",
-                 third.FrameButton(kBackId) != nullptr ? L"an arrow" : L"none", third.frame.window.hwnd);
-    if (const PART* const pArrow = third.FrameButton(kBackId)) {
+    const PART* const pArrow = third.FrameButton(kBackId);
+    answers.Either(L"frame.arrow", pArrow != nullptr, L"an arrow", L"none", third.frame.window.hwnd);
+    if (pArrow != nullptr) {
         Click(pArrow->rect);
     }
     if (!WaitFor(3000, [&] { return walk.Look().Number() == 2; })) {
         answers.Tell(L"frame.back", false, L"page 2 after a click on the arrow", L"page 3");
         walk.PressButton(PSBTN_BACK);
     }
-    SIGHT sight = walk.WaitForPage(2);
-    const PART* const pBox = sight.Control(IDC_CONNECT_WIFI_CHECK);
+    const SIGHT second = walk.WaitForPage(2);
+    const PART* const pBox = second.Control(IDC_CONNECT_WIFI_CHECK);
     const bool bKept = pBox != nullptr && IsTicked(*pBox) && walk.HasButtons(kReady);
-    answers.Tell(L"frame.back", bKept, L"page 2 as it was left, with Next", ButtonNames(sight.Buttons()));
+    answers.Tell(L"frame.back", bKept, L"page 2 as it was left, with Next", ButtonNames(second.Buttons()));
     walk.Press(VK_LEFT, VK_MENU);
     const bool bFirst = WaitFor(3000, [&] { return walk.Look().Number() == 1; });
-    answers.Tell(L"frame.alt-left", bFirst, L"page 1", std::format(L"page {}", walk.Look().Number()));
+    answers.Either(L"frame.alt-left", bFirst, L"page 1", L"page 2");
     if (!bFirst) {
         walk.PressButton(PSBTN_BACK);
     }
     walk.WaitForPage(1);
-    const bool bSame = walk.HasButtons(kNext | kCancel);
-    answers.Tell(L"frame.first-again", bSame, ButtonNames(kNext | kCancel), ButtonNames(walk.Look().Buttons()));
-    walk.PressButton(PSBTN_NEXT);
-    walk.WaitForPage(2);
-    walk.PressButton(PSBTN_NEXT);
-    walk.WaitForPage(3);
+    LookAtButtons(walk, L"frame.first-again", kNext | kCancel);
+    for (const int nPage : {2, 3}) {
+        walk.PressButton(PSBTN_NEXT);
+        walk.WaitForPage(nPage);
+    }
 }
 
 } // namespace
 
-// Next appears with the tick and goes with it.
-void LookAtTick(const CWalk& walk, int nPage)
-{
-    CAnswers& answers = walk.Check().answers;
-    walk.Tick(true);
-    const bool bCame = walk.HasButtons(kReady);
-    walk.Tick(false);
-    const bool bWent = walk.HasButtons(kWaiting);
-    walk.Tick(true);
-    const bool bCameAgain = walk.HasButtons(kReady);
-    answers.Tell(PageClaim(nPage, L"next"), bCame && bWent && bCameAgain, L"Next comes, goes and comes again",
-                 std::format(L"{}, {}, {}", bCame ? L"comes" : L"does not come", bWent ? L"goes" : L"does not go",
-                             bCameAgain ? L"comes again" : L"does not come again"),
-                 walk.Look().frame.window.hwnd);
-    answers.AddPicture(std::format(L"page {}", nPage), walk.Look().frame.window.hwnd);
-}
-
 void CheckFirstPages(CHECK& check)
 {
-    CWalk walk(check);
+    const CWalk walk(check);
     LookAtFrame(walk);
+    LookAtIcons(walk);
     LookAtPage(walk, 1);
     check.answers.AddPicture(L"page 1", walk.Look().frame.window.hwnd);
     LookAtAbout(walk);
     EnterFirstPage(walk);
     LookAtPage(walk, 2);
     EnterWithoutNext(walk);
-    LookAtTick(walk, 2);
+    LookAtTick(walk);
     TabAround(walk);
     walk.GoOn();
     LookAtPage(walk, 3);
     GoBack(walk);
-    LookAtTick(walk, 3);
+    LookAtTick(walk);
     walk.GoOn();
     LookAtPage(walk, 4);
-    LookAtTick(walk, 4);
+    LookAtTick(walk);
 }

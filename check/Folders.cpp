@@ -1,10 +1,13 @@
 #include "check/Folders.h"
 
 #include "check/Stopping.h"
+#include "check/Text.h"
+#include "launcher/Handle.h"
 
 #include <shlobj.h>
 
 #include <algorithm>
+#include <format>
 #include <fstream>
 #include <iterator>
 
@@ -93,12 +96,15 @@ std::string ReadBytes(const CPath& file)
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-bool WriteBytes(const CPath& file, const std::string& bytes)
+void WriteBytes(const CPath& file, const std::string& bytes)
 {
-    std::ofstream stream(file, std::ios::binary);
-    stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    stream.close();
-    return !stream.fail();
+    const HANDLE hFile = CreateFileW(file.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS,
+                                     FILE_ATTRIBUTE_NORMAL, nullptr);
+    const CHandle owner(hFile != INVALID_HANDLE_VALUE ? hFile : nullptr);
+    DWORD cb = 0;
+    if (!owner || !WriteFile(hFile, bytes.data(), static_cast<DWORD>(bytes.size()), &cb, nullptr)) {
+        throw CLost{std::format(L"cannot write {} (error {})", file.filename().wstring(), GetLastError())};
+    }
 }
 
 std::vector<std::wstring> NamesIn(const CPath& folder)
@@ -114,9 +120,10 @@ std::vector<std::wstring> NamesIn(const CPath& folder)
 
 std::wstring ListOf(const CPath& folder)
 {
-    std::wstring szList;
-    for (const std::wstring& szName : NamesIn(folder)) {
-        szList += (szList.empty() ? L"" : L", ") + szName;
-    }
-    return szList.empty() ? L"nothing" : szList;
+    return Joined(NamesIn(folder));
+}
+
+std::wstring InQuotes(const std::wstring& szText)
+{
+    return L"\"" + szText + L"\"";
 }

@@ -43,9 +43,12 @@ private:
 
 // Empty when it cannot be read.
 std::string ReadBytes(const CPath& file);
-bool WriteBytes(const CPath& file, const std::string& bytes);
+// Throws CLost with the name and the system's error.
+void WriteBytes(const CPath& file, const std::string& bytes);
 
 // The names of all in a folder and its folders, sorted; nothing for a folder that is not there.
 std::vector<std::wstring> NamesIn(const CPath& folder);
 // The same in one line.
 std::wstring ListOf(const CPath& folder);
+
+std::wstring InQuotes(const std::wstring& szText);

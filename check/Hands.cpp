@@ -1,7 +1,9 @@
 #include "check/Hands.h"
 
+#include "check/Sight.h"
 #include "check/Stopping.h"
 
+#include <algorithm>
 #include <cstring>
 #include <vector>
 
@@ -10,26 +12,27 @@ namespace {
 // A practised typist's pace, with room for programs that look at every key.
 constexpr DWORD kBetweenKeys = 12;
 
-// Two clicks at one place are a double click to the system unless more time is between them.
-constexpr DWORD kBetweenClicks = 40;
+// So that what the mouse comes over and what it presses can follow.
+constexpr DWORD kAroundClicks = 40;
 
-INPUT KeyInput(WORD nKey, DWORD dwFlags)
+INPUT KeyboardInput(WORD nKey, WORD nScan, DWORD dwFlags)
 {
     INPUT input = {};
     input.type = INPUT_KEYBOARD;
     input.ki.wVk = nKey;
-    input.ki.wScan = static_cast<WORD>(MapVirtualKeyW(nKey, MAPVK_VK_TO_VSC));
+    input.ki.wScan = nScan;
     input.ki.dwFlags = dwFlags;
     return input;
 }
 
+INPUT KeyInput(WORD nKey, DWORD dwFlags)
+{
+    return KeyboardInput(nKey, static_cast<WORD>(MapVirtualKeyW(nKey, MAPVK_VK_TO_VSC)), dwFlags);
+}
+
 INPUT CharacterInput(wchar_t c, DWORD dwFlags)
 {
-    INPUT input = {};
-    input.type = INPUT_KEYBOARD;
-    input.ki.wScan = c;
-    input.ki.dwFlags = KEYEVENTF_UNICODE | dwFlags;
-    return input;
+    return KeyboardInput(0, c, KEYEVENTF_UNICODE | dwFlags);
 }
 
 INPUT MouseInput(DWORD dwFlags, LONG x = 0, LONG y = 0)
@@ -56,34 +59,15 @@ bool IsInFront(DWORD dwProcess)
     return dwFront == dwProcess;
 }
 
-struct SEARCH
-{
-    DWORD dwProcess;
-    HWND hwnd;
-};
-
-// The uppermost window that takes input.
-BOOL CALLBACK FindWindowOf(HWND hwnd, LPARAM lParam)
-{
-    auto& search = *reinterpret_cast<SEARCH*>(lParam);
-    DWORD dwProcess = 0;
-    GetWindowThreadProcessId(hwnd, &dwProcess);
-    if (dwProcess != search.dwProcess || !IsWindowVisible(hwnd) || !IsWindowEnabled(hwnd)) {
-        return TRUE;
-    }
-    search.hwnd = hwnd;
-    return FALSE;
-}
-
 // Keys must reach nobody else.
 void FaceProcess(DWORD dwProcess)
 {
     if (IsInFront(dwProcess)) {
         return;
     }
-    SEARCH search = {dwProcess, nullptr};
-    EnumWindows(FindWindowOf, reinterpret_cast<LPARAM>(&search));
-    if (search.hwnd == nullptr || !BringForward(search.hwnd) || !IsInFront(dwProcess)) {
+    const std::vector<HWND> windows = WindowsOf(dwProcess);
+    const auto uppermost = std::ranges::find_if(windows, [](HWND hwnd) { return IsWindowEnabled(hwnd) != FALSE; });
+    if (uppermost == windows.end() || !BringForward(*uppermost) || !IsInFront(dwProcess)) {
         throw CLost{L"another window has the keyboard"};
     }
 }
@@ -96,14 +80,26 @@ INPUT MoveInput(LONG x, LONG y)
     const LONG nWidth = GetSystemMetrics(SM_CXVIRTUALSCREEN);
     const LONG nHeight = GetSystemMetrics(SM_CYVIRTUALSCREEN);
     return MouseInput(MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE | MOUSEEVENTF_VIRTUALDESK,
-                      MulDiv(2 * (x - nLeft) + 1, kWhole + 1, 2 * nWidth),
-                      MulDiv(2 * (y - nTop) + 1, kWhole + 1, 2 * nHeight));
+                      MulDiv((2 * (x - nLeft)) + 1, kWhole + 1, 2 * nWidth),
+                      MulDiv((2 * (y - nTop)) + 1, kWhole + 1, 2 * nHeight));
 }
 
 // Another program may have the clipboard for a moment.
 bool OpenClipboardSoon()
 {
     return WaitFor(2000, [] { return OpenClipboard(nullptr) != FALSE; });
+}
+
+// The clipboard owns what it takes.
+bool Copy(UINT nFormat, HANDLE hData)
+{
+    if (hData == nullptr || !OpenClipboardSoon()) {
+        return false;
+    }
+    EmptyClipboard();
+    const bool bCopied = SetClipboardData(nFormat, hData) != nullptr;
+    CloseClipboard();
+    return bCopied;
 }
 
 } // namespace
@@ -133,16 +129,14 @@ void Type(DWORD dwProcess, const std::wstring& szText)
     }
 }
 
-void Click(const RECT& rect, int nTimes)
+void Click(const RECT& rect)
 {
     const INPUT move = MoveInput((rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2);
     Send({move});
-    for (int n = 0; n < nTimes; ++n) {
-        Pause(kBetweenClicks);
-        // In one go with the click: the mouse that lies on the desk may tell its place in between.
-        Send({move, MouseInput(MOUSEEVENTF_LEFTDOWN), MouseInput(MOUSEEVENTF_LEFTUP)});
-    }
-    Pause(kBetweenClicks);
+    Pause(kAroundClicks);
+    // In one go with the click: the mouse that lies on the desk may tell its place in between.
+    Send({move, MouseInput(MOUSEEVENTF_LEFTDOWN), MouseInput(MOUSEEVENTF_LEFTUP)});
+    Pause(kAroundClicks);
 }
 
 void MoveMouseAway()
@@ -168,27 +162,16 @@ bool CopyText(const std::wstring& szText)
 {
     const size_t cb = (szText.size() + 1) * sizeof(WCHAR);
     const HGLOBAL hText = GlobalAlloc(GMEM_MOVEABLE, cb);
-    if (hText == nullptr || !OpenClipboardSoon()) {
-        return false;
+    if (void* const p = hText != nullptr ? GlobalLock(hText) : nullptr) {
+        std::memcpy(p, szText.c_str(), cb);
+        GlobalUnlock(hText);
     }
-    std::memcpy(GlobalLock(hText), szText.c_str(), cb);
-    GlobalUnlock(hText);
-    EmptyClipboard();
-    const bool bCopied = SetClipboardData(CF_UNICODETEXT, hText) != nullptr;
-    CloseClipboard();
-    return bCopied;
+    return Copy(CF_UNICODETEXT, hText);
 }
 
 bool CopyPicture()
 {
-    const HBITMAP hBitmap = CreateBitmap(2, 2, 1, 1, nullptr);
-    if (hBitmap == nullptr || !OpenClipboardSoon()) {
-        return false;
-    }
-    EmptyClipboard();
-    const bool bCopied = SetClipboardData(CF_BITMAP, hBitmap) != nullptr;
-    CloseClipboard();
-    return bCopied;
+    return Copy(CF_BITMAP, CreateBitmap(2, 2, 1, 1, nullptr));
 }
 
 std::optional<std::wstring> ClipboardText()

@@ -14,7 +14,7 @@ void Press(DWORD dwProcess, WORD nKey, WORD nHeld = 0);
 void Type(DWORD dwProcess, const std::wstring& szText);
 
 // Clicks into the middle of a rectangle of the screen.
-void Click(const RECT& rect, int nTimes = 1);
+void Click(const RECT& rect);
 
 // To a corner, so that nothing looks hovered over.
 void MoveMouseAway();

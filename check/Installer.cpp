@@ -6,37 +6,40 @@
 #include <tlhelp32.h>
 
 #include <algorithm>
+#include <format>
+#include <vector>
 
 namespace {
 
-constexpr DWORD kSoon = 10000;
-
-template<typename TAKE>
-void ForEachProcess(TAKE take)
-{
-    const CHandle hSnapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
-    PROCESSENTRY32W entry = {};
-    entry.dwSize = sizeof entry;
-    for (BOOL bMore = Process32FirstW(hSnapshot.get(), &entry); bMore;
-         bMore = Process32NextW(hSnapshot.get(), &entry)) {
-        take(entry);
-    }
-}
+constexpr DWORD kLongestEnd = 10000;
 
 bool IsSame(PCWSTR pszOne, PCWSTR pszOther)
 {
     return CompareStringOrdinal(pszOne, -1, pszOther, -1, TRUE) == CSTR_EQUAL;
 }
 
+// The processes that run a program of that file name.
+std::vector<PROCESSENTRY32W> ProcessesOf(PCWSTR pszName)
+{
+    std::vector<PROCESSENTRY32W> found;
+    const CHandle hSnapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+    PROCESSENTRY32W entry = {};
+    entry.dwSize = sizeof entry;
+    for (BOOL bMore = Process32FirstW(hSnapshot.get(), &entry); bMore;
+         bMore = Process32NextW(hSnapshot.get(), &entry)) {
+        if (IsSame(entry.szExeFile, pszName)) {
+            found.push_back(entry);
+        }
+    }
+    return found;
+}
+
+// Zero where there is none.
 DWORD ChildOf(DWORD dwParent, PCWSTR pszName)
 {
-    DWORD dwFound = 0;
-    ForEachProcess([&](const PROCESSENTRY32W& entry) {
-        if (entry.th32ParentProcessID == dwParent && IsSame(entry.szExeFile, pszName)) {
-            dwFound = entry.th32ProcessID;
-        }
-    });
-    return dwFound;
+    const std::vector<PROCESSENTRY32W> processes = ProcessesOf(pszName);
+    const auto found = std::ranges::find(processes, dwParent, &PROCESSENTRY32W::th32ParentProcessID);
+    return found != processes.end() ? found->th32ProcessID : 0;
 }
 
 std::wstring ImageOf(HANDLE hProcess)
@@ -51,9 +54,9 @@ std::wstring ImageOf(HANDLE hProcess)
 std::vector<CHandle> OwnAdbs()
 {
     std::vector<CHandle> found;
-    for (const DWORD dwProcess : ProcessesOf(L"adb.exe")) {
-        CHandle hProcess(
-            OpenProcess(PROCESS_TERMINATE | PROCESS_QUERY_LIMITED_INFORMATION | SYNCHRONIZE, FALSE, dwProcess));
+    for (const PROCESSENTRY32W& entry : ProcessesOf(L"adb.exe")) {
+        CHandle hProcess(OpenProcess(PROCESS_TERMINATE | PROCESS_QUERY_LIMITED_INFORMATION | SYNCHRONIZE, FALSE,
+                                     entry.th32ProcessID));
         if (hProcess && IsSame(ImageOf(hProcess.get()).c_str(), AdbPath().c_str())) {
             found.push_back(std::move(hProcess));
         }
@@ -61,22 +64,11 @@ std::vector<CHandle> OwnAdbs()
     return found;
 }
 
-std::wstring InQuotes(const std::wstring& szText)
-{
-    return L"\"" + szText + L"\"";
-}
-
 } // namespace
 
-std::vector<DWORD> ProcessesOf(PCWSTR pszName)
+bool IsRunning(PCWSTR pszName)
 {
-    std::vector<DWORD> found;
-    ForEachProcess([&](const PROCESSENTRY32W& entry) {
-        if (IsSame(entry.szExeFile, pszName)) {
-            found.push_back(entry.th32ProcessID);
-        }
-    });
-    return found;
+    return !ProcessesOf(pszName).empty();
 }
 
 bool IsOwnAdbRunning()
@@ -90,23 +82,32 @@ void StopAdb()
         return;
     }
     try {
-        RunCommand(InQuotes(AdbPath()) + L" kill-server", kSoon);
+        RunCommand(InQuotes(AdbPath()) + L" kill-server", kLongestEnd);
         WaitFor(2000, [] { return !IsOwnAdbRunning(); });
     } catch (const CLost&) {
         // It is ended the hard way.
     }
     for (const CHandle& hProcess : OwnAdbs()) {
         TerminateProcess(hProcess.get(), 1);
-        WaitForSingleObject(hProcess.get(), kSoon);
+        WaitForSingleObject(hProcess.get(), kLongestEnd);
     }
 }
 
-CInstaller::CInstaller(const SURROUNDINGS& surroundings, const CPath& program)
+void RemoveTools()
 {
-    std::wstring szLine = InQuotes(program);
-    if (!surroundings.szThrough.empty()) {
-        szLine = InQuotes(surroundings.szThrough) + L" " + szLine;
+    const CUnstoppable tidying;
+    StopAdb();
+    std::error_code error;
+    for (const std::wstring& szName : NamesIn(ToolsFolder())) {
+        if (szName.starts_with(L"platform-tools")) {
+            remove_all(ToolsFolder() / szName, error);
+        }
     }
+}
+
+CInstaller::CInstaller(const std::wstring& szThrough, const CPath& program)
+{
+    std::wstring szLine = (szThrough.empty() ? L"" : InQuotes(szThrough) + L" ") + InQuotes(program);
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION process = {};
@@ -118,18 +119,16 @@ CInstaller::CInstaller(const SURROUNDINGS& surroundings, const CPath& program)
     m_hStarted.reset(process.hProcess);
     CloseHandle(process.hThread);
     m_dwProcess = process.dwProcessId;
-    if (!surroundings.szThrough.empty()) {
+    if (!szThrough.empty()) {
         const std::wstring szName = program.filename();
         m_dwProcess = 0;
-        WaitFor(kSoon, [&] {
+        WaitFor(kLongestEnd, [&] {
             m_dwProcess = ChildOf(process.dwProcessId, szName.c_str());
             return m_dwProcess != 0 || HasEnded();
         });
     }
     AllowSetForegroundWindow(m_dwProcess);
-    m_hProcess.reset(OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE | PROCESS_QUERY_LIMITED_INFORMATION |
-                                     PROCESS_CREATE_THREAD | PROCESS_VM_OPERATION | PROCESS_VM_WRITE | PROCESS_VM_READ,
-                                 FALSE, m_dwProcess));
+    m_hProcess.reset(OpenProcess(PROCESS_TERMINATE, FALSE, m_dwProcess));
 }
 
 CInstaller::~CInstaller()
@@ -144,19 +143,19 @@ bool CInstaller::HasEnded() const
     return WaitForSingleObject(m_hStarted.get(), 0) == WAIT_OBJECT_0;
 }
 
-std::optional<DWORD> CInstaller::WaitForEnd(DWORD dwMilliseconds) const
+std::wstring CInstaller::WaitForEnd(DWORD dwMilliseconds) const
 {
     DWORD dwCode = 0;
     if (!WaitFor(dwMilliseconds, [&] { return HasEnded(); }) || !GetExitCodeProcess(m_hStarted.get(), &dwCode)) {
-        return std::nullopt;
+        return L"it goes on running";
     }
-    return dwCode;
+    return std::format(L"exit code {}", static_cast<int>(dwCode));
 }
 
-void CInstaller::Kill()
+void CInstaller::Kill() const
 {
     if (m_hProcess && !HasEnded()) {
         TerminateProcess(m_hProcess.get(), 1);
-        WaitForSingleObject(m_hStarted.get(), kSoon);
+        WaitForSingleObject(m_hStarted.get(), kLongestEnd);
     }
 }

@@ -1,82 +1,77 @@
 // Libraries that somebody has put beside the program. Each of them leaves a file when it is loaded.
-#include "check/Hands.h"
 #include "check/Listener.h"
 #include "check/Redirect.h"
 #include "check/Stopping.h"
+#include "check/Text.h"
 #include "check/Walk.h"
 #include "launcher/RemoteLibrary.h"
 
-#include <algorithm>
 #include <format>
-#include <memory>
-#include <set>
 
 namespace {
 
 // What the compiler would link if it were not told otherwise, and what parts of the system are known to load by name.
-constexpr PCWSTR kOthers[] = {
-    L"libgcc_s_seh-1.dll",
-    L"libstdc++-6.dll",
-    L"libwinpthread-1.dll",
-    L"apphelp.dll",
-    L"bcrypt.dll",
-    L"cfgmgr32.dll",
-    L"coremessaging.dll",
-    L"cryptbase.dll",
-    L"cryptsp.dll",
-    L"d2d1.dll",
-    L"dataexchange.dll",
-    L"dcomp.dll",
-    L"dui70.dll",
-    L"duser.dll",
-    L"dwmapi.dll",
-    L"dwrite.dll",
-    L"edputil.dll",
-    L"explorerframe.dll",
-    L"iertutil.dll",
-    L"kernel.appcore.dll",
-    L"linkinfo.dll",
-    L"mpr.dll",
-    L"msimg32.dll",
-    L"mswsock.dll",
-    L"netapi32.dll",
-    L"netutils.dll",
-    L"ntmarta.dll",
-    L"ntshrui.dll",
-    L"oleacc.dll",
-    L"policymanager.dll",
-    L"powrprof.dll",
-    L"profapi.dll",
-    L"propsys.dll",
-    L"rsaenh.dll",
-    L"secur32.dll",
-    L"srvcli.dll",
-    L"sspicli.dll",
-    L"structuredquery.dll",
-    L"textinputframework.dll",
-    L"textshaping.dll",
-    L"thumbcache.dll",
-    L"twinapi.appcore.dll",
-    L"urlmon.dll",
-    L"userenv.dll",
-    L"usp10.dll",
-    L"uxtheme.dll",
-    L"version.dll",
-    L"windows.storage.dll",
-    L"windowscodecs.dll",
-    L"winmm.dll",
-    L"winnsi.dll",
-    L"wintypes.dll",
-    L"wldp.dll",
-    L"wtsapi32.dll",
-};
-
-// No part of the system has a library of this name.
-constexpr PCWSTR kAskedFor = L"asked-for.dll";
+constexpr PCWSTR kOthers[] = {L"libgcc_s_seh-1.dll",
+                              L"libstdc++-6.dll",
+                              L"libwinpthread-1.dll",
+                              L"apphelp.dll",
+                              L"bcrypt.dll",
+                              L"cfgmgr32.dll",
+                              L"coremessaging.dll",
+                              L"cryptbase.dll",
+                              L"cryptsp.dll",
+                              L"d2d1.dll",
+                              L"dataexchange.dll",
+                              L"dcomp.dll",
+                              L"dui70.dll",
+                              L"duser.dll",
+                              L"dwmapi.dll",
+                              L"dwrite.dll",
+                              L"edputil.dll",
+                              L"explorerframe.dll",
+                              L"iertutil.dll",
+                              L"kernel.appcore.dll",
+                              L"linkinfo.dll",
+                              L"mpr.dll",
+                              L"msimg32.dll",
+                              L"mswsock.dll",
+                              L"netapi32.dll",
+                              L"netutils.dll",
+                              L"ntmarta.dll",
+                              L"ntshrui.dll",
+                              L"oleacc.dll",
+                              L"policymanager.dll",
+                              L"powrprof.dll",
+                              L"profapi.dll",
+                              L"propsys.dll",
+                              L"rsaenh.dll",
+                              L"secur32.dll",
+                              L"srvcli.dll",
+                              L"sspicli.dll",
+                              L"structuredquery.dll",
+                              L"textinputframework.dll",
+                              L"textshaping.dll",
+                              L"thumbcache.dll",
+                              L"twinapi.appcore.dll",
+                              L"urlmon.dll",
+                              L"userenv.dll",
+                              L"usp10.dll",
+                              L"uxtheme.dll",
+                              L"version.dll",
+                              L"windows.storage.dll",
+                              L"windowscodecs.dll",
+                              L"winmm.dll",
+                              L"winnsi.dll",
+                              L"wintypes.dll",
+                              L"wldp.dll",
+                              L"wtsapi32.dll"};
 
 // Of them, libraries that parts of the system are known to load by name when they need them; a program starts without.
 constexpr PCWSTR kLoadedByName[] = {L"cryptbase.dll", L"profapi.dll",       L"propsys.dll", L"textshaping.dll",
                                     L"wldp.dll",      L"windowscodecs.dll", L"winmm.dll"};
+
+// No part of the system has a library of this name.
+constexpr PCWSTR kAskedFor = L"asked-for.dll";
 
 // A folder with a copy of the program, a package and planted libraries.
 class CPlanted
@@ -98,42 +93,26 @@ public:
     void Plant(const CPath& name) const
     {
         static const std::string s_bytes = ReadBytes(PartsFolder() / L"planted.dll");
-        if (s_bytes.empty() || !WriteBytes(m_folder / name, s_bytes)) {
-            throw CLost{L"no library can be planted"};
+        if (s_bytes.empty()) {
+            throw CLost{L"there is no library to plant"};
         }
+        WriteBytes(m_folder / name, s_bytes);
     }
 
     // Those that were loaded, in one line; their traces go with this look.
     std::wstring Loaded() const
     {
-        std::wstring szLoaded;
-        for (const std::wstring& szName : NamesIn(m_folder)) {
-            if (szName.ends_with(L".loaded")) {
-                szLoaded += (szLoaded.empty() ? L"" : L" ") + szName.substr(0, szName.size() - 7);
-                remove(m_folder / szName);
-            }
+        std::vector<std::wstring> names = NamesIn(m_folder);
+        std::erase_if(names, [](const std::wstring& szName) { return !szName.ends_with(L".loaded"); });
+        for (const std::wstring& szName : names) {
+            remove(m_folder / szName);
         }
-        return szLoaded.empty() ? L"none" : szLoaded;
+        return Joined(names, L" ", L"none");
     }
 
 private:
     CPath m_folder;
 };
-
-// On page 7: opens the dialog that asks for a package, and leaves it.
-void OpenFileDialog(const CWalk& walk)
-{
-    walk.ClickControl(IDC_BROWSE);
-    const auto HasDialog = [](const SIGHT& sight) {
-        return std::ranges::any_of(sight.others, [](const TREE& tree) { return tree.window.IsKind(L"#32770"); });
-    };
-    walk.WaitUntil(L"the file dialog", HasDialog, 20000);
-    Pause(1500); // it goes on loading
-    walk.Press(VK_ESCAPE);
-    if (!WaitFor(5000, [&] { return !HasDialog(walk.Look()); })) {
-        throw CLost{L"the file dialog does not go"};
-    }
-}
 
 // Asks the running program for a library by its name.
 bool IsLoadedByName(const CInstaller& program)
@@ -157,27 +136,26 @@ void Defended(CHECK& check)
     for (const PCWSTR pszName : kOthers) {
         planted.Plant(pszName);
     }
-    std::unique_ptr<CWalk> pWalk;
+    const CWalk walk(check, planted.Program(), CWalk::kAnything);
     try {
-        pWalk = std::make_unique<CWalk>(check, planted.Program());
+        walk.WaitForStart();
     } catch (const CLost& lost) {
         // What is loaded in the place of a library that is linked lets nothing start.
         answers.Tell(L"loader.start", false, L"none", planted.Loaded() + L"; " + lost.szWhy);
         throw;
     }
-    CWalk& walk = *pWalk;
     answers.Expect(L"loader.start", L"none", planted.Loaded());
     const CListener watch(CListener::kStaysOpen);
     walk.GoTo(7, watch.Port());
     answers.Expect(L"loader.pages", L"none", planted.Loaded());
-    OpenFileDialog(walk);
+    walk.OpenFileDialog();
+    walk.LeaveFileDialog();
     answers.Expect(L"loader.dialog", L"none", planted.Loaded());
     for (int nPage = 8; nPage <= 14; ++nPage) {
         walk.JumpTo(nPage);
     }
     answers.Expect(L"loader.last-pages", L"none", planted.Loaded());
-    const bool bByName = IsLoadedByName(walk.Program());
-    answers.Tell(L"loader.by-name", !bByName, L"not loaded", bByName ? L"loaded" : L"not loaded");
+    answers.Either(L"loader.by-name", !IsLoadedByName(walk.Program()), L"not loaded", L"loaded");
 }
 
 // The defences taken out: the load configuration's flags, and the first call of the program.
@@ -193,9 +171,8 @@ void UndefendedByName(CHECK& check)
 {
     const CPlanted planted(check, L"undefended");
     TakeDefencesOut(planted.Program());
-    CWalk walk(check, planted.Program());
-    const bool bByName = IsLoadedByName(walk.Program());
-    check.answers.Tell(L"loader.undefended-by-name", bByName, L"loaded", bByName ? L"loaded" : L"not loaded");
+    const CWalk walk(check, planted.Program());
+    check.answers.Either(L"loader.undefended-by-name", IsLoadedByName(walk.Program()), L"loaded", L"not loaded");
 }
 
 // A program into which such libraries are loaded need not get far: they can do nothing that is asked of them.
@@ -210,10 +187,10 @@ void UndefendedBySystem(CHECK& check)
     }
     std::wstring szWhy;
     try {
-        CWalk walk(check, planted.Program());
+        const CWalk walk(check, planted.Program());
         const CListener watch(CListener::kStaysOpen);
         walk.GoTo(7, watch.Port());
-        OpenFileDialog(walk);
+        walk.OpenFileDialog();
     } catch (const CLost& lost) {
         szWhy = L"; it did not get far: " + lost.szWhy;
     }

@@ -1,5 +1,8 @@
 // What a careful eye finds on a page.
+#include "check/Contrast.h"
 #include "check/Hands.h"
+#include "check/Machine.h"
+#include "check/Text.h"
 #include "check/Walk.h"
 #include "driver/Measure.h"
 
@@ -14,6 +17,8 @@ namespace {
 // What the fields can hold at most.
 const std::map<int, std::wstring> kFullest = {
     {IDC_WATCH_PORT, L"65535"}, {IDC_PAIRING_PORT, L"65535"}, {IDC_PAIRING_CODE, L"888888"}};
+
+constexpr double kBlackOnWhite = 21;
 
 std::wstring NameOf(const PART& part)
 {
@@ -47,6 +52,28 @@ std::wstring FullestText(const PART& part)
     return found != kFullest.end() ? found->second : part.IsKind(WC_EDITW) ? std::wstring() : part.szText;
 }
 
+// A text with the name of its font, see driver/Measure.h.
+struct LETTERING
+{
+    const PART* pPart;
+    PCSTR pszFont;
+};
+
+// Of the page and of the frame.
+std::vector<LETTERING> LetteringOf(const SIGHT& sight)
+{
+    std::vector<LETTERING> all;
+    for (const PART* const pPart : sight.PageParts()) {
+        all.push_back({pPart, "page"});
+    }
+    for (const PART* const pPart : sight.FrameParts()) {
+        if (pPart->nId != kBackId) {
+            all.push_back({pPart, pPart->IsKind(WC_STATICW) ? "title" : "frame"});
+        }
+    }
+    return all;
+}
+
 std::wstring CutText(const PART& part, PCSTR pszFont, const std::wstring& szText)
 {
     const std::optional<MEASURE> measure = szText.empty() ? std::nullopt : Measure(part.hwnd, pszFont, szText);
@@ -58,12 +85,33 @@ std::wstring CutText(const PART& part, PCSTR pszFont, const std::wstring& szText
                        measure->room.right - measure->room.left, measure->room.bottom - measure->room.top);
 }
 
-// Where the words of a text really are: one may stand over the empty end of another.
-RECT WordsOf(const PART& part)
+// Those that have no room.
+std::wstring CutTexts(const std::vector<LETTERING>& all)
 {
-    const std::optional<MEASURE> measure =
-        part.IsKind(WC_STATICW) ? Measure(part.hwnd, "page", part.szText) : std::nullopt;
-    return measure ? measure->ink : part.rect;
+    std::wstring szFound;
+    for (const auto& [pPart, pszFont] : all) {
+        if (pPart->IsKind(WC_IPADDRESSW)) {
+            for (const PART& field : FieldsOf(*pPart)) {
+                szFound += CutText(field, pszFont, L"255");
+            }
+        } else {
+            szFound += CutText(*pPart, pszFont, FullestText(*pPart));
+        }
+    }
+    return szFound.empty() ? L"nothing" : szFound;
+}
+
+// Where the words of a text really are; nothing where that cannot be measured.
+std::optional<RECT> InkOf(const LETTERING& lettering)
+{
+    const std::optional<MEASURE> measure = Measure(lettering.pPart->hwnd, lettering.pszFont, lettering.pPart->szText);
+    return measure ? std::optional(measure->ink) : std::nullopt;
+}
+
+// A text may stand over the empty end of another.
+RECT PlaceOf(const PART& part)
+{
+    return part.IsKind(WC_STATICW) ? InkOf({&part, "page"}).value_or(part.rect) : part.rect;
 }
 
 std::wstring Overlaps(const std::vector<const PART*>& parts)
@@ -71,7 +119,7 @@ std::wstring Overlaps(const std::vector<const PART*>& parts)
     std::wstring szFound;
     for (size_t n = 0; n < parts.size(); ++n) {
         for (size_t m = n + 1; m < parts.size(); ++m) {
-            if (Meet(parts[n]->rect, parts[m]->rect) && Meet(WordsOf(*parts[n]), WordsOf(*parts[m]))) {
+            if (Meet(parts[n]->rect, parts[m]->rect) && Meet(PlaceOf(*parts[n]), PlaceOf(*parts[m]))) {
                 szFound += NameOf(*parts[n]) + L" and " + NameOf(*parts[m]) + L" cover each other; ";
             }
         }
@@ -90,44 +138,20 @@ std::wstring Outside(const std::vector<const PART*>& parts, const RECT& area, PC
     return szFound;
 }
 
-std::wstring OrNothing(const std::wstring& szFound)
+std::wstring IdOf(const PART* pPart)
 {
-    return szFound.empty() ? L"nothing" : szFound;
+    return pPart != nullptr ? std::to_wstring(pPart->nId) : L"none";
 }
 
-std::wstring Ids(const std::vector<int>& ids)
-{
-    std::wstring szIds;
-    for (const int nId : ids) {
-        szIds += (szIds.empty() ? L"" : L", ") + std::to_wstring(nId);
-    }
-    return szIds.empty() ? L"none" : szIds;
-}
-
-// A push button that has the keyboard is the one; else Next or Finish.
+// A push button that has the keyboard is the one; else Next or Finish. The arrow draws itself, without an outline.
 std::wstring ExpectedDefault(const SIGHT& sight)
 {
-    for (const PART& part : sight.frame.parts) {
-        if (part.hwnd == sight.hwndFocus && part.IsPushButton()) {
-            return part.nId == kBackId ? L"none" : std::to_wstring(part.nId);
-        }
+    const auto focused = std::ranges::find(sight.frame.parts, sight.hwndFocus, &PART::hwnd);
+    if (focused != sight.frame.parts.end() && focused->IsPushButton()) {
+        return focused->nId == kBackId ? L"none" : IdOf(&*focused);
     }
-    const UINT nButtons = sight.Buttons();
-    return nButtons & kNext ? std::to_wstring(kNextId) : nButtons & kFinish ? std::to_wstring(kFinishId) : L"none";
-}
-
-void LookAtTexts(CAnswers& answers, const SIGHT& sight, int nPage, HWND hwndPictured)
-{
-    std::vector<const PART*> titles;
-    std::vector<const PART*> buttons;
-    for (const PART* const pPart : sight.FrameParts()) {
-        if (pPart->nId != kBackId) {
-            (pPart->IsKind(WC_STATICW) ? titles : buttons).push_back(pPart);
-        }
-    }
-    const std::wstring szCut =
-        CutTexts(sight.PageParts(), "page") + CutTexts(titles, "title") + CutTexts(buttons, "frame");
-    answers.Expect(PageClaim(nPage, L"texts"), L"nothing", OrNothing(szCut), hwndPictured);
+    const PART* const pNext = sight.FrameButton(kNextId);
+    return IdOf(pNext != nullptr ? pNext : sight.FrameButton(kFinishId));
 }
 
 void LookAtPlaces(CAnswers& answers, const SIGHT& sight, int nPage, HWND hwndPictured)
@@ -141,29 +165,79 @@ void LookAtPlaces(CAnswers& answers, const SIGHT& sight, int nPage, HWND hwndPic
     const std::wstring szFound = Overlaps(parts) + Overlaps(sight.FrameParts()) + Outside(parts, page, L"the page") +
                                  Outside(sight.FrameParts(), sight.frame.window.rect, L"the frame") +
                                  Outside({&sight.frame.window}, screen, L"the screen");
-    answers.Expect(PageClaim(nPage, L"apart"), L"nothing", OrNothing(szFound), hwndPictured);
+    answers.Expect(PageClaim(nPage, L"apart"), L"nothing", szFound.empty() ? L"nothing" : szFound, hwndPictured);
+}
+
+// What is disabled need not stand out. What an edit holds may be selected, in the system's colors.
+void LookAtContrast(CAnswers& answers, const std::vector<LETTERING>& all, int nPage, HWND hwndPictured)
+{
+    const double least = IsHighContrast() ? 7.0 : 4.5;
+    double lowest = kBlackOnWhite;
+    std::wstring szFaintest = L"no words";
+    for (const LETTERING& lettering : all) {
+        const std::optional<RECT> ink = InkOf(lettering);
+        if (ink && !IsRectEmpty(&*ink) && lettering.pPart->bEnabled && !lettering.pPart->IsKind(WC_EDITW)) {
+            if (const double ratio = ContrastOnScreen(*ink); ratio <= lowest) {
+                lowest = ratio;
+                szFaintest = std::format(L"{:.1f}, {}", ratio, NameOf(*lettering.pPart));
+            }
+        }
+    }
+    answers.Tell(PageClaim(nPage, L"contrast"), lowest >= least && szFaintest != L"no words",
+                 std::format(L"{:.1f} or more", least), szFaintest, hwndPictured);
+}
+
+// A button that is found by its text has another id.
+void LookAtIds(CAnswers& answers, const SIGHT& sight)
+{
+    for (const FRAME_BUTTON& button : kFrameButtons) {
+        if (const PART* const pButton = sight.FrameButton(button.nId)) {
+            answers.Expect(L"frame.button-ids", std::format(L"{} {}", button.pszText, button.nId),
+                           std::format(L"{} {}", button.pszText, GetDlgCtrlID(pButton->hwnd)));
+        }
+    }
 }
 
 } // namespace
 
-std::wstring CutTexts(const std::vector<const PART*>& parts, PCSTR pszFont)
+std::wstring CutTexts(const TREE& box)
 {
-    std::wstring szFound;
-    for (const PART* const pPart : parts) {
-        if (pPart->IsKind(WC_IPADDRESSW)) {
-            for (const PART& field : TreeOf(pPart->hwnd).parts) {
-                szFound += CutText(field, pszFont, L"255");
-            }
-        } else {
-            szFound += CutText(*pPart, pszFont, FullestText(*pPart));
-        }
+    std::vector<LETTERING> all;
+    for (const PART& part : box.parts) {
+        all.push_back({&part, "box"});
     }
-    return szFound;
+    return CutTexts(all);
+}
+
+void LookAtButtons(const CWalk& walk, const std::wstring& szClaim, UINT nButtons)
+{
+    const bool bThere = walk.HasButtons(nButtons);
+    const SIGHT sight = walk.Look();
+    walk.Answers().Either(szClaim, bThere, ButtonNames(nButtons), ButtonNames(sight.Buttons()),
+                          sight.frame.window.hwnd);
+}
+
+void LookAtTick(const CWalk& walk)
+{
+    const int nPage = walk.Look().Number();
+    walk.Tick(true);
+    const bool bCame = walk.HasButtons(kReady);
+    walk.Tick(false);
+    const bool bWent = walk.HasButtons(kWaiting);
+    walk.Tick(true);
+    const bool bCameAgain = walk.HasButtons(kReady);
+    const HWND hwnd = walk.Look().frame.window.hwnd;
+    walk.Answers().Tell(PageClaim(nPage, L"next"), bCame && bWent && bCameAgain, L"Next comes, goes and comes again",
+                        std::format(L"{}, {}, {}", bCame ? L"comes" : L"does not come",
+                                    bWent ? L"goes" : L"does not go",
+                                    bCameAgain ? L"comes again" : L"does not come again"),
+                        hwnd);
+    walk.Answers().AddPicture(std::format(L"page {}", nPage), hwnd);
 }
 
 void LookAtPage(const CWalk& walk, int nPage)
 {
-    CAnswers& answers = walk.Check().answers;
+    CAnswers& answers = walk.Answers();
     const PAGE& page = PageNumber(nPage);
     MoveMouseAway();
     const bool bButtons = walk.HasButtons(page.nFirst);
@@ -171,13 +245,17 @@ void LookAtPage(const CWalk& walk, int nPage)
     const HWND hwnd = sight.frame.window.hwnd;
     // Page 5 shows where in the network this computer is.
     const HWND hwndPictured = nPage == 5 ? nullptr : hwnd;
-    answers.Tell(PageClaim(nPage, L"title"), SaysOfItself(hwnd, page.pszTitle), page.pszTitle,
-                 SaysOfItself(hwnd, page.pszTitle) ? page.pszTitle : L"no such words above the page", hwndPictured);
-    answers.Tell(PageClaim(nPage, L"buttons"), bButtons, ButtonNames(page.nFirst), ButtonNames(sight.Buttons()),
-                 hwndPictured);
+    const std::vector<LETTERING> lettering = LetteringOf(sight);
+    answers.Either(PageClaim(nPage, L"title"), SaysOfItself(hwnd, page.pszTitle), page.pszTitle,
+                   L"no such words above the page", hwndPictured);
+    answers.Either(PageClaim(nPage, L"buttons"), bButtons, ButtonNames(page.nFirst), ButtonNames(sight.Buttons()),
+                   hwndPictured);
     answers.Expect(PageClaim(nPage, L"focus"), std::to_wstring(page.nFocusId), std::to_wstring(sight.FocusId()),
                    hwndPictured);
-    answers.Expect(PageClaim(nPage, L"default"), ExpectedDefault(sight), Ids(sight.DefaultButtons()), hwndPictured);
-    LookAtTexts(answers, sight, nPage, hwndPictured);
+    answers.Expect(PageClaim(nPage, L"default"), ExpectedDefault(sight),
+                   Joined(sight.DefaultButtons(), L", ", L"none", IdOf), hwndPictured);
+    answers.Expect(PageClaim(nPage, L"texts"), L"nothing", CutTexts(lettering), hwndPictured);
     LookAtPlaces(answers, sight, nPage, hwndPictured);
+    LookAtContrast(answers, lettering, nPage, hwndPictured);
+    LookAtIds(answers, sight);
 }

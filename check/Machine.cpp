@@ -14,21 +14,19 @@
 
 namespace {
 
+// A text, or a number in words.
 std::wstring FromRegistry(HKEY hKey, PCWSTR pszKey, PCWSTR pszValue)
 {
     WCHAR szText[128] = {};
     DWORD cb = sizeof szText;
-    return RegGetValueW(hKey, pszKey, pszValue, RRF_RT_REG_SZ, nullptr, szText, &cb) == ERROR_SUCCESS ? szText
-                                                                                                      : L"unknown";
-}
-
-std::wstring NumberFromRegistry(HKEY hKey, PCWSTR pszKey, PCWSTR pszValue)
-{
+    if (RegGetValueW(hKey, pszKey, pszValue, RRF_RT_REG_SZ, nullptr, szText, &cb) == ERROR_SUCCESS) {
+        return szText;
+    }
     DWORD dwValue = 0;
-    DWORD cb = sizeof dwValue;
-    return RegGetValueW(hKey, pszKey, pszValue, RRF_RT_REG_DWORD, nullptr, &dwValue, &cb) == ERROR_SUCCESS
-               ? std::to_wstring(dwValue)
-               : L"unknown";
+    cb = sizeof dwValue;
+    const bool bNumber =
+        RegGetValueW(hKey, pszKey, pszValue, RRF_RT_REG_DWORD, nullptr, &dwValue, &cb) == ERROR_SUCCESS;
+    return bNumber ? std::to_wstring(dwValue) : L"unknown";
 }
 
 constexpr PCWSTR kCurrentVersion = LR"(SOFTWARE\Microsoft\Windows NT\CurrentVersion)";
@@ -41,18 +39,15 @@ std::wstring Language()
     return szName;
 }
 
-std::wstring HighContrast()
-{
-    HIGHCONTRASTW contrast = {};
-    contrast.cbSize = sizeof contrast;
-    SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof contrast, &contrast, 0);
-    return contrast.dwFlags & HCF_HIGHCONTRASTON ? L"on" : L"off";
-}
-
-std::wstring ScreenReader()
+bool IsScreenReaderOn()
 {
     BOOL bOn = FALSE;
     SystemParametersInfoW(SPI_GETSCREENREADER, 0, &bOn, 0);
+    return bOn != FALSE;
+}
+
+PCWSTR OnOrOff(bool bOn)
+{
     return bOn ? L"on" : L"off";
 }
 
@@ -119,19 +114,27 @@ std::vector<std::pair<std::wstring, std::wstring>> DescribeMachine()
         {L"Windows", FromRegistry(HKEY_LOCAL_MACHINE, kCurrentVersion, L"ProductName")},
         {L"release", FromRegistry(HKEY_LOCAL_MACHINE, kCurrentVersion, L"DisplayVersion")},
         {L"build", FromRegistry(HKEY_LOCAL_MACHINE, kCurrentVersion, L"CurrentBuildNumber")},
-        {L"update", NumberFromRegistry(HKEY_LOCAL_MACHINE, kCurrentVersion, L"UBR")},
+        {L"update", FromRegistry(HKEY_LOCAL_MACHINE, kCurrentVersion, L"UBR")},
         {L"language", Language()},
         {L"code page", std::to_wstring(GetACP())},
         {L"screen", std::format(L"{} x {}", GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN))},
         {L"resolution", std::format(L"{} dots per inch", GetDpiForSystem())},
         {L"monitors", std::to_wstring(GetSystemMetrics(SM_CMONITORS))},
-        {L"visual styles", IsThemeActive() ? L"on" : L"off"},
-        {L"programs in light colors", NumberFromRegistry(HKEY_CURRENT_USER, kPersonalize, L"AppsUseLightTheme")},
-        {L"high contrast", HighContrast()},
-        {L"screen reader", ScreenReader()},
+        {L"visual styles", OnOrOff(IsThemeActive() != FALSE)},
+        {L"programs in light colors", FromRegistry(HKEY_CURRENT_USER, kPersonalize, L"AppsUseLightTheme")},
+        {L"high contrast", OnOrOff(IsHighContrast())},
+        {L"screen reader", OnOrOff(IsScreenReaderOn())},
         {L"remote session", GetSystemMetrics(SM_REMOTESESSION) ? L"yes" : L"no"},
         {L"network adapters in use", NumberOfAdapters()},
     };
+}
+
+bool IsHighContrast()
+{
+    HIGHCONTRASTW contrast = {};
+    contrast.cbSize = sizeof contrast;
+    SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof contrast, &contrast, 0);
+    return (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
 }
 
 std::wstring ReasonToRefuse()
@@ -149,7 +152,7 @@ std::wstring ReasonToRefuse()
     if (IsInstallerRunning()) {
         return L"The installer is running. Please close it first.";
     }
-    if (IsListening(kAdbServerPort) || !ProcessesOf(L"adb.exe").empty()) {
+    if (IsListening(kAdbServerPort) || IsRunning(L"adb.exe")) {
         return L"adb is running. The check has to stop and start adb's server: please close all programs that use adb, "
                L"and stop its server with \"adb kill-server\".";
     }

@@ -8,6 +8,9 @@
 // Names and values for the report, none of which tells whose computer it is.
 std::vector<std::pair<std::wstring, std::wstring>> DescribeMachine();
 
+// Whether the user has chosen one of the themes with a high contrast.
+bool IsHighContrast();
+
 // Why the check must not run now; empty when it may.
 std::wstring ReasonToRefuse();
 

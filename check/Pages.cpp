@@ -1,7 +1,9 @@
 #include "check/Pages.h"
 
+#include "check/Text.h"
+
 #include <format>
-#include <utility>
+#include <ranges>
 
 std::wstring PageClaim(int nPage, PCWSTR pszWhat)
 {
@@ -10,13 +12,6 @@ std::wstring PageClaim(int nPage, PCWSTR pszWhat)
 
 std::wstring ButtonNames(UINT nButtons)
 {
-    constexpr std::pair<UINT, PCWSTR> kNames[] = {
-        {kBack, L"Back"}, {kNext, L"Next"}, {kFinish, L"Finish"}, {kCancel, L"Cancel"}};
-    std::wstring szNames;
-    for (const auto& [nButton, pszName] : kNames) {
-        if (nButtons & nButton) {
-            szNames += (szNames.empty() ? L"" : L", ") + std::wstring(pszName);
-        }
-    }
-    return szNames.empty() ? L"none" : szNames;
+    const auto IsAmong = [nButtons](const FRAME_BUTTON& button) { return (nButtons & button.nButton) != 0; };
+    return Joined(kFrameButtons | std::views::filter(IsAmong), L", ", L"none", &FRAME_BUTTON::pszText);
 }

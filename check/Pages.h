@@ -10,7 +10,7 @@
 
 constexpr PCWSTR kTitle = L"KALVO Solvane Android Watch Installer";
 
-// The frame's buttons, as bits and by the ids of their windows.
+// The frame's buttons, as bits.
 enum BUTTONS : UINT
 {
     kBack = 1,
@@ -21,6 +21,18 @@ enum BUTTONS : UINT
 constexpr int kBackId = 0x3023;
 constexpr int kNextId = 0x3024;
 constexpr int kFinishId = 0x3025;
+
+struct FRAME_BUTTON
+{
+    UINT nButton; // the bit
+    int nId;      // of its window
+    PCWSTR pszText;
+};
+
+constexpr std::array<FRAME_BUTTON, 4> kFrameButtons = {{{kBack, kBackId, L"Back"},
+                                                        {kNext, kNextId, L"Next"},
+                                                        {kFinish, kFinishId, L"Finish"},
+                                                        {kCancel, IDCANCEL, L"Cancel"}}};
 
 struct PAGE
 {

@@ -5,16 +5,15 @@
 #include <miniz.h>
 #include <wincrypt.h>
 
-#include <algorithm>
 #include <memory>
+#include <span>
 
 namespace {
 
-// Blue, green, red and a byte more for each pixel, from the top.
-std::string Copy(const RECT& rect)
+// The pixels of a picture of that size once something has drawn it. Empty when it did not.
+template<typename DRAW>
+std::vector<COLORREF> Drawn(int nWidth, int nHeight, DRAW draw)
 {
-    const int nWidth = rect.right - rect.left;
-    const int nHeight = rect.bottom - rect.top;
     if (nWidth <= 0 || nHeight <= 0) {
         return {};
     }
@@ -25,23 +24,25 @@ std::string Copy(const RECT& rect)
     if (!hBitmap) {
         return {};
     }
-    const HDC hdcScreen = GetDC(nullptr);
-    {
-        const CMemoryDc hdc(hdcScreen);
-        const CSelection selection(hdc, hBitmap.get());
-        BitBlt(hdc, 0, 0, nWidth, nHeight, hdcScreen, rect.left, rect.top, SRCCOPY);
-        GdiFlush();
+    const CMemoryDc hdc;
+    const CSelection selection(hdc, hBitmap.get());
+    if (!draw(hdc)) {
+        return {};
     }
-    ReleaseDC(nullptr, hdcScreen);
-    return {static_cast<const char*>(pPixels), static_cast<size_t>(nWidth) * static_cast<size_t>(nHeight) * 4};
+    GdiFlush();
+    std::vector<COLORREF> colors;
+    const auto* const pQuads = static_cast<const RGBQUAD*>(pPixels);
+    for (const RGBQUAD& quad : std::span(pQuads, static_cast<size_t>(nWidth) * static_cast<size_t>(nHeight))) {
+        colors.push_back(RGB(quad.rgbRed, quad.rgbGreen, quad.rgbBlue));
+    }
+    return colors;
 }
 
 std::string ToBase64(const void* p, size_t cb)
 {
     const auto cbBytes = static_cast<DWORD>(cb);
-    DWORD cch = 0;
-    CryptBinaryToStringA(static_cast<const BYTE*>(p), cbBytes, CRYPT_STRING_BASE64 | CRYPT_STRING_NOCRLF, nullptr,
-                         &cch);
+    // Four characters for three bytes, and the end.
+    DWORD cch = ((cbBytes + 2) / 3 * 4) + 1;
     std::string text(cch, '\0');
     CryptBinaryToStringA(static_cast<const BYTE*>(p), cbBytes, CRYPT_STRING_BASE64 | CRYPT_STRING_NOCRLF, text.data(),
                          &cch);
@@ -51,24 +52,41 @@ std::string ToBase64(const void* p, size_t cb)
 
 } // namespace
 
-std::string ScreenPixels(const RECT& rect)
+std::vector<COLORREF> ScreenColors(const RECT& rect)
 {
-    return Copy(rect);
+    const int nWidth = rect.right - rect.left;
+    const int nHeight = rect.bottom - rect.top;
+    return Drawn(nWidth, nHeight, [&](HDC hdc) {
+        const HDC hdcScreen = GetDC(nullptr);
+        const BOOL bCopied = BitBlt(hdc, 0, 0, nWidth, nHeight, hdcScreen, rect.left, rect.top, SRCCOPY);
+        ReleaseDC(nullptr, hdcScreen);
+        return bCopied;
+    });
+}
+
+std::vector<COLORREF> IconColors(HICON hIcon, int nSize, COLORREF ground)
+{
+    return Drawn(nSize, nSize, [&](HDC hdc) {
+        const CBrushHandle hBrush(CreateSolidBrush(ground));
+        return DrawIconEx(hdc, 0, 0, hIcon, nSize, nSize, 0, hBrush.get(), DI_NORMAL);
+    });
 }
 
 std::string TakePicture(HWND hwnd)
 {
     RECT rect = {};
     GetWindowRect(hwnd, &rect);
-    const std::string pixels = Copy(rect);
-    std::string colors;
-    colors.reserve(pixels.size() / 4 * 3);
-    for (size_t n = 0; n + 3 < pixels.size(); n += 4) {
-        colors += {pixels[n + 2], pixels[n + 1], pixels[n]};
+    std::string bytes;
+    for (const COLORREF color : ScreenColors(rect)) {
+        bytes += {static_cast<char>(GetRValue(color)), static_cast<char>(GetGValue(color)),
+                  static_cast<char>(GetBValue(color))};
+    }
+    if (bytes.empty()) {
+        return {};
     }
     size_t cb = 0;
     const std::unique_ptr<void, decltype(&mz_free)> png(
-        tdefl_write_image_to_png_file_in_memory(colors.data(), rect.right - rect.left, rect.bottom - rect.top, 3, &cb),
+        tdefl_write_image_to_png_file_in_memory(bytes.data(), rect.right - rect.left, rect.bottom - rect.top, 3, &cb),
         &mz_free);
     return png ? ToBase64(png.get(), cb) : std::string();
 }

@@ -52,29 +52,18 @@ void ReplaceWords(std::wstring& szText, const REPLACEMENT& replacement)
     }
 }
 
-// Also without the beginning of one, as the wizard proposes it.
-std::wstring WithoutAddresses(const std::wstring& szText)
-{
-    static const std::wregex s_address(LR"(\d{1,3}\.\d{1,3}\.\d{1,3}\.\d{0,3})");
-    std::wstring szClean;
-    auto rest = szText.begin();
-    for (std::wsregex_iterator match(szText.begin(), szText.end(), s_address), end; match != end; ++match) {
-        szClean.append(rest, (*match)[0].first);
-        szClean += match->str().starts_with(L"127.0.0.") ? match->str() : L"(an address)";
-        rest = (*match)[0].second;
-    }
-    return szClean.append(rest, szText.end());
-}
-
 } // namespace
 
 std::wstring WithoutNames(std::wstring_view szText)
 {
     static const std::vector<REPLACEMENT> s_replacements = Replacements();
+    // Of an address, also its beginning alone, as the wizard proposes it.
+    static const std::wregex s_address(LR"((^|[^\d.])(?!127\.0\.0\.)\d{1,3}\.\d{1,3}\.\d{1,3}\.\d{0,3})");
     static const std::wregex s_address6(LR"(\b[0-9a-fA-F]{1,4}(?::[0-9a-fA-F]{0,4}){4,7}\b)");
     std::wstring szClean(szText);
     for (const REPLACEMENT& replacement : s_replacements) {
         ReplaceWords(szClean, replacement);
     }
-    return std::regex_replace(WithoutAddresses(szClean), s_address6, L"(an address)");
+    szClean = std::regex_replace(szClean, s_address, L"$1(an address)");
+    return std::regex_replace(szClean, s_address6, L"(an address)");
 }

@@ -4,8 +4,6 @@
 
 #include <windows.h>
 
-#include <algorithm>
-#include <cctype>
 #include <cstring>
 
 namespace {
@@ -73,9 +71,7 @@ void CopyRedirected(const CPath& program, const CPath& copy, const std::string& 
     std::string replaced = other;
     replaced.resize(function.size(), '\0');
     image.m_bytes.replace(n, function.size(), replaced);
-    if (!WriteBytes(copy, image.m_bytes)) {
-        throw CLost{L"a copy of the program cannot be written"};
-    }
+    WriteBytes(copy, image.m_bytes);
 }
 
 unsigned DependentLoadFlags(const CPath& program)
@@ -105,10 +101,6 @@ std::vector<std::wstring> LinkedLibraries(const CPath& program)
             return names;
         }
         const std::string name = image.m_bytes.c_str() + image.Offset(descriptor.Name);
-        std::wstring szSmall;
-        for (const char c : name) {
-            szSmall += static_cast<wchar_t>(std::tolower(static_cast<unsigned char>(c)));
-        }
-        names.push_back(szSmall);
+        names.emplace_back(name.begin(), name.end());
     }
 }

@@ -12,5 +12,5 @@ void CopyRedirected(const CPath& program, const CPath& copy, const std::string& 
 unsigned DependentLoadFlags(const CPath& program);
 void ClearDependentLoadFlags(const CPath& program);
 
-// The libraries that the program links, in small letters.
+// The libraries that the program links.
 std::vector<std::wstring> LinkedLibraries(const CPath& program);

@@ -3,20 +3,27 @@
 #include "check/Private.h"
 #include "driver/Json.h"
 
+#include <algorithm>
 #include <format>
+#include <map>
 
 namespace {
 
-PCWSTR NameOf(ANSWER nAnswer)
+struct ANSWER_WORDS
 {
-    switch (nAnswer) {
-    case ANSWER::kHolds:
-        return L"holds";
-    case ANSWER::kDoesNotHold:
-        return L"does not hold";
-    default:
-        return L"not tried";
-    }
+    ANSWER nAnswer;
+    PCWSTR pszName;
+    PCSTR pszClass; // of its rows
+};
+
+// In the order of the page: first what has to be read.
+constexpr ANSWER_WORDS kAnswers[] = {{ANSWER::kDoesNotHold, L"does not hold", "not"},
+                                     {ANSWER::kNotTried, L"not tried", "untried"},
+                                     {ANSWER::kHolds, L"holds", "holds"}};
+
+const ANSWER_WORDS& WordsFor(ANSWER nAnswer)
+{
+    return *std::ranges::find(kAnswers, nAnswer, &ANSWER_WORDS::nAnswer);
 }
 
 // In quotes, and nothing that is nobody's business.
@@ -27,8 +34,9 @@ std::string Told(const std::wstring& szText)
 
 std::string JsonOfClaim(const CLAIM& claim, const RESULT& result)
 {
-    std::string json = std::format(R"({{"id":{},"claim":{},"how":{},"answer":{})", Quoted(claim.szId),
-                                   Quoted(claim.szSentence), Quoted(claim.szHow), Quoted(NameOf(result.nAnswer)));
+    std::string json =
+        std::format(R"({{"id":{},"claim":{},"how":{},"answer":{})", Quoted(claim.szId), Quoted(claim.szSentence),
+                    Quoted(claim.szHow), Quoted(WordsFor(result.nAnswer).pszName));
     if (result.nAnswer == ANSWER::kNotTried) {
         json += R"(,"why":)" + Told(result.szWhy);
     } else {
@@ -74,25 +82,12 @@ std::string ReportAsJson(const CAnswers& answers, const RUN& run)
 // With the characters escaped that mean something to a browser.
 std::string Html(const std::wstring& szText)
 {
+    static const std::map<char, std::string> s_entities = {
+        {'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}};
     std::string html;
     for (const char c : ToUtf8(WithoutNames(szText))) {
-        switch (c) {
-        case '&':
-            html += "&amp;";
-            break;
-        case '<':
-            html += "&lt;";
-            break;
-        case '>':
-            html += "&gt;";
-            break;
-        case '"':
-            html += "&quot;";
-            break;
-        default:
-            html += c;
-            break;
-        }
+        const auto entity = s_entities.find(c);
+        html += entity != s_entities.end() ? entity->second : std::string(1, c);
     }
     return html;
 }
@@ -100,18 +95,19 @@ std::string Html(const std::wstring& szText)
 constexpr std::string_view kHead = R"(<!DOCTYPE html>
 <html lang="en"><head><meta charset="utf-8"><title>KALVO Windows check</title><style>
 body { font: 15px/1.4 "Segoe UI", sans-serif; margin: 2em auto; max-width: 1100px; padding: 0 1em; color: #222 }
-table { border-collapse: collapse; width: 100% } td, th { border-bottom: 1px solid #ddd; padding: .3em .5em; text-align: left; vertical-align: top }
-td:first-child { white-space: nowrap; font-family: Consolas, monospace } .answer { white-space: nowrap; font-weight: 600 }
-.holds .answer { color: #17692b } .not { background: #fdecea } .not .answer { color: #a4161a } .untried .answer { color: #7a5b00 }
-.small { color: #666; font-size: 13px } figure { display: inline-block; margin: 1em 1em 0 0 } img { max-width: 100%; border: 1px solid #ccc } pre { overflow: auto; background: #f6f6f6; padding: 1em }
+table { border-collapse: collapse; width: 100% }
+td, th { border-bottom: 1px solid #ddd; padding: .3em .5em; text-align: left; vertical-align: top }
+td:first-child { white-space: nowrap; font-family: Consolas, monospace }
+.answer { white-space: nowrap; font-weight: 600 } .holds .answer { color: #17692b } .not { background: #fdecea }
+.not .answer { color: #a4161a } .untried .answer { color: #7a5b00 } .small { color: #666; font-size: 13px }
+figure { display: inline-block; margin: 1em 1em 0 0 } img { max-width: 100%; border: 1px solid #ccc }
+pre { overflow: auto; background: #f6f6f6; padding: 1em }
 </style></head><body><h1>KALVO Windows check</h1>
 )";
 
 std::string HtmlOfClaim(const CLAIM& claim, const RESULT& result)
 {
-    const char* pszClass = result.nAnswer == ANSWER::kHolds         ? "holds"
-                           : result.nAnswer == ANSWER::kDoesNotHold ? "not"
-                                                                    : "untried";
+    const ANSWER_WORDS& words = WordsFor(result.nAnswer);
     std::string more;
     if (result.nAnswer == ANSWER::kNotTried) {
         more = "<br>" + Html(result.szWhy);
@@ -120,17 +116,16 @@ std::string HtmlOfClaim(const CLAIM& claim, const RESULT& result)
     }
     return std::format("<tr class=\"{}\"><td>{}</td><td>{} <span class=\"small\">({})</span>{}</td>"
                        "<td class=\"answer\">{}</td></tr>\n",
-                       pszClass, Html(claim.szId), Html(claim.szSentence), Html(claim.szHow), more,
-                       Html(NameOf(result.nAnswer)));
+                       words.pszClass, Html(claim.szId), Html(claim.szSentence), Html(claim.szHow), more,
+                       Html(words.pszName));
 }
 
-// First what does not hold, then what was not tried.
 std::string HtmlOfClaims(const CAnswers& answers)
 {
     std::string rows;
-    for (const ANSWER nAnswer : {ANSWER::kDoesNotHold, ANSWER::kNotTried, ANSWER::kHolds}) {
+    for (const ANSWER_WORDS& words : kAnswers) {
         for (const CLAIM& claim : AllClaims()) {
-            if (answers.Of(claim.szId).nAnswer == nAnswer) {
+            if (answers.Of(claim.szId).nAnswer == words.nAnswer) {
                 rows += HtmlOfClaim(claim, answers.Of(claim.szId));
             }
         }
@@ -172,8 +167,8 @@ std::string ReportAsHtml(const CAnswers& answers, const RUN& run)
 
 } // namespace
 
-bool WriteReport(const CPath& folder, const CAnswers& answers, const RUN& run)
+void WriteReport(const CPath& folder, const CAnswers& answers, const RUN& run)
 {
-    return WriteBytes(folder / L"report.json", ReportAsJson(answers, run)) &&
-           WriteBytes(folder / L"report.html", ReportAsHtml(answers, run));
+    WriteBytes(folder / L"report.json", ReportAsJson(answers, run));
+    WriteBytes(folder / L"report.html", ReportAsHtml(answers, run));
 }

@@ -1,12 +1,18 @@
 #include "check/Sight.h"
 
+#include "check/Stopping.h"
+#include "check/Text.h"
 #include "driver/Reading.h"
 
 #include <commctrl.h>
 #include <oleacc.h>
+#include <wrl/client.h>
 
 #include <algorithm>
 #include <format>
+#include <ranges>
+
+using Microsoft::WRL::ComPtr;
 
 namespace {
 
@@ -52,6 +58,20 @@ const PAGE* PageIn(const TREE& tree)
     return nullptr;
 }
 
+// A button of the frame whose id is none that we know is known by its text.
+void NameButtons(SIGHT& sight)
+{
+    for (PART& part : sight.frame.parts) {
+        if (part.IsKind(WC_BUTTONW) && !IsChild(sight.hwndPage, part.hwnd) &&
+            std::ranges::find(kFrameButtons, part.nId, &FRAME_BUTTON::nId) == kFrameButtons.end()) {
+            std::wstring szText = part.szText;
+            std::erase(szText, L'&');
+            const auto* const pFound = std::ranges::find(kFrameButtons, szText, &FRAME_BUTTON::pszText);
+            part.nId = pFound != kFrameButtons.end() ? pFound->nId : part.nId;
+        }
+    }
+}
+
 void Recognise(SIGHT& sight, TREE tree)
 {
     const PAGE* const pPage = PageIn(tree);
@@ -60,6 +80,7 @@ void Recognise(SIGHT& sight, TREE tree)
         const auto body = std::ranges::find(tree.parts, pPage->nBodyId, &PART::nId);
         sight.hwndPage = GetParent(body->hwnd);
         sight.frame = std::move(tree);
+        NameButtons(sight);
     } else if (IsMessageBox(tree)) {
         sight.boxes.push_back(std::move(tree));
     } else {
@@ -70,7 +91,7 @@ void Recognise(SIGHT& sight, TREE tree)
 struct SEARCH
 {
     DWORD dwProcess;
-    SIGHT sight;
+    std::vector<HWND> found;
 };
 
 BOOL CALLBACK AddWindow(HWND hwnd, LPARAM lParam)
@@ -79,45 +100,63 @@ BOOL CALLBACK AddWindow(HWND hwnd, LPARAM lParam)
     DWORD dwProcess = 0;
     GetWindowThreadProcessId(hwnd, &dwProcess);
     if (dwProcess == search.dwProcess && IsWindowVisible(hwnd)) {
-        Recognise(search.sight, TreeOf(hwnd));
+        search.found.push_back(hwnd);
     }
     return TRUE;
 }
 
-// Deep enough for any frame; a guard against programs whose tree has no end.
-constexpr int kDeepest = 12;
+// More than any frame has; a guard against programs whose tree has no end.
+constexpr size_t kMostElements = 1000;
 
-bool SaysAccessibly(IAccessible* pElement, const std::wstring& szName, int nDepth)
+// For screen readers.
+bool IsNamed(IAccessible* pElement, VARIANT self, const std::wstring& szName)
+{
+    BSTR bstrName = nullptr;
+    const bool bNamed = pElement->get_accName(self, &bstrName) == S_OK && bstrName != nullptr && szName == bstrName;
+    SysFreeString(bstrName);
+    return bNamed;
+}
+
+// Whether anything inside an element has that name; adds those elements that may have more inside.
+bool SaysInside(IAccessible* pElement, const std::wstring& szName, std::vector<ComPtr<IAccessible>>& elements)
 {
     long nChildren = 0;
-    if (pElement == nullptr || nDepth > kDeepest || FAILED(pElement->get_accChildCount(&nChildren)) || nChildren <= 0) {
-        return false;
-    }
-    std::vector<VARIANT> children(static_cast<size_t>(nChildren));
+    pElement->get_accChildCount(&nChildren);
+    std::vector<VARIANT> children(static_cast<size_t>(std::max(nChildren, 0L)));
     long nObtained = 0;
     AccessibleChildren(pElement, 0, nChildren, children.data(), &nObtained);
-    bool bFound = false;
+    bool bSays = false;
     for (VARIANT& child : children) {
-        VARIANT self = {};
-        self.vt = VT_I4;
-        IAccessible* pChild = nullptr;
-        if (child.vt == VT_DISPATCH && child.pdispVal != nullptr) {
-            child.pdispVal->QueryInterface(__uuidof(IAccessible), reinterpret_cast<void**>(&pChild));
+        ComPtr<IAccessible> pChild;
+        if (child.vt == VT_DISPATCH && child.pdispVal != nullptr &&
+            SUCCEEDED(child.pdispVal->QueryInterface(IID_PPV_ARGS(&pChild)))) {
+            VARIANT self = {};
+            self.vt = VT_I4;
+            bSays = bSays || IsNamed(pChild.Get(), self, szName);
+            elements.push_back(pChild);
         } else if (child.vt == VT_I4) {
-            self.lVal = child.lVal;
-        }
-        BSTR bstrName = nullptr;
-        IAccessible* const pAsked = pChild != nullptr ? pChild : pElement;
-        bFound = bFound ||
-                 (pAsked->get_accName(self, &bstrName) == S_OK && bstrName != nullptr && szName == bstrName) ||
-                 (pChild != nullptr && SaysAccessibly(pChild, szName, nDepth + 1));
-        SysFreeString(bstrName);
-        if (pChild != nullptr) {
-            pChild->Release();
+            bSays = bSays || IsNamed(pElement, child, szName);
         }
         VariantClear(&child);
     }
-    return bFound;
+    return bSays;
+}
+
+template<typename WANTED>
+std::vector<const PART*> Where(const std::vector<PART>& parts, WANTED wanted)
+{
+    std::vector<const PART*> found;
+    for (const PART& part : parts) {
+        if (wanted(part)) {
+            found.push_back(&part);
+        }
+    }
+    return found;
+}
+
+const PART* FirstOf(const std::vector<const PART*>& parts)
+{
+    return parts.empty() ? nullptr : parts.front();
 }
 
 } // namespace
@@ -133,30 +172,35 @@ bool PART::IsPushButton() const
     return IsKind(WC_BUTTONW) && (nKind == BS_PUSHBUTTON || nKind == BS_DEFPUSHBUTTON);
 }
 
-bool PART::IsDefaultButton() const
-{
-    return IsKind(WC_BUTTONW) && (nStyle & BS_TYPEMASK) == BS_DEFPUSHBUTTON;
-}
-
 const PART* SIGHT::Control(int nId) const
 {
-    const auto found = std::ranges::find_if(
-        frame.parts, [&](const PART& part) { return part.nId == nId && IsChild(hwndPage, part.hwnd); });
-    return found == frame.parts.end() ? nullptr : &*found;
+    return FirstOf(
+        Where(frame.parts, [&](const PART& part) { return part.nId == nId && IsChild(hwndPage, part.hwnd); }));
+}
+
+const PART& SIGHT::Existing(int nId) const
+{
+    const PART* const pControl = Control(nId);
+    if (pControl == nullptr) {
+        throw CLost{std::format(L"there is no control {} on page {}", nId, Number())};
+    }
+    return *pControl;
 }
 
 const PART* SIGHT::FrameButton(int nId) const
 {
-    const auto found = std::ranges::find_if(frame.parts, [&](const PART& part) {
+    return FirstOf(Where(frame.parts, [&](const PART& part) {
         return part.nId == nId && part.bVisible && part.IsKind(WC_BUTTONW) && !IsChild(hwndPage, part.hwnd);
-    });
-    return found == frame.parts.end() ? nullptr : &*found;
+    }));
 }
 
 UINT SIGHT::Buttons() const
 {
-    return (FrameButton(kBackId) ? kBack : 0u) | (FrameButton(kNextId) ? kNext : 0u) |
-           (FrameButton(kFinishId) ? kFinish : 0u) | (FrameButton(IDCANCEL) ? kCancel : 0u);
+    UINT nButtons = 0;
+    for (const FRAME_BUTTON& button : kFrameButtons) {
+        nButtons |= FrameButton(button.nId) != nullptr ? button.nButton : 0;
+    }
+    return nButtons;
 }
 
 std::wstring SIGHT::Status() const
@@ -176,38 +220,24 @@ int SIGHT::FocusId() const
     return 0;
 }
 
-std::vector<int> SIGHT::DefaultButtons() const
+std::vector<const PART*> SIGHT::DefaultButtons() const
 {
-    std::vector<int> ids;
-    for (const PART& part : frame.parts) {
-        if (part.bVisible && part.IsDefaultButton()) {
-            ids.push_back(part.nId);
-        }
-    }
-    return ids;
+    return Where(frame.parts, [](const PART& part) {
+        return part.bVisible && part.IsKind(WC_BUTTONW) && (part.nStyle & BS_TYPEMASK) == BS_DEFPUSHBUTTON;
+    });
 }
 
 std::vector<const PART*> SIGHT::PageParts() const
 {
-    std::vector<const PART*> parts;
-    for (const PART& part : frame.parts) {
-        if (part.bVisible && GetParent(part.hwnd) == hwndPage) {
-            parts.push_back(&part);
-        }
-    }
-    return parts;
+    return Where(frame.parts, [&](const PART& part) { return part.bVisible && GetParent(part.hwnd) == hwndPage; });
 }
 
 std::vector<const PART*> SIGHT::FrameParts() const
 {
-    std::vector<const PART*> parts;
-    for (const PART& part : frame.parts) {
-        if (part.bVisible && part.hwnd != hwndPage && !IsChild(hwndPage, part.hwnd) &&
-            (part.IsKind(WC_STATICW) || part.IsKind(WC_BUTTONW))) {
-            parts.push_back(&part);
-        }
-    }
-    return parts;
+    return Where(frame.parts, [&](const PART& part) {
+        return part.bVisible && part.hwnd != hwndPage && !IsChild(hwndPage, part.hwnd) &&
+               (part.IsKind(WC_STATICW) || part.IsKind(WC_BUTTONW));
+    });
 }
 
 TREE TreeOf(HWND hwnd)
@@ -217,44 +247,57 @@ TREE TreeOf(HWND hwnd)
     return tree;
 }
 
-SIGHT LookAt(DWORD dwProcess)
+std::vector<HWND> WindowsOf(DWORD dwProcess)
 {
     SEARCH search = {dwProcess, {}};
     EnumWindows(AddWindow, reinterpret_cast<LPARAM>(&search));
+    return std::move(search.found);
+}
+
+SIGHT LookAt(DWORD dwProcess)
+{
+    SIGHT sight;
+    for (const HWND hwnd : WindowsOf(dwProcess)) {
+        Recognise(sight, TreeOf(hwnd));
+    }
     // The thread that has the keyboard; zero names it.
     GUITHREADINFO thread = {};
     thread.cbSize = sizeof thread;
     GetGUIThreadInfo(0, &thread);
-    search.sight.hwndFocus = thread.hwndFocus;
-    search.sight.hwndCaret = thread.hwndCaret;
-    search.sight.hwndForeground = GetForegroundWindow();
-    return std::move(search.sight);
+    sight.hwndFocus = thread.hwndFocus;
+    sight.hwndCaret = thread.hwndCaret;
+    sight.hwndForeground = GetForegroundWindow();
+    return sight;
 }
 
-std::wstring MessageOf(const TREE& box)
+std::wstring WordsOf(const TREE& box)
 {
-    std::wstring szMessage;
-    for (const PART& part : box.parts) {
-        if (part.bVisible && part.IsKind(WC_STATICW) && !part.szText.empty()) {
-            szMessage += (szMessage.empty() ? L"" : L"\n") + part.szText;
-        }
-    }
-    return szMessage;
+    const auto IsText = [](const PART& part) {
+        return part.bVisible && part.IsKind(WC_STATICW) && !part.szText.empty();
+    };
+    return box.window.szText + L": " +
+           Joined(box.parts | std::views::filter(IsText), L"\n", L"no words", &PART::szText);
+}
+
+std::vector<PART> FieldsOf(const PART& address)
+{
+    std::vector<PART> fields = TreeOf(address.hwnd).parts;
+    std::ranges::sort(fields, {}, [](const PART& field) { return field.rect.left; });
+    return fields;
 }
 
 std::wstring HoldsText(const PART& control)
 {
+    const auto Text = [](const PART& edit) { return ReadText(edit.hwnd).value_or(L"(busy)"); };
     if (!control.IsKind(WC_IPADDRESSW)) {
-        return ReadText(control.hwnd).value_or(L"(busy)");
+        return Text(control);
     }
-    TREE address = TreeOf(control.hwnd);
-    std::ranges::sort(address.parts, {}, [](const PART& field) { return field.rect.left; });
+    // An empty field stands between two dots.
     std::wstring szText;
-    for (const PART& field : address.parts) {
-        szText +=
-            (szText.empty() && &field == address.parts.data() ? L"" : L".") + ReadText(field.hwnd).value_or(L"(busy)");
+    for (const PART& field : FieldsOf(control)) {
+        szText += L"." + Text(field);
     }
-    return szText;
+    return szText.substr(szText.empty() ? 0 : 1);
 }
 
 bool IsTicked(const PART& control)
@@ -268,14 +311,18 @@ bool SaysOfItself(HWND hwnd, const std::wstring& szName)
     if (std::ranges::any_of(tree.parts, [&](const PART& part) { return part.bVisible && part.szText == szName; })) {
         return true;
     }
-    IAccessible* pWindow = nullptr;
-    if (FAILED(AccessibleObjectFromWindow(hwnd, static_cast<DWORD>(OBJID_CLIENT), __uuidof(IAccessible),
-                                          reinterpret_cast<void**>(&pWindow)))) {
+    ComPtr<IAccessible> pWindow;
+    if (FAILED(AccessibleObjectFromWindow(hwnd, static_cast<DWORD>(OBJID_CLIENT), IID_PPV_ARGS(&pWindow)))) {
         return false;
     }
-    const bool bSays = SaysAccessibly(pWindow, szName, 0);
-    pWindow->Release();
-    return bSays;
+    std::vector<ComPtr<IAccessible>> elements = {pWindow};
+    for (size_t n = 0; n < std::min(elements.size(), kMostElements); ++n) {
+        const ComPtr<IAccessible> pElement = elements[n];
+        if (SaysInside(pElement.Get(), szName, elements)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 std::wstring Describe(const TREE& tree)

@@ -13,15 +13,14 @@ struct PART
     HWND hwnd;
     std::wstring szClass;
     std::wstring szText; // as the system keeps it: not what an edit holds
-    int nId;
-    RECT rect; // pixels of the screen
+    int nId;             // of a button of the frame: as in Pages.h, whatever the system calls it
+    RECT rect;           // pixels of the screen
     LONG nStyle;
     bool bVisible;
     bool bEnabled;
 
     bool IsKind(PCWSTR pszClass) const;
     bool IsPushButton() const;
-    bool IsDefaultButton() const;
 };
 
 // A window and all that is in it.
@@ -47,13 +46,14 @@ struct SIGHT
         return pPage != nullptr ? pPage->nNumber : 0;
     }
     const PART* Control(int nId) const;     // of the page
+    const PART& Existing(int nId) const;    // the same; throws CLost where there is none
     const PART* FrameButton(int nId) const; // when it is to be seen
     UINT Buttons() const;
     std::wstring Status() const;
     // The id of what has the keyboard; a field of an address counts as the address.
     int FocusId() const;
-    // The ids of the buttons that are drawn as the one that Enter presses.
-    std::vector<int> DefaultButtons() const;
+    // The buttons that are drawn as the one that Enter presses.
+    std::vector<const PART*> DefaultButtons() const;
     // The dialogs' controls that are to be seen, and what of the frame is.
     std::vector<const PART*> PageParts() const;
     std::vector<const PART*> FrameParts() const;
@@ -61,10 +61,16 @@ struct SIGHT
 
 TREE TreeOf(HWND hwnd);
 
+// The windows of a process that are to be seen, from top to bottom.
+std::vector<HWND> WindowsOf(DWORD dwProcess);
+
 SIGHT LookAt(DWORD dwProcess);
 
-// What a message box says.
-std::wstring MessageOf(const TREE& box);
+// What a message box says, "caption: text".
+std::wstring WordsOf(const TREE& box);
+
+// Those of an address, from left to right.
+std::vector<PART> FieldsOf(const PART& address);
 
 // What an edit, or an address as far as it is filled in, holds.
 std::wstring HoldsText(const PART& control);

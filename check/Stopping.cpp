@@ -18,11 +18,6 @@ void Stop()
     SetEvent(StopEvent());
 }
 
-bool IsStopped()
-{
-    return WaitForSingleObject(StopEvent(), 0) == WAIT_OBJECT_0;
-}
-
 CUnstoppable::CUnstoppable()
 {
     ++t_nUnstoppable;

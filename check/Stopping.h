@@ -19,8 +19,6 @@ struct CLost
 // From any thread: lets every wait end.
 void Stop();
 
-bool IsStopped();
-
 // In the scope of one, waits go on although the user has cancelled: for what tidies up.
 class CUnstoppable
 {

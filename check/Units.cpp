@@ -2,6 +2,7 @@
 #include "check/Check.h"
 #include "check/Command.h"
 #include "check/Stopping.h"
+#include "check/Text.h"
 #include "kit/Request.h"
 
 #include <format>
@@ -10,47 +11,58 @@ namespace {
 
 constexpr PCWSTR kPrograms[] = {L"adb", L"adb-load", L"app", L"atl", L"kit", L"net", L"res", L"tools", L"wizard"};
 
-constexpr DWORD kLongest = 120000;
+constexpr DWORD kLongestProgram = 120000;
 
 // GoogleTest's lines: "[       OK ] Suite.Case (3 ms)".
 constexpr std::string_view kPassed = "[       OK ] ";
 constexpr std::string_view kFailed = "[  FAILED  ] ";
 
-// What the program said of its cases; true when all passed and it came to its end.
-bool TakeCases(CAnswers& answers, const std::wstring& szProgram, const PRINTED& printed, std::wstring& szSeen)
+// What a program said.
+struct TOLD
 {
-    size_t nPassed = 0;
+    std::vector<UNIT_CASE> cases;
+    std::vector<std::wstring> failed; // their names
+    std::string words;                // of those that failed, for whoever has to understand it
     bool bEnded = false;
-    std::wstring szFailed;
-    for (const std::string& line : LinesOf(printed.text)) {
+};
+
+TOLD Read(const std::wstring& szProgram, const std::string& text)
+{
+    TOLD told;
+    std::string words;
+    for (const std::string& line : LinesOf(text)) {
+        const bool bBegins = line.starts_with("[ RUN      ] ");
+        words = (bBegins ? "" : words) + line + "\n";
+        told.bEnded = !bBegins && (told.bEnded || line.starts_with("[==========] "));
         const bool bPassed = line.starts_with(kPassed);
         // At the end those that failed are listed again, without a time.
         if ((bPassed || line.starts_with(kFailed)) && line.ends_with(" ms)")) {
             const std::wstring szCase = FromUtf8(line.substr(kPassed.size(), line.rfind(" (") - kPassed.size()));
-            answers.m_cases.push_back({szProgram, szCase, bPassed});
-            nPassed += bPassed ? 1 : 0;
-            szFailed += bPassed ? L"" : L" " + szCase;
+            told.cases.push_back({szProgram, szCase, bPassed});
+            if (!bPassed) {
+                told.failed.push_back(szCase);
+                told.words += words;
+            }
         }
-        bEnded = bEnded || line.starts_with("[==========] ");
-        bEnded = bEnded && !line.starts_with("[ RUN      ] ");
     }
-    szSeen = std::format(L"{} cases passed{}{}, exit code {}", nPassed, szFailed.empty() ? L"" : L", not" + szFailed,
-                         bEnded ? L"" : L", it did not come to its end", printed.dwExitCode);
-    return bEnded && szFailed.empty() && nPassed > 0 && printed.dwExitCode == 0;
+    return told;
 }
 
-// What a failing case says, for whoever has to understand it.
-void KeepWords(CAnswers& answers, const std::wstring& szProgram, const std::string& text)
+// All cases passed, and it came to its end.
+void LookAtProgram(CAnswers& answers, const std::wstring& szName, const std::wstring& szProgram, const PRINTED& printed)
 {
-    constexpr size_t kMost = 20000;
-    std::string words;
-    std::string since;
-    for (const std::string& line : LinesOf(text)) {
-        since = line.starts_with("[ RUN      ] ") ? line + "\n" : since + line + "\n";
-        words += line.starts_with(kFailed) && line.ends_with(" ms)") ? since : "";
+    constexpr size_t kMostWords = 20000;
+    const TOLD told = Read(szProgram, printed.text);
+    const bool bHolds = told.bEnded && told.failed.empty() && !told.cases.empty() && printed.dwExitCode == 0;
+    answers.m_cases.insert(answers.m_cases.end(), told.cases.begin(), told.cases.end());
+    answers.Tell(L"unit." + szName, bHolds, L"all cases pass",
+                 std::format(L"of {} cases fail: {}{}, exit code {}", told.cases.size(),
+                             Joined(told.failed, L" ", L"none"), told.bEnded ? L"" : L", it did not come to its end",
+                             printed.dwExitCode));
+    if (!bHolds) {
+        const std::string& words = told.words.empty() ? printed.text : told.words;
+        answers.m_notes.push_back(szProgram + L":\n" + FromUtf8(words.substr(0, kMostWords)));
     }
-    answers.m_notes.push_back(szProgram + L":\n" +
-                              FromUtf8(words.empty() ? text.substr(0, kMost) : words.substr(0, kMost)));
 }
 
 } // namespace
@@ -63,13 +75,8 @@ void CheckUnits(CHECK& check)
         const std::wstring szProgram = L"unit-" + szName;
         const CPath file = PartsFolder() / (szProgram + L".exe");
         try {
-            const PRINTED printed = RunCommand(L"\"" + file.wstring() + L"\" --gtest_color=no", kLongest);
-            std::wstring szSeen;
-            const bool bHolds = TakeCases(check.answers, szProgram, printed, szSeen);
-            check.answers.Tell(L"unit." + szName, bHolds, L"all cases pass", szSeen);
-            if (!bHolds) {
-                KeepWords(check.answers, szProgram, printed.text);
-            }
+            LookAtProgram(check.answers, szName, szProgram,
+                          RunCommand(InQuotes(file) + L" --gtest_color=no", kLongestProgram));
         } catch (const CLost& lost) {
             check.answers.NotTried(L"unit." + szName, lost.szWhy);
         }

@@ -2,11 +2,14 @@
 
 #include "check/Hands.h"
 #include "check/Stopping.h"
+#include "check/Text.h"
 #include "driver/Reading.h"
 
 #include <commctrl.h>
 
 #include <algorithm>
+#include <format>
+#include <ranges>
 
 namespace {
 
@@ -15,6 +18,12 @@ constexpr DWORD kRest = 150;
 
 // Longer than it takes a busy machine to start the program and write its tools.
 constexpr DWORD kStart = 40000;
+
+// What follows a key or a click at once.
+constexpr DWORD kSoon = 3000;
+
+// Two pages ask the network before they let the user go on.
+constexpr DWORD kLongestStep = 60000;
 
 std::wstring Glance(const SIGHT& sight)
 {
@@ -25,11 +34,26 @@ std::wstring Glance(const SIGHT& sight)
     return szGlance;
 }
 
+// Null where there is none.
+const TREE* FileDialogIn(const SIGHT& sight)
+{
+    const auto found =
+        std::ranges::find_if(sight.others, [](const TREE& tree) { return tree.window.IsKind(L"#32770"); });
+    return found != sight.others.end() ? &*found : nullptr;
+}
+
 } // namespace
 
 CWalk::CWalk(CHECK& check) : CWalk(check, check.program) {}
 
-CWalk::CWalk(CHECK& check, const CPath& program) : m_check(check), m_program(check.surroundings, program)
+CWalk::CWalk(CHECK& check, const CPath& program, COMES nComes) : m_check(check), m_program(check.szThrough, program)
+{
+    if (nComes == kWizard) {
+        WaitForStart();
+    }
+}
+
+void CWalk::WaitForStart() const
 {
     WaitForPage(1, kStart);
 }
@@ -43,12 +67,9 @@ SIGHT CWalk::WaitUntil(const std::wstring& szWhat, const std::function<bool(cons
         return seen(sight) || m_program.HasEnded();
     });
     if (!bSeen || !seen(sight)) {
-        std::wstring szBoxes;
-        for (const TREE& box : sight.boxes) {
-            szBoxes += L", the box \"" + box.window.szText + L"\": " + MessageOf(box);
-        }
-        throw CLost{szWhat + L" did not come; there is page " + std::to_wstring(sight.Number()) + szBoxes +
-                    (m_program.HasEnded() ? L", the program has ended" : L"")};
+        throw CLost{std::format(L"{} did not come; there is page {}, {}{}", szWhat, sight.Number(),
+                                Joined(sight.boxes, L" | ", L"no box", WordsOf),
+                                m_program.HasEnded() ? L", the program has ended" : L"")};
     }
     return sight;
 }
@@ -56,10 +77,10 @@ SIGHT CWalk::WaitUntil(const std::wstring& szWhat, const std::function<bool(cons
 SIGHT CWalk::WaitForPage(int nPage, DWORD dwMilliseconds) const
 {
     const auto IsThere = [nPage](const SIGHT& sight) { return sight.Number() == nPage && sight.boxes.empty(); };
-    WaitUntil(L"page " + std::to_wstring(nPage), IsThere, dwMilliseconds);
+    WaitUntil(std::format(L"page {}", nPage), IsThere, dwMilliseconds);
     SIGHT sight = Rest();
     if (!IsThere(sight)) {
-        throw CLost{L"page " + std::to_wstring(nPage) + L" did not stay"};
+        throw CLost{std::format(L"page {} did not stay", nPage)};
     }
     return sight;
 }
@@ -71,7 +92,9 @@ TREE CWalk::WaitForBox(DWORD dwMilliseconds) const
     if (sight.boxes.empty()) {
         throw CLost{L"a message box did not stay"};
     }
-    return sight.boxes.front();
+    const TREE& box = sight.boxes.front();
+    m_check.answers.Expect(L"box.texts", L"nothing", CutTexts(box), box.window.hwnd);
+    return box;
 }
 
 SIGHT CWalk::Rest() const
@@ -103,17 +126,11 @@ void CWalk::Type(const std::wstring& szText) const
     ::Type(m_program.Process(), szText);
 }
 
-void CWalk::ClickControl(int nId, int nTimes) const
+void CWalk::ClickControl(int nId) const
 {
     const SIGHT sight = Look();
-    const PART* pPart = sight.Control(nId);
-    if (pPart == nullptr) {
-        pPart = sight.FrameButton(nId);
-    }
-    if (pPart == nullptr) {
-        throw CLost{L"there is no control " + std::to_wstring(nId) + L" on page " + std::to_wstring(sight.Number())};
-    }
-    Click(pPart->rect, nTimes);
+    const PART* const pButton = sight.FrameButton(nId);
+    Click(pButton != nullptr ? pButton->rect : sight.Existing(nId).rect);
 }
 
 void CWalk::Empty(int nId) const
@@ -121,14 +138,13 @@ void CWalk::Empty(int nId) const
     ClickControl(nId);
     if (!WaitFor(2000, [&] { return Look().FocusId() == nId; })) {
         const SIGHT sight = Look();
-        throw CLost{L"a click does not give control " + std::to_wstring(nId) + L" the keyboard, " +
-                    std::to_wstring(sight.FocusId()) + L" has it, with " + std::to_wstring(sight.boxes.size()) +
-                    L" boxes"};
+        throw CLost{std::format(L"a click does not give control {} the keyboard, {} has it, with {} boxes", nId,
+                                sight.FocusId(), sight.boxes.size())};
     }
     Press(L'A', VK_CONTROL);
     Press(VK_BACK);
     if (!Holds(nId, L"")) {
-        throw CLost{L"control " + std::to_wstring(nId) + L" does not get empty"};
+        throw CLost{std::format(L"control {} does not get empty", nId)};
     }
 }
 
@@ -137,50 +153,54 @@ void CWalk::Enter(int nId, const std::wstring& szText) const
     Empty(nId);
     Type(szText);
     if (!Holds(nId, szText)) {
-        throw CLost{L"control " + std::to_wstring(nId) + L" does not take " + szText};
+        throw CLost{std::format(L"control {} does not take {}", nId, szText)};
+    }
+}
+
+std::vector<PART> CWalk::AddressFields() const
+{
+    std::vector<PART> fields = FieldsOf(Rest().Existing(IDC_WATCH_ADDRESS));
+    if (fields.size() != 4) {
+        throw CLost{std::format(L"the address has {} fields", fields.size())};
+    }
+    return fields;
+}
+
+void CWalk::EmptyField(const PART& field) const
+{
+    Click(field.rect);
+    if (!WaitFor(2000, [&] { return Look().hwndFocus == field.hwnd; })) {
+        throw CLost{L"a click does not give a field of the address the keyboard"};
+    }
+    Press(VK_END);
+    for (int n = 0; n < 3 && !HoldsText(field).empty(); ++n) {
+        Press(VK_BACK);
+        Pause(30);
     }
 }
 
 void CWalk::EnterAddress(const std::wstring& szAddress) const
 {
-    const SIGHT sight = Look();
-    const PART* const pAddress = sight.Control(IDC_WATCH_ADDRESS);
-    if (pAddress == nullptr) {
-        throw CLost{L"there is no address field"};
-    }
-    TREE address = TreeOf(pAddress->hwnd);
-    std::ranges::sort(address.parts, {}, [](const PART& field) { return field.rect.left; });
-    size_t nStart = 0;
-    for (const PART& field : address.parts) {
-        const size_t nEnd = std::min(szAddress.find(L'.', nStart), szAddress.size());
-        Click(field.rect);
-        if (!WaitFor(2000, [&] { return Look().hwndFocus == field.hwnd; })) {
-            throw CLost{L"a click does not give a field of the address the keyboard"};
-        }
-        Press(VK_END);
-        for (int n = 0; n < 3; ++n) {
-            if (!ReadText(field.hwnd).value_or(L"").empty()) {
-                Press(VK_BACK);
-                Pause(30);
-            }
-        }
-        Type(szAddress.substr(nStart, nEnd - nStart));
-        nStart = nEnd + 1;
+    const std::vector<PART> fields = AddressFields();
+    auto field = fields.begin();
+    for (const auto number : szAddress | std::views::split(L'.')) {
+        EmptyField(*field++);
+        Type({number.begin(), number.end()});
     }
     if (!Holds(IDC_WATCH_ADDRESS, szAddress)) {
         throw CLost{L"the address field does not take " + szAddress};
     }
 }
 
-bool CWalk::HasButtons(UINT nButtons, DWORD dwMilliseconds) const
+bool CWalk::HasButtons(UINT nButtons) const
 {
-    return WaitFor(dwMilliseconds, [&] { return Look().Buttons() == nButtons; }) && Rest().Buttons() == nButtons;
+    return WaitFor(kSoon, [&] { return Look().Buttons() == nButtons; }) && Rest().Buttons() == nButtons;
 }
 
-bool CWalk::Holds(int nId, const std::wstring& szText, DWORD dwMilliseconds) const
+bool CWalk::Holds(int nId, const std::wstring& szText) const
 {
     const std::wstring szExpected = nId == IDC_WATCH_ADDRESS && szText.empty() ? L"..." : szText;
-    return WaitFor(dwMilliseconds, [&] { return TextOf(nId) == szExpected; });
+    return WaitFor(kSoon, [&] { return TextOf(nId) == szExpected; });
 }
 
 std::wstring CWalk::TextOf(int nId) const
@@ -205,27 +225,23 @@ void CWalk::Dismiss(const TREE& box) const
 void CWalk::Tick(bool bTicked) const
 {
     const SIGHT sight = Look();
-    const int nBoxId = sight.pPage != nullptr ? sight.pPage->nBoxId : 0;
-    const PART* const pBox = sight.Control(nBoxId);
-    if (pBox == nullptr) {
-        throw CLost{L"there is no box to tick on page " + std::to_wstring(sight.Number())};
-    }
-    const auto IsDone = [&] { return IsTicked(*pBox) == bTicked; };
+    const PART box = sight.Existing(sight.pPage != nullptr ? sight.pPage->nBoxId : 0);
+    const auto IsDone = [&] { return IsTicked(box) == bTicked; };
     if (IsDone()) {
         return;
     }
-    if (sight.FocusId() == nBoxId) {
+    if (sight.FocusId() == box.nId) {
         Press(VK_SPACE);
     }
     if (!WaitFor(1000, IsDone)) {
-        Click(pBox->rect);
+        Click(box.rect);
     }
-    if (!WaitFor(2000, IsDone)) {
-        throw CLost{L"the box of page " + std::to_wstring(sight.Number()) + L" cannot be ticked"};
+    if (!WaitFor(kSoon, IsDone)) {
+        throw CLost{std::format(L"the box of page {} cannot be ticked", sight.Number())};
     }
 }
 
-SIGHT CWalk::GoOn(DWORD dwMilliseconds) const
+SIGHT CWalk::GoOn() const
 {
     const int nPage = Look().Number();
     const auto HasMoved = [&] {
@@ -238,12 +254,12 @@ SIGHT CWalk::GoOn(DWORD dwMilliseconds) const
     const SIGHT sight = Look();
     const bool bOtherBox = sight.Number() == nPage && sight.pPage->nStatusId == 0 && !sight.boxes.empty();
     if (bOtherBox) {
-        Dismiss(sight.boxes.front());
+        Dismiss(WaitForBox());
     }
     if (!bMoved || bOtherBox) {
         PressButton(PSBTN_NEXT);
     }
-    return WaitForPage(nPage + 1, dwMilliseconds);
+    return WaitForPage(nPage + 1, kLongestStep);
 }
 
 void CWalk::GoTo(int nPage, const std::wstring& szPort) const
@@ -255,7 +271,15 @@ void CWalk::GoTo(int nPage, const std::wstring& szPort) const
         } else if (sight.pPage->nBoxId != 0) {
             Tick();
         }
-        HasButtons(sight.pPage->nFilled, 1000);
+        HasButtons(sight.pPage->nFilled);
+    }
+}
+
+void CWalk::GoBackTo(int nPage) const
+{
+    for (int n = Rest().Number() - 1; n >= nPage; --n) {
+        PressButton(PSBTN_BACK);
+        WaitForPage(n);
     }
 }
 
@@ -268,4 +292,32 @@ SIGHT CWalk::JumpTo(int nPage) const
 void CWalk::PressButton(int nButton) const
 {
     PostMessageW(Look().frame.window.hwnd, PSM_PRESSBUTTON, static_cast<WPARAM>(nButton), 0);
+}
+
+TREE CWalk::OpenFileDialog() const
+{
+    ClickControl(IDC_BROWSE);
+    WaitUntil(L"the file dialog", FileDialogIn, 20000);
+    Pause(1500); // it goes on loading
+    return *FileDialogIn(WaitUntil(L"the file dialog", FileDialogIn));
+}
+
+void CWalk::LeaveFileDialog() const
+{
+    Press(VK_ESCAPE);
+    if (!WaitFor(5000, [&] { return FileDialogIn(Look()) == nullptr; })) {
+        throw CLost{L"the file dialog does not go"};
+    }
+}
+
+void CWalk::ExpectEnd(PCWSTR pszClaim) const
+{
+    std::wstring szEnd = m_program.WaitForEnd();
+    if (!m_program.HasEnded()) {
+        szEnd += std::format(L" with page {}", Look().Number());
+    }
+    const std::wstring szLeft = ListOf(ToolsFolder());
+    m_check.answers.Expect(pszClaim, std::format(L"nothing left, {}", kEndedWell),
+                           std::format(L"{} left, {}", szLeft, szEnd));
+    m_check.answers.Expect(L"end.cancel", kEndedWell, szEnd);
 }

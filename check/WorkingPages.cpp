@@ -4,43 +4,69 @@
 #include "check/Listener.h"
 #include "check/Machine.h"
 #include "check/Stopping.h"
+#include "check/Text.h"
 
 #include <commctrl.h>
 
+#include <algorithm>
 #include <format>
 #include <memory>
 
 namespace {
 
-std::wstring Boxes(const WORK& work)
-{
-    std::wstring szBoxes;
-    for (const std::wstring& szBox : work.boxes) {
-        szBoxes += (szBoxes.empty() ? L"" : L" | ") + szBox;
-    }
-    return szBoxes.empty() ? L"no box" : szBoxes;
-}
+constexpr PCWSTR kInvalidPort = L"Invalid Port Value: Please enter a port value in the range of 1024 through 65535.";
+constexpr PCWSTR kNotConnected =
+    L"Wireless Debugging Connection: Could not connect to a watch at the IP address and port you entered.";
+constexpr PCWSTR kNotPaired = L"Pair Connection: Could not connect to a watch at the IP address and port you entered.";
+constexpr PCWSTR kPairingError =
+    L"Pairing Error: An unexpected error has occurred, please send a screenshot of this message to KALVO";
+constexpr PCWSTR kUnexpected = L"ADB Install: An unexpected error has occurred when connecting to the device:";
+constexpr PCWSTR kUnable = L"Install APK: Unable to connect to watch.";
+
+// What is not answered for so long the system calls hung.
+constexpr ULONGLONG kHung = 5000;
 
 // Just these boxes, each of which begins so.
-void ExpectBoxes(CHECK& check, PCWSTR pszClaim, const WORK& work, const std::vector<std::wstring>& expected)
+void ExpectBoxes(CAnswers& answers, PCWSTR pszClaim, const WORK& work, const std::vector<PCWSTR>& beginnings)
 {
-    bool bSame = work.boxes.size() == expected.size();
-    std::wstring szExpected;
-    for (size_t n = 0; n < expected.size(); ++n) {
-        szExpected += (n == 0 ? L"" : L" | ") + expected[n];
-        bSame = bSame && work.boxes[n].starts_with(expected[n]);
-    }
-    check.answers.Tell(pszClaim, bSame, szExpected, Boxes(work));
+    const auto BeginsSo = [](const std::wstring& szBox, PCWSTR pszBeginning) {
+        return szBox.starts_with(pszBeginning);
+    };
+    answers.Tell(pszClaim, std::ranges::equal(work.boxes, beginnings, BeginsSo), Joined(beginnings, L" | "),
+                 Joined(work.boxes, L" | ", L"no box"));
 }
 
-constexpr PCWSTR kInvalidPort = L"Invalid Port Value: Please enter a port value in the range of 1024 through 65535.";
+// "connect.painted" and "connect.ghost" for "connect.".
+void LookAtWindow(CAnswers& answers, const std::wstring& szClaims, const WORK& work)
+{
+    answers.Tell(szClaims + L"painted", work.WerePainted(), L"each status line on the screen while it works",
+                 work.Texts());
+    answers.Tell(szClaims + L"ghost", !work.bGhost, L"the wizard's own window",
+                 std::format(L"{} within {} ms", work.bGhost ? L"one of the system's" : L"the wizard's own window",
+                             work.nMilliseconds));
+}
+
+// "connect.attempts" for "connect".
+void LookAtAttempts(CAnswers& answers, const std::wstring& szGroup, const WORK& work, int nAttempts)
+{
+    std::wstring szCounts;
+    for (int n = 1; n <= nAttempts; ++n) {
+        szCounts += std::format(L"{}{} of {}", n == 1 ? L"" : L", ", n, nAttempts);
+    }
+    answers.Tell(szGroup + L".attempts", work.Counts().ends_with(szCounts), szCounts, work.Texts());
+}
+
+void ExpectServer(CAnswers& answers, PCWSTR pszClaim)
+{
+    answers.Either(pszClaim, IsListening(kAdbServerPort), L"adb's server runs on", L"nobody listens on its port");
+}
 
 void ExpectPortRefused(const CWalk& walk, PCWSTR pszClaim, PCWSTR pszPort)
 {
     walk.Enter(IDC_WATCH_PORT, pszPort);
     walk.ClickControl(kNextId);
     const TREE box = walk.WaitForBox(5000);
-    walk.Check().answers.Expect(pszClaim, kInvalidPort, box.window.szText + L": " + MessageOf(box), box.window.hwnd);
+    walk.Answers().Expect(pszClaim, kInvalidPort, WordsOf(box), box.window.hwnd);
     walk.Dismiss(box);
 }
 
@@ -49,64 +75,47 @@ void LookAtPace(CAnswers& answers, const WORK& work)
 {
     constexpr ULONGLONG kPause = 200;
     constexpr ULONGLONG kInexact = 100;
-    std::wstring szTimes;
-    ULONGLONG nFirst = 0;
-    ULONGLONG nLast = 0;
-    ULONGLONG nPauses = 0;
+    std::vector<ULONGLONG> times;
     for (const STATUS_LINE& line : work.lines) {
         if (line.szText.starts_with(L"Connecting to ")) {
-            nPauses += nFirst != 0 ? 1 : 0;
-            nFirst = nFirst != 0 ? nFirst : line.nMilliseconds;
-            nLast = line.nMilliseconds;
-            szTimes += std::format(L"{} ms, ", nLast);
+            times.push_back(line.nMilliseconds);
         }
     }
-    answers.Tell(L"connect.pace", nPauses > 0 && nLast - nFirst + kInexact >= nPauses * kPause,
-                 L"200 ms or more from one attempt to the next", szTimes);
+    answers.Tell(L"connect.pace",
+                 times.size() > 1 && times.back() - times.front() + kInexact >= (times.size() - 1) * kPause,
+                 L"200 ms or more from one attempt to the next",
+                 Joined(times, L", ", L"no attempt", [](ULONGLONG n) { return std::format(L"{} ms", n); }));
 }
 
 void ConnectRefused(const CWalk& walk)
 {
-    CHECK& check = walk.Check();
+    CAnswers& answers = walk.Answers();
     const CListener nobody(CListener::kRefuses);
     walk.Enter(IDC_WATCH_PORT, nobody.Port());
-    check.answers.AddPicture(L"page 5", walk.Look().frame.window.hwnd);
+    answers.AddPicture(L"page 5", walk.Look().frame.window.hwnd);
     const WORK work = PressNextAndWatch(walk);
-    ExpectBoxes(
-        check, L"connect.refused", work,
-        {L"Wireless Debugging Connection: Could not connect to a watch at the IP address and port you entered."});
-    check.answers.Tell(L"connect.attempts",
-                       work.Counts().ends_with(L"1 of 7, 2 of 7, 3 of 7, 4 of 7, 5 of 7, 6 of 7, 7 of 7"),
-                       L"seven attempts, counted on the status line", work.Texts());
-    LookAtPace(check.answers, work);
-    check.answers.Expect(L"connect.status", L"Could not connect to " + nobody.Address(), walk.Look().Status());
-    check.answers.Tell(L"connect.echo",
-                       work.SaysSomewhere(L"Connecting to " + nobody.Address() + L" (1 of 7)") &&
-                           !work.SaysSomewhere(L"Pinging 127.0.0.1 (2 of 6)"),
-                       L"127.0.0.1 answers the first echo", work.Texts());
-    check.answers.Tell(L"connect.stays", work.nPage == 5, L"page 5", std::format(L"page {}", work.nPage));
-    check.answers.Tell(L"connect.painted", work.WerePainted(), L"each status line on the screen while it works",
-                       work.Texts());
-    check.answers.Tell(L"connect.ghost", !work.bGhost, L"the wizard's own window",
-                       work.bGhost ? L"one of the system's" : L"the wizard's own window");
+    ExpectBoxes(answers, L"connect.refused", work, {kNotConnected});
+    LookAtAttempts(answers, L"connect", work, 7);
+    LookAtPace(answers, work);
+    answers.Expect(L"connect.status", L"Could not connect to " + nobody.Address(), walk.Look().Status());
+    answers.Tell(L"connect.echo",
+                 work.SaysSomewhere(L"Connecting to " + nobody.Address() + L" (1 of 7)") &&
+                     !work.SaysSomewhere(L"Pinging 127.0.0.1 (2 of 6)"),
+                 L"127.0.0.1 answers the first echo", work.Texts());
+    answers.Expect(L"connect.stays", L"page 5", std::format(L"page {}", work.nPage));
+    LookAtWindow(answers, L"connect.", work);
 }
 
 void ConnectTaken(const CWalk& walk, PCWSTR pszClaim, const CListener& listener)
 {
     walk.Enter(IDC_WATCH_PORT, listener.Port());
     const WORK work = PressNextAndWatch(walk);
-    walk.Check().answers.Tell(
+    walk.Answers().Tell(
         pszClaim, work.nPage == 6 && work.boxes.empty() && listener.Accepted() > 0, L"page 6 without a box",
-        std::format(L"page {}, {}, {} connections", work.nPage, Boxes(work), listener.Accepted()));
+        std::format(L"page {}, {} boxes, {} connections", work.nPage, work.boxes.size(), listener.Accepted()));
     if (work.nPage != 6) {
         throw CLost{L"page 6 cannot be reached"};
     }
-}
-
-void BackToAddress(const CWalk& walk)
-{
-    walk.PressButton(PSBTN_BACK);
-    walk.WaitForPage(5);
 }
 
 // Page 6, once its fields are filled.
@@ -119,13 +128,13 @@ WORK Pair(const CWalk& walk, const CListener& listener)
 
 void LookAtPairing(const CWalk& walk)
 {
-    CHECK& check = walk.Check();
+    CAnswers& answers = walk.Answers();
     const SIGHT sight = walk.Rest();
     const PART* const pAddress = sight.Control(IDC_PAIRING_ADDRESS);
-    check.answers.Tell(
-        L"pair.address", pAddress != nullptr && !pAddress->bEnabled && HoldsText(*pAddress) == L"127.0.0.1",
-        L"127.0.0.1, not to be changed",
-        pAddress == nullptr ? L"no address" : HoldsText(*pAddress) + (pAddress->bEnabled ? L", enabled" : L""));
+    answers.Expect(L"pair.address", L"127.0.0.1, not to be changed",
+                   pAddress == nullptr
+                       ? L"no address"
+                       : HoldsText(*pAddress) + (pAddress->bEnabled ? L", enabled" : L", not to be changed"));
     walk.Enter(IDC_PAIRING_CODE, L"12345");
     walk.Enter(IDC_PAIRING_PORT, L"123");
     const bool bNot = walk.HasButtons(kWaiting);
@@ -133,47 +142,38 @@ void LookAtPairing(const CWalk& walk)
     const bool bNotYet = walk.HasButtons(kWaiting);
     walk.Enter(IDC_PAIRING_CODE, L"123456");
     const bool bNow = walk.HasButtons(kReady);
-    check.answers.Tell(L"pair.next", bNot && bNotYet && bNow, L"Next with six and four digits, not before",
-                       std::format(L"{} {} {}", bNot, bNotYet, bNow));
+    answers.Tell(L"pair.next", bNot && bNotYet && bNow, L"Next with six and four digits, not before",
+                 std::format(L"{} {} {}", bNot, bNotYet, bNow));
+    const auto AreFieldsEnabled = [&] { return walk.Look().Control(IDC_PAIRING_CODE)->bEnabled; };
     walk.ClickControl(IDC_SKIP_PAIRING);
     const bool bEmptied = walk.Holds(IDC_PAIRING_CODE, L"") && walk.Holds(IDC_PAIRING_PORT, L"") &&
-                          !walk.Look().Control(IDC_PAIRING_CODE)->bEnabled && walk.HasButtons(kReady);
+                          !AreFieldsEnabled() && walk.HasButtons(kReady);
     walk.ClickControl(IDC_SKIP_PAIRING);
-    const bool bAgain = walk.HasButtons(kWaiting) && walk.Look().Control(IDC_PAIRING_CODE)->bEnabled;
-    check.answers.Tell(L"pair.skip", bEmptied && bAgain, L"empties and disables both fields and offers Next, and back",
-                       std::format(L"{} {}", bEmptied, bAgain));
+    const bool bAgain = walk.HasButtons(kWaiting) && AreFieldsEnabled();
+    answers.Tell(L"pair.skip", bEmptied && bAgain, L"empties and disables both fields and offers Next, and back",
+                 std::format(L"{} {}", bEmptied, bAgain));
 }
 
 void PairWithListeners(const CWalk& walk)
 {
-    CHECK& check = walk.Check();
+    CAnswers& answers = walk.Answers();
     const CListener nobody(CListener::kRefuses);
-    WORK work = Pair(walk, nobody);
-    check.answers.AddPicture(L"page 6", walk.Look().frame.window.hwnd);
-    ExpectBoxes(check, L"pair.refused", work,
-                {L"Pair Connection: Could not connect to a watch at the IP address and port you entered."});
-    check.answers.Tell(L"pair.attempts", work.Counts().ends_with(L"1 of 3, 2 of 3, 3 of 3"),
-                       L"three attempts, counted on the status line", work.Texts());
-    check.answers.Tell(L"pair.first-words", work.SaysSomewhere(L"Stopping ADB server"), L"Stopping ADB server",
-                       work.Texts());
-    check.answers.Tell(L"pair.painted", work.WerePainted(), L"each status line on the screen while it works",
-                       work.Texts());
-    check.answers.Tell(L"pair.ghost", !work.bGhost, L"the wizard's own window",
-                       work.bGhost ? L"one of the system's" : L"the wizard's own window");
-    check.answers.Tell(L"pair.server", IsListening(kAdbServerPort), L"adb's server runs on",
-                       IsListening(kAdbServerPort) ? L"adb's server runs on" : L"nobody listens on its port");
+    const WORK refused = Pair(walk, nobody);
+    answers.AddPicture(L"page 6", walk.Look().frame.window.hwnd);
+    ExpectBoxes(answers, L"pair.refused", refused, {kNotPaired});
+    LookAtAttempts(answers, L"pair", refused, 3);
+    answers.Tell(L"pair.first-words", refused.SaysSomewhere(L"Stopping ADB server"), L"Stopping ADB server",
+                 refused.Texts());
+    LookAtWindow(answers, L"pair.", refused);
+    ExpectServer(answers, L"pair.server");
     const CListener rude(CListener::kHangsUp);
-    work = Pair(walk, rude);
-    ExpectBoxes(
-        check, L"pair.hung-up", work,
-        {L"Pairing Error: An unexpected error has occurred, please send a screenshot of this message to KALVO"});
-    check.answers.Tell(L"pair.hung-up-once", rude.Accepted() == 1, L"one connection",
-                       std::format(L"{} connections", rude.Accepted()));
+    ExpectBoxes(answers, L"pair.hung-up", Pair(walk, rude), {kPairingError});
+    answers.Expect(L"pair.hung-up-once", L"1", std::to_wstring(rude.Accepted()));
 }
 
 void LookAtPackage(const CWalk& walk)
 {
-    CHECK& check = walk.Check();
+    const CHECK& check = walk.Check();
     const CPath package = check.program.parent_path() / L"Check.apk";
     check.answers.Expect(L"install.package", package.wstring(), walk.TextOf(IDC_APK_PATH));
     walk.Empty(IDC_APK_PATH);
@@ -190,40 +190,61 @@ void LookAtPackage(const CWalk& walk)
                                    !bFolder, !bMissing, bFile));
 }
 
-void Install(const CWalk& walk, PCWSTR pszPort)
+// The installer gives the dialog no title of its own, so it is the system's, in its language. No picture: it shows the
+// user's folders.
+void LookAtFileDialog(const CWalk& walk)
 {
-    CHECK& check = walk.Check();
+    const HWND hwndWizard = walk.Look().frame.window.hwnd;
+    const std::wstring szPath = walk.TextOf(IDC_APK_PATH);
+    const PART dialog = walk.OpenFileDialog().window;
+    const bool bTitled = !dialog.szText.empty() && dialog.szText != kTitle;
+    const bool bOwned = GetWindow(dialog.hwnd, GW_OWNER) == hwndWizard && !IsWindowEnabled(hwndWizard);
+    walk.LeaveFileDialog();
+    const bool bSame = walk.Holds(IDC_APK_PATH, szPath) && walk.HasButtons(kReady);
+    walk.Answers().Tell(L"install.browse", bTitled && bOwned && bSame,
+                        L"a dialog of the wizard's with the system's title, no change",
+                        std::format(L"\"{}\", {}, {}", dialog.szText, bOwned ? L"the wizard's" : L"not the wizard's",
+                                    bSame ? L"no change" : L"another path, or no Next"));
+}
+
+void InstallHungUp(const CWalk& walk, const CListener& rude)
+{
+    CAnswers& answers = walk.Answers();
     const WORK work = PressNextAndWatch(walk);
-    check.answers.AddPicture(L"page 7", walk.Look().frame.window.hwnd);
-    ExpectBoxes(check, L"install.hung-up", work,
-                {L"ADB Install: An unexpected error has occurred when connecting to the device:",
-                 L"Install APK: Unable to connect to watch."});
-    check.answers.Tell(L"install.first-words",
-                       work.SaysSomewhere(std::format(L"Connecting to 127.0.0.1:{} (attempt 1 of 3)", pszPort)),
-                       L"the first of three attempts", work.Texts());
-    check.answers.Tell(L"install.server", IsListening(kAdbServerPort), L"adb's server runs on",
-                       IsListening(kAdbServerPort) ? L"adb's server runs on" : L"nobody listens on its port");
+    answers.AddPicture(L"page 7", walk.Look().frame.window.hwnd);
+    ExpectBoxes(answers, L"install.hung-up", work, {kUnexpected, kUnable});
+    const std::wstring szFirst = L"Connecting to " + rude.Address() + L" (attempt 1 of 3)";
+    answers.Tell(L"install.first-words", work.SaysSomewhere(szFirst), szFirst, work.Texts());
+    ExpectServer(answers, L"install.server");
 }
 
 void InstallRefused(const CWalk& walk, const std::wstring& szAddress)
 {
-    CHECK& check = walk.Check();
+    CAnswers& answers = walk.Answers();
     const WORK work = PressNextAndWatch(walk);
-    ExpectBoxes(check, L"install.refused", work, {L"Install APK: Unable to connect to watch."});
-    check.answers.Tell(L"install.attempts", work.Counts().ends_with(L"1 of 3, 2 of 3, 3 of 3"),
-                       L"three attempts, counted on the status line", work.Texts());
-    check.answers.Expect(L"install.status", L"Unable to connect to " + szAddress, walk.Look().Status());
-    check.answers.Tell(L"install.painted", work.WerePainted(), L"each status line on the screen while it works",
-                       work.Texts());
-    check.answers.Tell(L"install.ghost", !work.bGhost, L"the wizard's own window",
-                       work.bGhost ? L"one of the system's" : L"the wizard's own window");
+    ExpectBoxes(answers, L"install.refused", work, {kUnable});
+    LookAtAttempts(answers, L"install", work, 3);
+    answers.Expect(L"install.status", L"Unable to connect to " + szAddress, walk.Look().Status());
+    LookAtWindow(answers, L"install.", work);
+}
+
+// adb gives up after about 10 seconds, in which the wizard does not listen.
+void InstallSilent(const CWalk& walk)
+{
+    CAnswers& answers = walk.Answers();
+    const WORK work = PressNextAndWatch(walk, PATIENCE::kImpatient);
+    ExpectBoxes(answers, L"install.silent", work, {kUnexpected, kUnable});
+    if (work.nMilliseconds < kHung) {
+        throw CLost{L"adb gave up before the system would call a window hung"};
+    }
+    LookAtWindow(answers, L"install.silent-", work);
 }
 
 } // namespace
 
 void CheckWorkingPages(CHECK& check)
 {
-    CWalk walk(check);
+    const CWalk walk(check);
     walk.GoTo(5, L"");
     LookAtAddress(walk);
     LookAtPage(walk, 5);
@@ -236,27 +257,33 @@ void CheckWorkingPages(CHECK& check)
     const CListener rude(CListener::kHangsUp);
     ConnectTaken(walk, L"connect.hung-up", rude);
     LookAtPage(walk, 6);
-    BackToAddress(walk);
+    walk.GoBackTo(5);
     auto patient = std::make_unique<CListener>(CListener::kStaysOpen);
     ConnectTaken(walk, L"connect.taken", *patient);
     LookAtCode(walk);
     LookAtPairing(walk);
     PairWithListeners(walk);
-    BackToAddress(walk);
+    walk.GoBackTo(5);
     ConnectTaken(walk, L"connect.again", rude);
     walk.Tick();
     walk.GoOn();
     LookAtPage(walk, 7);
     LookAtPackage(walk);
-    Install(walk, rude.Port().c_str());
+    LookAtFileDialog(walk);
+    InstallHungUp(walk, rude);
     // The same page and a watch that has gone meanwhile.
-    for (int n = 0; n < 2; ++n) {
-        walk.PressButton(PSBTN_BACK);
-        walk.WaitForPage(6 - n);
-    }
+    walk.GoBackTo(5);
     const std::wstring szAddress = patient->Address();
     ConnectTaken(walk, L"connect.again", *patient);
     walk.GoTo(7, L"");
     patient.reset();
     InstallRefused(walk, szAddress);
+    walk.GoBackTo(5);
+    const CListener silent(CListener::kStaysOpen);
+    walk.GoTo(7, silent.Port());
+    InstallSilent(walk);
+    walk.GoBackTo(5);
+    walk.EmptyField(walk.AddressFields()[1]);
+    walk.Press(VK_ESCAPE);
+    walk.ExpectEnd(L"frame.escape-field");
 }

@@ -53,9 +53,10 @@ def differences(theirs: dict[str, Answer], ours: dict[str, Answer], rows: list[p
         found.append(f"{row.id}: {row.claim}\n   theirs: {their.answer}; {their.words}\n   ours: {our.answer}"
                      + (f"; {our.words}" if our.words else ""))
         if their.answer != HOLDS:
-            found.append(f"   stand-in: {', '.join(row.standins) or 'none'}\n   tests: {', '.join(row.tests) or 'none'}")
-    known = {row.id for row in rows}
-    return found + [f"{claim}: {theirs[claim].answer}; {page.PAGE} does not know it" for claim in theirs if claim not in known]
+            standins, tests = (", ".join(names) or "none" for names in (row.standins, row.tests))
+            found.append(f"   stand-in: {standins}\n   tests: {tests}")
+    unknown = theirs.keys() - {row.id for row in rows}
+    return found + [f"{claim}: {theirs[claim].answer}; {page.PAGE} does not know it" for claim in sorted(unknown)]
 
 
 def main() -> int:

@@ -2,14 +2,15 @@
 //
 //   Check.exe                          asks before it begins, and shows its report in the end
 //   Check.exe --unattended ...         asks and shows nothing
-//     --surroundings FILE              see Surroundings.h
+//     --through PROGRAM                starts the installer through that program, see Installer.h
+//     --not-tried "ID REASON"          a claim that cannot be answered here; any number of them
+//     --told SENTENCE                  stands in the report, which is not one of plain Windows
 //     --only STEP,STEP                 no other steps
 //     --program FILE                   another installer than the one in the folder "parts"
-//     --report FOLDER                  where the reports are written; else beside this program
 //   Check.exe --list FILE              writes the table of claims as JSON and does nothing else
 //
 // Ends with 0 when all that was tried holds, 1 when something does not, 2 when it refuses to begin, 3 when it was
-// cancelled, 4 when the reports could not be written.
+// cancelled, 4 when the reports could not be written. They and what it says of 2 and 4 stand beside this program.
 #include "check/Check.h"
 #include "check/Hands.h"
 #include "check/Installer.h"
@@ -27,7 +28,10 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <iterator>
+#include <format>
+#include <functional>
+#include <map>
+#include <sstream>
 #include <thread>
 
 namespace {
@@ -49,11 +53,11 @@ constexpr PCWSTR kConsent =
 constexpr std::array kSteps = {
     STEP{L"units", L"Unit tests", L"unit", CheckUnits},
     STEP{L"system", L"Echo and connections", L"system", CheckSystem},
-    STEP{L"first-pages", L"Frame and first pages", L"frame about page-01 page-02 page-03 page-04", CheckFirstPages},
+    STEP{L"first-pages", L"Frame and first pages", L"frame about box page-01 page-02 page-03 page-04", CheckFirstPages},
     STEP{L"last-pages", L"Last pages", L"frame page-08 page-09 page-10 page-11 page-12 page-13 page-14",
          CheckLastPages},
     STEP{L"working-pages", L"Address, pairing and package",
-         L"address number connect pair install page-05 page-06 page-07", CheckWorkingPages},
+         L"address number connect pair install box page-05 page-06 page-07", CheckWorkingPages},
     STEP{L"adb", L"What adb prints", L"adb", CheckAdb},
     STEP{L"deployment", L"Tools on the disk", L"deploy", CheckDeployment},
     STEP{L"instances", L"Second starts", L"instance", CheckInstances},
@@ -64,10 +68,11 @@ constexpr std::array kSteps = {
 struct OPTIONS
 {
     bool bUnattended = false;
-    SURROUNDINGS surroundings;
+    std::wstring szThrough;
+    std::vector<std::pair<std::wstring, std::wstring>> notTried;
+    std::vector<std::wstring> told;
     std::wstring szOnly;
     CPath program = PartsFolder() / L"KalvoApkInstaller.exe";
-    CPath report = OwnFolder();
     CPath list;
 };
 
@@ -76,28 +81,29 @@ void ReadOptions(OPTIONS& options)
 {
     int nArguments = 0;
     LPWSTR* const ppszArguments = CommandLineToArgvW(GetCommandLineW(), &nArguments);
-    for (int n = 1; n < nArguments; ++n) {
-        const std::wstring szName = ppszArguments[n];
-        if (szName == L"--unattended") {
+    const std::vector<std::wstring> arguments(ppszArguments + 1, ppszArguments + nArguments);
+    LocalFree(static_cast<HLOCAL>(ppszArguments));
+    const std::map<std::wstring, std::function<void(const std::wstring&)>> takers = {
+        {L"--through", [&](const std::wstring& szValue) { options.szThrough = szValue; }},
+        {L"--not-tried",
+         [&](const std::wstring& szValue) {
+             const size_t nEnd = std::min(szValue.find(L' '), szValue.size());
+             options.notTried.emplace_back(szValue.substr(0, nEnd), szValue.substr(nEnd));
+         }},
+        {L"--told", [&](const std::wstring& szValue) { options.told.push_back(szValue); }},
+        {L"--only", [&](const std::wstring& szValue) { options.szOnly = L"," + szValue + L","; }},
+        {L"--program", [&](const std::wstring& szValue) { options.program = szValue; }},
+        {L"--list", [&](const std::wstring& szValue) { options.list = szValue; }},
+    };
+    for (size_t n = 0; n < arguments.size(); ++n) {
+        if (arguments[n] == L"--unattended") {
             options.bUnattended = true;
-            continue;
-        }
-        const std::wstring szValue = n + 1 < nArguments ? ppszArguments[++n] : L"";
-        if (szName == L"--surroundings" && !szValue.empty()) {
-            options.surroundings = ReadSurroundings(szValue);
-        } else if (szName == L"--only" && !szValue.empty()) {
-            options.szOnly = L"," + szValue + L",";
-        } else if (szName == L"--program" && !szValue.empty()) {
-            options.program = szValue;
-        } else if (szName == L"--report" && !szValue.empty()) {
-            options.report = szValue;
-        } else if (szName == L"--list" && !szValue.empty()) {
-            options.list = szValue;
+        } else if (const auto taker = takers.find(arguments[n]); taker != takers.end() && n + 1 < arguments.size()) {
+            taker->second(arguments[++n]);
         } else {
-            throw CLost{L"The argument " + szName + L" makes no sense."};
+            throw CLost{L"The argument " + arguments[n] + L" makes no sense."};
         }
     }
-    LocalFree(static_cast<HLOCAL>(ppszArguments));
 }
 
 bool IsChosen(const OPTIONS& options, const STEP& step)
@@ -107,52 +113,41 @@ bool IsChosen(const OPTIONS& options, const STEP& step)
 
 void GroupsNotTried(CAnswers& answers, const STEP& step, const std::wstring& szWhy)
 {
-    const std::wstring szGroups = step.pszGroups;
-    for (size_t nStart = 0; nStart < szGroups.size();) {
-        const size_t nEnd = std::min(szGroups.find(L' ', nStart), szGroups.size());
-        answers.GroupNotTried(szGroups.substr(nStart, nEnd - nStart), szWhy);
-        nStart = nEnd + 1;
+    std::wistringstream groups(step.pszGroups);
+    for (std::wstring szGroup; groups >> szGroup;) {
+        answers.GroupNotTried(szGroup, szWhy);
     }
 }
 
-// In a folder of its own, with something beside it that is named like a package. A step whose program is missing says
-// so.
-void CopyProgram(const CHECK& check, const CPath& program)
+// In a folder of its own, with something beside it that is named like a package.
+CPath CopyProgram(const CPath& program, const CWorkFolder& work)
 {
+    const CPath copy = work.Path() / L"program" / L"KalvoApkInstaller.exe";
     std::error_code error;
-    create_directories(check.program.parent_path(), error);
-    copy_file(program, check.program, std::filesystem::copy_options::overwrite_existing, error);
-    WriteBytes(check.program.parent_path() / L"Check.apk", "no package");
-}
-
-// What a step that stopped half-way may have left.
-void TidyUp()
-{
-    const CUnstoppable tidying;
-    StopAdb();
-    std::error_code error;
-    remove_all(ToolsFolder() / L"platform-tools", error);
-    for (const std::wstring& szName : NamesIn(ToolsFolder())) {
-        if (szName.starts_with(L"platform-tools_")) {
-            remove(ToolsFolder() / szName, error);
-        }
+    create_directories(copy.parent_path(), error);
+    if (!copy_file(program, copy, error)) {
+        throw CLost{L"There is no installer to check. Please unpack all of the archive, and start Check.exe there."};
     }
+    WriteBytes(copy.parent_path() / L"Check.apk", "no package");
+    return copy;
 }
 
 // One step, whatever becomes of it.
 void RunStep(CHECK& check, const STEP& step)
 {
     std::wstring szWhy = L"the step ended before it was looked at";
+    const auto NoteEnd = [&](const std::wstring& szReason) {
+        szWhy = std::format(L"the step \"{}\" could not go on: {}", step.pszName, szReason);
+        check.answers.m_notes.push_back(szWhy);
+    };
     try {
         step.pfnRun(check);
     } catch (const CLost& lost) {
-        szWhy = L"the step \"" + std::wstring(step.pszName) + L"\" could not go on: " + lost.szWhy;
-        check.answers.m_notes.push_back(szWhy);
+        NoteEnd(lost.szWhy);
     } catch (const std::exception& error) {
-        szWhy = L"the step \"" + std::wstring(step.pszName) + L"\" could not go on: " + FromUtf8(error.what());
-        check.answers.m_notes.push_back(szWhy);
+        NoteEnd(FromUtf8(error.what()));
     }
-    TidyUp();
+    RemoveTools();
     // A claim of the group that a later step looks at is then told anew.
     GroupsNotTried(check.answers, step, szWhy);
 }
@@ -160,9 +155,8 @@ void RunStep(CHECK& check, const STEP& step)
 // Returns false when the user cancelled.
 bool RunSteps(CHECK& check, const OPTIONS& options, CProgress& progress)
 {
-    const CKeptClipboard clipboard;
     try {
-        CopyProgram(check, options.program);
+        const CKeptClipboard clipboard;
         for (size_t n = 0; n < kSteps.size(); ++n) {
             if (IsChosen(options, kSteps[n])) {
                 progress.Tell(static_cast<int>(n), kSteps[n].pszName);
@@ -172,7 +166,7 @@ bool RunSteps(CHECK& check, const OPTIONS& options, CProgress& progress)
         }
         return true;
     } catch (const CStopped&) {
-        TidyUp();
+        RemoveTools();
         return false;
     }
 }
@@ -181,18 +175,17 @@ bool RunSteps(CHECK& check, const OPTIONS& options, CProgress& progress)
 void LookAtRemains(CAnswers& answers, CWorkFolder& work, const std::optional<std::wstring>& szClipboard)
 {
     const CUnstoppable tidying;
-    const bool bEnded =
-        WaitFor(5000, [] { return ProcessesOf(L"KalvoApkInstaller.exe").empty() && ProcessesOf(L"adb.exe").empty(); });
-    answers.Tell(L"tidy.processes", bEnded, L"none", bEnded ? L"none" : L"the installer, or adb");
+    const bool bEnded = WaitFor(5000, [] { return !IsRunning(L"KalvoApkInstaller.exe") && !IsRunning(L"adb.exe"); });
+    answers.Either(L"tidy.processes", bEnded, L"none", L"the installer, or adb");
     const bool bRemoved = work.Remove() && NamesIn(ToolsFolder()).empty();
-    answers.Tell(L"tidy.files", bRemoved, L"none",
-                 bRemoved ? L"none" : ListOf(work.Path()) + L", " + ListOf(ToolsFolder()));
-    answers.Tell(L"tidy.port", !IsListening(kAdbServerPort), L"nobody",
-                 IsListening(kAdbServerPort) ? L"somebody" : L"nobody");
-    const bool bSame = ClipboardText() == szClipboard;
-    answers.Tell(L"tidy.clipboard", bSame, L"the same", bSame ? L"the same" : L"another text, or none");
+    answers.Either(L"tidy.files", bRemoved, L"none",
+                   std::format(L"copies: {}; tools: {}; adb's key: {}", ListOf(work.Path()), ListOf(ToolsFolder()),
+                               ListOf(AdbKeyFolder())));
+    answers.Either(L"tidy.port", !IsListening(kAdbServerPort), L"nobody", L"somebody");
+    answers.Either(L"tidy.clipboard", ClipboardText() == szClipboard, L"the same", L"another text, or none");
 }
 
+// Unattended it is printed, and written where that can be.
 void Refuse(const OPTIONS& options, const std::wstring& szWhy)
 {
     if (!options.bUnattended) {
@@ -200,7 +193,11 @@ void Refuse(const OPTIONS& options, const std::wstring& szWhy)
         return;
     }
     std::fprintf(stderr, "%s\n", ToUtf8(szWhy).c_str());
-    WriteBytes(options.report / L"refused.txt", ToUtf8(szWhy));
+    try {
+        WriteBytes(OwnFolder() / L"refused.txt", ToUtf8(szWhy));
+    } catch (const CLost& lost) {
+        std::fprintf(stderr, "%s\n", ToUtf8(lost.szWhy).c_str());
+    }
 }
 
 std::wstring VersionOf(const CPath& program)
@@ -214,24 +211,25 @@ std::wstring VersionOf(const CPath& program)
         !VerQueryValueW(bytes.data(), L"\\", reinterpret_cast<void**>(&pInfo), &cb)) {
         return L"unknown";
     }
-    return std::to_wstring(HIWORD(pInfo->dwFileVersionMS)) + L"." + std::to_wstring(LOWORD(pInfo->dwFileVersionMS)) +
-           L"." + std::to_wstring(HIWORD(pInfo->dwFileVersionLS));
+    return std::format(L"{}.{}.{}", HIWORD(pInfo->dwFileVersionMS), LOWORD(pInfo->dwFileVersionMS),
+                       HIWORD(pInfo->dwFileVersionLS));
 }
 
 // The whole check on a thread of its own, while this one shows how far it is.
 RUN RunCheck(const OPTIONS& options, CAnswers& answers)
 {
-    RUN run = {VersionOf(options.program), DescribeMachine(), options.surroundings.told, false, 0};
+    RUN run = {VersionOf(options.program), DescribeMachine(), options.told, false, 0};
     const ULONGLONG nStart = GetTickCount64();
     const HWND hwndFront = GetForegroundWindow();
     const std::optional<std::wstring> szClipboard = ClipboardText();
     CWorkFolder work;
+    const CPath copy = CopyProgram(options.program, work);
     {
         CProgress progress(static_cast<int>(kSteps.size()));
         const CHandle hEnd(CreateEventW(nullptr, TRUE, FALSE, nullptr));
         std::thread thread([&] {
             CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-            CHECK check = {answers, options.surroundings, work, work.Path() / L"program" / L"KalvoApkInstaller.exe"};
+            CHECK check = {answers, options.szThrough, work, copy};
             run.bCancelled = !RunSteps(check, options, progress);
             LookAtRemains(answers, work, szClipboard);
             CoUninitialize();
@@ -258,26 +256,27 @@ int Check(const OPTIONS& options)
         return 3;
     }
     CAnswers answers;
-    for (const auto& [szId, szReason] : options.surroundings.notTried) {
+    for (const auto& [szId, szReason] : options.notTried) {
         if (!answers.Exclude(szId, szReason)) {
             throw CLost{L"There is no claim " + szId + L" that could not be tried."};
         }
     }
     const RUN run = RunCheck(options, answers);
-    if (!WriteReport(options.report, answers, run)) {
-        Refuse(options, L"The reports cannot be written beside this program (error " + std::to_wstring(GetLastError()) +
-                            L"). Please unpack it into a folder of yours.");
+    try {
+        WriteReport(OwnFolder(), answers, run);
+    } catch (const CLost& lost) {
+        Refuse(options, L"There is no report: " + lost.szWhy + L". Please unpack the archive into a folder of yours.");
         return 4;
     }
     if (!options.bUnattended && !run.bCancelled) {
-        ShellExecuteW(nullptr, L"open", (options.report / L"report.html").c_str(), nullptr, nullptr, SW_SHOWNORMAL);
+        ShellExecuteW(nullptr, L"open", (OwnFolder() / L"report.html").c_str(), nullptr, nullptr, SW_SHOWNORMAL);
     }
     return run.bCancelled ? 3 : answers.Count(ANSWER::kDoesNotHold) == 0 ? 0 : 1;
 }
 
 } // namespace
 
-int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int)
+int WINAPI wWinMain(HINSTANCE /*hInstance*/, HINSTANCE /*hPrevious*/, PWSTR /*pszArguments*/, int /*nShow*/)
 {
     SetProcessDpiAwarenessContext(DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE_V2);
     WSADATA data = {};
@@ -286,7 +285,8 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int)
     try {
         ReadOptions(options);
         if (!options.list.empty()) {
-            return WriteBytes(options.list, ClaimsAsJson()) ? 0 : 4;
+            WriteBytes(options.list, ClaimsAsJson());
+            return 0;
         }
         return Check(options);
     } catch (const CLost& lost) {

@@ -3,7 +3,7 @@
 
     make_windows_check.py CHECKOUT BUILD OUTPUT
 
-OUTPUT is emptied first. The same build gives the same bytes, whatever the folder, the hour, the time zone and the umask.
+OUTPUT is emptied first. The same build gives the same bytes, whatever folder, hour, time zone and umask.
 Runs inside the toolchain root, whose license texts it takes.
 """
 

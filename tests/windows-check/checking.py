@@ -15,7 +15,7 @@ from driver.places import CHECKOUT, drive_c, windows_path
 SURROUNDINGS = CHECKOUT / "check" / "wine.txt"
 
 # How Check.exe ends.
-ALL_HOLD, SOME_DO_NOT, REFUSED, CANCELLED = range(4)
+ALL_HOLD, SOME_DO_NOT, REFUSED, CANCELLED, NO_REPORT = range(5)
 
 
 def archive() -> Path:
@@ -58,15 +58,13 @@ class WindowsCheck:
         for name in ("launcher.exe", "standins.dll"):
             (standins / name).write_bytes((places.launcher().parent / name).read_bytes())
         self._log = Path("/tmp/check.log")
-        self.surroundings = standins / "surroundings.txt"
-        text = SURROUNDINGS.read_text(encoding="utf-8")
-        text = text.replace("%LAUNCHER%", windows_path(standins / "launcher.exe"))
-        self.surroundings.write_text(text, encoding="utf-8")
+        text = SURROUNDINGS.read_text(encoding="utf-8").replace("%LAUNCHER%", windows_path(standins / "launcher.exe"))
+        told = (line.split(" ", 1) for line in text.splitlines() if not line.startswith("#"))
+        self.surroundings = [word for option, value in told for word in (f"--{option}", value)]
 
     def start(self, *arguments: str) -> subprocess.Popen[bytes]:
         """Away from the checkout."""
-        command = ["wine", windows_path(self.folder / "Check.exe"), "--unattended"]
-        command += ["--surroundings", windows_path(self.surroundings), *arguments]
+        command = ["wine", windows_path(self.folder / "Check.exe"), "--unattended", *self.surroundings, *arguments]
         with self._log.open("w") as log:
             return subprocess.Popen(command, cwd=self.folder, stdin=subprocess.DEVNULL, stdout=log, stderr=log)
 

@@ -6,10 +6,11 @@ import os
 import re
 import time
 import unittest
+from collections.abc import Callable
 
 import checking
 import page
-from checking import ALL_HOLD, CANCELLED, CHECKOUT, REFUSED, SURROUNDINGS, Report, WindowsCheck
+from checking import ALL_HOLD, CANCELLED, CHECKOUT, NO_REPORT, REFUSED, SURROUNDINGS, Report, WindowsCheck
 from driver import places, wine
 from driver.eyes import Eyes, View
 from driver.notepad import copy_to_clipboard
@@ -17,6 +18,7 @@ from driver.person import Person
 from driver.places import drive_c, windows_path
 from driver.program import Program
 from driver.waiting import wait_for
+from driver.wizard import Sight
 
 # What Wine may be unable to answer, and how many claims there must be.
 MOST_NOT_TRIED = 15
@@ -25,7 +27,9 @@ FEWEST_CLAIMS = 120
 LONGEST = 6 * 60
 
 PROGRESS = "KALVO Windows check"
-FIRST_PAGES = re.compile(r"about\.|page-0[1-4]\.|frame\.(?!by-number|escape-hidden|back-from-last|last-again|enter-last)")
+FIRST_PAGES = re.compile(
+    r"about\.|box\.|page-0[1-4]\.|frame\.(?!by-number|escape-|back-from-last|last-again|enter-last)"
+)
 
 ADDRESS = re.compile(r"\b\d{1,3}\.\d{1,3}\.\d{1,3}\.\d{1,3}\b")
 
@@ -97,7 +101,23 @@ class Whole(CheckTest):
 
 
 class Cancelled(CheckTest):
-    def test_in_the_middle_leaves_nothing(self) -> None:
+    def cancel(self, person: Person, step: str, what: str, seen: Callable[[Sight], object]) -> Report:
+        """Lets it do one step, and clicks on its Cancel as soon as that is to be seen."""
+        started = self.check.start("--only", step)
+        sight = person.wait_until(what, seen, 240)
+        progress = next(window for window in sight.view.windows if window.text == PROGRESS)
+        cancel = next(child for child in progress.children if child.text == "Cancel")
+        person.click(cancel)
+        return self.check.report(started.wait(60))
+
+    def expect_tidy(self, report: Report) -> None:
+        self.assertEqual((report.status, report.whole["cancelled"]), (CANCELLED, True))
+        for claim in ("tidy.processes", "tidy.files", "tidy.port", "tidy.clipboard"):
+            self.assertEqual(report.claims[claim]["answer"], "holds", report.claims[claim])
+        self.assertIn("not tried", {claim["answer"] for claim in report.claims.values()})
+        self.expect_nothing_left()
+
+    def test_on_the_address_page_gives_the_focus_back(self) -> None:
         other = wine.start("winemine")
         self.addCleanup(other.wait)
         self.addCleanup(other.kill)
@@ -106,18 +126,23 @@ class Cancelled(CheckTest):
             person.wait_until("another program in front", lambda sight: in_front(sight.view) == "WineMine")
             before = person.rest().view.foreground
             copy_to_clipboard(person, "kept")
-            started = self.check.start("--only", "working-pages")
-            sight = person.wait_until("page 5", lambda sight: sight.number == 5, 120)
-            progress = next(window for window in sight.view.windows if window.text == PROGRESS)
-            cancel = next(child for child in progress.children if child.text == "Cancel")
-            person.click(cancel)
-            report = self.check.report(started.wait(60))
+            report = self.cancel(person, "working-pages", "page 5", lambda sight: sight.number == 5)
             person.wait_until("the other program in front", lambda sight: sight.view.foreground == before)
-        self.assertEqual((report.status, report.whole["cancelled"]), (CANCELLED, True))
-        for claim in ("tidy.processes", "tidy.files", "tidy.port", "tidy.clipboard"):
-            self.assertEqual(report.claims[claim]["answer"], "holds", report.claims[claim])
-        self.assertIn("not tried", {claim["answer"] for claim in report.claims.values()})
-        self.expect_nothing_left()
+        self.expect_tidy(report)
+
+    def test_while_adb_pairs(self) -> None:
+        def pairs(sight: Sight) -> bool:
+            return sight.number == 6 and "Pairing attempt" in sight.status and bool(wine.adb_processes())
+
+        with Eyes() as eyes:
+            self.expect_tidy(self.cancel(Person(eyes), "working-pages", "adb at work", pairs))
+
+    def test_while_the_file_dialog_of_a_copy_is_open(self) -> None:
+        def browses(sight: Sight) -> bool:
+            return sight.number == 7 and any(window.text == "Open" for window in sight.view.windows)
+
+        with Eyes() as eyes:
+            self.expect_tidy(self.cancel(Person(eyes), "loader", "the file dialog", browses))
 
 
 class Refused(CheckTest):
@@ -141,9 +166,24 @@ class Refused(CheckTest):
         program_file.write_bytes(text.replace(own, asked.ljust(len(own))))
         self.expect_refused("administrator")
 
-    def test_by_a_file_of_surroundings_that_makes_no_sense(self) -> None:
-        self.check.surroundings.write_text("not-tried nonsense\n", encoding="utf-8")
-        self.expect_refused("makes no sense")
+    def test_where_the_archive_was_not_unpacked(self) -> None:
+        (self.check.folder / "parts" / "KalvoApkInstaller.exe").unlink()
+        self.expect_refused("unpack all of the archive")
+
+    def test_with_options_that_make_no_sense(self) -> None:
+        surroundings = self.check.surroundings
+        self.check.surroundings = [*surroundings, "--not-tried", "nonsense"]
+        self.expect_refused("There is no claim nonsense")
+        self.check.surroundings = [*surroundings, "--nonsense"]
+        self.expect_refused("The argument --nonsense makes no sense")
+
+    def test_a_report_that_cannot_be_written_is_named(self) -> None:
+        in_the_way = self.check.folder / "report.json"
+        in_the_way.mkdir()
+        self.addCleanup(in_the_way.rmdir)
+        self.assertEqual(self.check.start("--only", "system").wait(120), NO_REPORT)
+        self.assertIn("cannot write report.json (error ", self.check.said())
+        self.assertIn("cannot write report.json (error ", self.check.refusal())
 
 
 if __name__ == "__main__":
