@@ -1,9 +1,8 @@
 """A Windows program as a file, read with nothing but the layout of its headers."""
 
 import struct
-from collections.abc import Iterator
-from dataclasses import dataclass
 from pathlib import Path
+from typing import NamedTuple
 
 OPTIONAL_HEADER = 24
 SECTION_BYTES = 40
@@ -11,8 +10,7 @@ IMPORT_BYTES = 20
 IMPORTS = 1
 
 
-@dataclass(frozen=True)
-class Section:
+class Section(NamedTuple):
     name: str
     address: int
     size: int
@@ -33,7 +31,12 @@ class Executable:
         self.subsystem = self._number("<H", self._optional + 68)
         self.characteristics = self._number("<H", self._optional + 70)
         self.stack = self._number("<Q", self._optional + 72)
-        self.sections = list(self._sections())
+        start = self._optional + self._number("<H", self._header + 20)
+        end = start + self._number("<H", self._header + 6) * SECTION_BYTES
+        self.sections = [
+            Section(name.rstrip(b"\0").decode("ascii"), address, size, offset, characteristics)
+            for name, size, address, _, offset, characteristics in struct.iter_unpack("<8s4I12xI", self._bytes[start:end])
+        ]
 
     def directory(self, index: int) -> tuple[int, int]:
         """The address and size of one of the tables that the loader uses; zeros where there is none."""
@@ -42,9 +45,12 @@ class Executable:
 
     def read(self, address: int, size: int) -> bytes:
         """What is loaded to that address."""
-        section = next(s for s in self.sections if s.address <= address and address + size <= s.address + s.size)
-        offset = section.offset + address - section.address
+        offset = self._offset(address, size)
         return self._bytes[offset : offset + size]
+
+    def _offset(self, address: int, size: int) -> int:
+        section = next(s for s in self.sections if s.address <= address and address + size <= s.address + s.size)
+        return section.offset + address - section.address
 
     def imported_libraries(self) -> list[str]:
         """The libraries that it is linked with, in order."""
@@ -55,17 +61,8 @@ class Executable:
         return [self._text(name) for name in names[:end]]
 
     def _text(self, address: int) -> str:
-        section = next(s for s in self.sections if s.address <= address < s.address + s.size)
-        start = section.offset + address - section.address
+        start = self._offset(address, 1)
         return self._bytes[start : self._bytes.index(b"\0", start)].decode("ascii")
-
-    def _sections(self) -> Iterator[Section]:
-        count = self._number("<H", self._header + 6)
-        start = self._optional + self._number("<H", self._header + 20)
-        for at in range(start, start + count * SECTION_BYTES, SECTION_BYTES):
-            name = self._bytes[at : at + 8].rstrip(b"\0").decode("ascii")
-            size, address, _, offset = struct.unpack_from("<4I", self._bytes, at + 8)
-            yield Section(name, address, size, offset, self._number("<I", at + 36))
 
     def _number(self, kind: str, offset: int) -> int:
         return struct.unpack_from(kind, self._bytes, offset)[0]

@@ -55,11 +55,9 @@ std::string Describe(HWND hwnd)
     std::string json = std::format(
         R"({{"handle":{},"owner":{},"process":{},"screen_window":{},"class":{},"id":{},"text":{},)", Number(hwnd),
         Number(GetWindow(hwnd, GW_OWNER)), dwProcess, nScreenWindow, Quoted(ClassOf(hwnd)), nId, Quoted(TitleOf(hwnd)));
-    json +=
-        std::format(R"("x":{},"y":{},"width":{},"height":{},"style":{},"extended":{},"visible":{},"enabled":{},)",
-                    rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top,
-                    static_cast<unsigned long>(nStyle), static_cast<unsigned long>(GetWindowLongW(hwnd, GWL_EXSTYLE)),
-                    Truth(IsWindowVisible(hwnd)), Truth(IsWindowEnabled(hwnd)));
+    json += std::format(R"("x":{},"y":{},"width":{},"height":{},"style":{},"visible":{},"enabled":{},)", rect.left,
+                        rect.top, rect.right - rect.left, rect.bottom - rect.top, static_cast<unsigned long>(nStyle),
+                        Truth(IsWindowVisible(hwnd)), Truth(IsWindowEnabled(hwnd)));
     json += R"("children":[)";
     bool bFirst = true;
     for (HWND child = GetWindow(hwnd, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {

@@ -68,7 +68,6 @@ class Window:
     width: int
     height: int
     style: int
-    extended: int
     visible: bool
     enabled: bool
     children: tuple["Window", ...] = field(repr=False)

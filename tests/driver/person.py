@@ -25,11 +25,9 @@ MOST_TABS = 12
 class Person:
     """Someone with the watch in one hand. Every wait ends, with what was waited for in the message."""
 
-    def __init__(self, eyes: Eyes, tell: Callable[[int, str], None] = lambda page, line: None) -> None:
-        """`tell` is called with the page's number and a status line when a new one is seen."""
+    def __init__(self, eyes: Eyes) -> None:
         self.eyes = eyes
-        self._tell = tell
-        # The same, in the order of their appearance.
+        # The status lines that were seen, each with its page's number, in the order of their appearance.
         self.statuses: list[tuple[int, str]] = []
 
     # Looking
@@ -40,7 +38,6 @@ class Person:
         line = (sight.number, sight.status)
         if line[1] and (not self.statuses or self.statuses[-1] != line):
             self.statuses.append(line)
-            self._tell(*line)
         return sight
 
     def wait_until(self, what: str, seen: Callable[[Sight], object], seconds: float = 10.0) -> Sight:

@@ -15,65 +15,45 @@ from driver.package import write_package
 from driver.person import Person
 from driver.program import Program, left_behind
 from driver.watch import Watch
-from driver.wizard import Sight
+
+LAST = len(pages.PAGES)
 
 
-class Report:
-    """Says what happens, and remembers what is wrong."""
+def check(right: bool, good: str, bad: str) -> int:
+    """Says what is, and counts what is wrong."""
+    print(f"   {good}" if right else f"   WRONG: {bad}", flush=True)
+    return 0 if right else 1
 
-    def __init__(self, folder: Path) -> None:
-        self._folder = folder
-        self._page = 0
-        self._early: list[str] = []
-        self.faults = 0
 
-    def check(self, right: bool, good: str, bad: str) -> None:
-        print(f"   {good}" if right else f"   WRONG: {bad}", flush=True)
-        self.faults += not right
-
-    def page(self, person: Person, sight: Sight) -> None:
-        """A page that is filled in and about to be left."""
-        assert sight.page
-        self._page = sight.number
-        print(f"page {sight.number:2}: {sight.title}", flush=True)
-        if sight.title != sight.page.title:
-            self.check(False, "", f'its title should be "{sight.page.title}"')
-        for line in self._early:
-            self.status(self._page, line)
-        self._early = []
-        person.picture(self._folder / f"page-{sight.number:02}.png")
-
-    def status(self, page: int, line: str) -> None:
-        """A new status line. What a page says at first waits for its title."""
-        if page == self._page:
-            print(f"   status: {line}", flush=True)
-        else:
-            self._early.append(line)
+def go_through(person: Person, page: pages.Page, watch: Watch, folder: Path) -> int:
+    """To the next page, or to the end."""
+    fill_in(person, page, watch)
+    button = "Finish" if page.number == LAST else "Next"
+    person.wait_for_next(button=button)
+    title = person.rest().title
+    print(f"page {page.number:2}: {title}", flush=True)
+    faults = 0 if title == page.title else check(False, "", f'its title should be "{page.title}"')
+    person.picture(folder / f"page-{page.number:02}.png")
+    person.enter_when_offered(button)
+    if page.number != LAST:
+        person.wait_for_page(page.number + 1)
+    said = [line for number, line in person.statuses if number == page.number]
+    print(*(f"   status: {line}\n" for line in said), sep="", end="", flush=True)
+    return faults
 
 
 def install(folder: Path) -> int:
     with Watch() as watch, Eyes() as eyes, Program(folder=places.own_folder()) as program:
         package = write_package(program.folder)
-        report = Report(folder)
-        person = Person(eyes, report.status)
+        person = Person(eyes)
         person.wait_for_first_page()
-        for page in pages.PAGES:
-            person.wait_for_page(page.number)
-            fill_in(person, page, watch)
-            button = "Finish" if page is pages.PAGES[-1] else "Next"
-            person.wait_for_next(button=button)
-            report.page(person, person.rest())
-            person.enter_when_offered(button)
+        faults = sum([go_through(person, page, watch, folder) for page in pages.PAGES])
         code = program.wait()
-        report.check(code == 0, "the program ended with 0", f"the program ended with {code}: {program.said}")
-        report.check(
-            watch.has_received(package),
-            f"the watch received the package byte for byte ({package.stat().st_size} bytes)",
-            f"the watch did not receive the package: {watch.events}",
-        )
+        faults += check(code == 0, "the program ended with 0", f"the program ended with {code}: {program.said}")
+        good = f"the watch received the package byte for byte ({package.stat().st_size} bytes)"
+        faults += check(watch.has_received(package), good, f"the watch did not receive the package: {watch.events}")
         left = left_behind()
-        report.check(not left, "nothing is left in the working folder", f"left behind: {', '.join(left)}")
-        return report.faults
+        return faults + check(not left, "nothing is left in the working folder", f"left behind: {', '.join(left)}")
 
 
 def main() -> int:
