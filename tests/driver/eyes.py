@@ -1,5 +1,7 @@
 """What is on the screen, read without asking the programs that show it."""
 
+import atexit
+import functools
 import json
 from collections.abc import Iterator
 from dataclasses import dataclass, field
@@ -134,7 +136,7 @@ class View:
 
 
 class Eyes(Answering):
-    """The reader of windows. A context manager; one serves for a whole test."""
+    """The reader of windows, see open_eyes."""
 
     def __init__(self) -> None:
         super().__init__(places.helper("driver/eyes"), patience=PATIENCE)
@@ -161,3 +163,15 @@ class Eyes(Answering):
         if "error" in answer:
             raise RuntimeError(f"{request!r}: {answer['error']}")
         return answer
+
+
+@functools.cache
+def open_eyes() -> Eyes:
+    """Opened once and closed with the script.
+
+    They keep Windows' desktop as well. A second after the last program on it has ended it goes; the installer that was
+    started just then drew on a window that was no more, and X ended it.
+    """
+    eyes = Eyes().__enter__()
+    atexit.register(eyes.__exit__)
+    return eyes

@@ -5,7 +5,7 @@ from collections.abc import Callable
 from pathlib import Path
 
 from driver import hands, pixels
-from driver.eyes import Eyes, Window
+from driver.eyes import Window, open_eyes
 from driver.waiting import wait_for, wait_for_value
 from driver.wizard import MessageBox, Sight, recognise
 
@@ -25,8 +25,8 @@ MOST_TABS = 12
 class Person:
     """Someone with the watch in one hand. Every wait ends, with what was waited for in the message."""
 
-    def __init__(self, eyes: Eyes) -> None:
-        self.eyes = eyes
+    def __init__(self) -> None:
+        self.eyes = open_eyes()
         # The status lines that were seen, each with its page's number, in the order of their appearance.
         self.statuses: list[tuple[int, str]] = []
 

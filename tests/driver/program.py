@@ -21,19 +21,15 @@ class Program:
     """The installer, copied into a folder and started there. A context manager: it does not outlive the test.
 
     `faults` are calls that are to fail, as the stand-ins read them. `largest_file`: from that size on, a file that it
-    writes to is the end of it, in the midst of the write. `keeps_windows`: when it has to be ended with the test, other
-    programs of the home's Windows go on.
+    writes to is the end of it, in the midst of the write.
     """
 
-    def __init__(
-        self, faults: str = "", folder: Path | None = None, largest_file: int | None = None, keeps_windows: bool = False
-    ) -> None:
+    def __init__(self, faults: str = "", folder: Path | None = None, largest_file: int | None = None) -> None:
         self.folder = folder or places.downloads()
         self._file = self.folder / "KalvoApkInstaller.exe"
         self._faults = faults
         # The kernel ends a process that writes beyond it.
         self._limits = [] if largest_file is None else ["prlimit", f"--fsize={largest_file}"]
-        self._keeps_windows = keeps_windows
         self._journal = Path(f"/tmp/journal-{next(_numbers)}.txt")
         self._log = self._journal.with_suffix(".log")
         self._transcript = self._journal.with_suffix(".adb")
@@ -52,13 +48,9 @@ class Program:
         return self
 
     def __exit__(self, *_: object) -> None:
-        if not self.has_ended and self._keeps_windows:
+        if not self.has_ended:
             self.kill()
-        elif not self.has_ended:
-            # The installer is a child of the launcher and adb's server one of the installer: with the
-            # home's Windows all of them end.
-            subprocess.run(["wineserver", "--kill"], check=False, timeout=30)
-            self._launcher.wait(30)
+            wine.end_at_once(*wine.adb_processes())
 
     @property
     def has_ended(self) -> bool:

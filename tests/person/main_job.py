@@ -9,7 +9,6 @@ import sys
 from pathlib import Path
 
 from driver import pages, places
-from driver.eyes import Eyes
 from driver.journey import fill_in
 from driver.package import write_package
 from driver.person import Person
@@ -43,9 +42,9 @@ def go_through(person: Person, page: pages.Page, watch: Watch, folder: Path) -> 
 
 
 def install(folder: Path) -> int:
-    with Watch() as watch, Eyes() as eyes, Program(folder=places.own_folder()) as program:
+    person = Person()
+    with Watch() as watch, Program(folder=places.own_folder()) as program:
         package = write_package(program.folder)
-        person = Person(eyes)
         person.wait_for_first_page()
         faults = sum([go_through(person, page, watch, folder) for page in pages.PAGES])
         code = program.wait()

@@ -2,7 +2,6 @@
 
 from driver import journey, places
 from driver.evidence import ObservedTest
-from driver.eyes import Eyes
 from driver.package import write_package
 from driver.person import Person
 from driver.program import Program, left_behind, remove_folder
@@ -24,10 +23,10 @@ class WizardTest(ObservedTest):
 
     def start_wizard(self, faults: str) -> None:
         self.addCleanup(remove_folder, places.working_folder())
+        self.person = Person()
         self.watch = self.enterContext(Watch(*self.watch_switches))
         self.program = self.enterContext(Program(faults))
         self.package = write_package(self.program.folder)
-        self.person = Person(self.enterContext(Eyes()))
         self.enterContext(self.observed(self.program, lambda: self.watch.events))
         self.person.wait_for_first_page()
 

@@ -7,7 +7,6 @@ from dataclasses import dataclass
 from bystander import describe
 from driver import pages, places
 from driver.evidence import ObservedTest
-from driver.eyes import Eyes
 from driver.person import START, Person
 from driver.program import Program, left_behind, remove_folder
 from driver.waiting import wait_for
@@ -109,15 +108,8 @@ OLD_WINDOWS = Box(
 class ProcessTest(ObservedTest):
     """Every test begins on an account where the installer never ran."""
 
-    eyes: Eyes
-
-    @classmethod
-    def setUpClass(cls) -> None:
-        # For all tests of the class: while it runs, Windows need not start anew for each.
-        cls.eyes = cls.enterClassContext(Eyes())
-
     def setUp(self) -> None:
-        self.person = Person(self.eyes)
+        self.person = Person()
         self.folder = places.working_folder()
         self.clean_account()
         self._boxes = 0
@@ -135,7 +127,7 @@ class ProcessTest(ObservedTest):
 
     def start(self, faults: str = "", largest_file: int | None = None) -> Program:
         """Starts the installer. It is ended with the test."""
-        start = self.enterContext(Program(faults, largest_file=largest_file, keeps_windows=True))
+        start = self.enterContext(Program(faults, largest_file=largest_file))
         self.enterContext(self.observed(start))
         return start
 

@@ -13,7 +13,7 @@ HANDLE = "CloseHandle mutex"
 class Second(ProcessTest):
     def expect_nothing(self, *events: str, faults: str = "") -> None:
         """A start that ends with these calls and puts nothing on the screen, not for a moment."""
-        before = {window.handle for window in self.eyes.look().windows}
+        before = {window.handle for window in self.person.eyes.look().windows}
         with bystander.watch() as shown:
             start = self.start(faults)
             self.person.wait_until("its end", lambda _: start.has_ended)

@@ -25,7 +25,7 @@ class AtOnce(ProcessTest):
         wait_for("all but one to end", lambda: sum(start.has_ended for start in starts) == len(starts) - 1, 90)
         (first,) = (start for start in starts if not start.has_ended)
         self.wait_for_wizard(first)
-        titled = [window for window in self.eyes.look().windows if window.text == TITLE]
+        titled = [window for window in self.person.eyes.look().windows if window.text == TITLE]
         self.assertEqual(len(titled), 1, titled)
         self.expect_whole_tools()
         for start in starts:

@@ -27,7 +27,7 @@ class Observed(ProcessTest):
     def test_a_crash_of_the_installer_fails_the_test(self) -> None:
         crash = "the installer crashed:\ncrash: exception 0xC0000005 at 0x10\ncrash: called"
         with self.assertRaisesRegex(AssertionError, crash):
-            with Program(keeps_windows=True) as start, self.observed(start):
+            with Program() as start, self.observed(start):
                 self.wait_for_wizard(start)
                 bystander.crash(self.wizard_process())
                 start.wait()
@@ -57,9 +57,9 @@ class Observed(ProcessTest):
             hands.send_keys_to(of_wizard)
             wait_for_value("where keys go", lambda: hands.keys_go_to()[0], of_wizard)
             self.person.type("a")
-            wait_for_value("the text in Notepad", lambda: self.eyes.read(sheet), "a")
+            wait_for_value("the text in Notepad", lambda: self.person.eyes.read(sheet), "a")
             self.person.press("BackSpace")
-            wait_for_value("the text in Notepad", lambda: self.eyes.read(sheet), "")
+            wait_for_value("the text in Notepad", lambda: self.person.eyes.read(sheet), "")
         self.cancel(start)
 
 

@@ -12,7 +12,7 @@ import checking
 import page
 from checking import ALL_HOLD, CANCELLED, CHECKOUT, NO_REPORT, REFUSED, SURROUNDINGS, Report, WindowsCheck
 from driver import places, wine
-from driver.eyes import Eyes, View
+from driver.eyes import View
 from driver.notepad import copy_to_clipboard
 from driver.person import Person
 from driver.places import drive_c, windows_path
@@ -47,6 +47,7 @@ def in_front(view: View) -> str:
 class CheckTest(unittest.TestCase):
     def setUp(self) -> None:
         self.check = WindowsCheck()
+        self.person = Person()
 
     def expect_nothing_left(self) -> None:
         """No process, no file but the reports, no key of adb."""
@@ -101,13 +102,13 @@ class Whole(CheckTest):
 
 
 class Cancelled(CheckTest):
-    def cancel(self, person: Person, step: str, what: str, seen: Callable[[Sight], object]) -> Report:
+    def cancel(self, step: str, what: str, seen: Callable[[Sight], object]) -> Report:
         """Lets it do one step, and clicks on its Cancel as soon as that is to be seen."""
         started = self.check.start("--only", step)
-        sight = person.wait_until(what, seen, 240)
+        sight = self.person.wait_until(what, seen, 240)
         progress = next(window for window in sight.view.windows if window.text == PROGRESS)
         cancel = next(child for child in progress.children if child.text == "Cancel")
-        person.click(cancel)
+        self.person.click(cancel)
         return self.check.report(started.wait(60))
 
     def expect_tidy(self, report: Report) -> None:
@@ -121,28 +122,24 @@ class Cancelled(CheckTest):
         other = wine.start("winemine")
         self.addCleanup(other.wait)
         self.addCleanup(other.kill)
-        with Eyes() as eyes:
-            person = Person(eyes)
-            person.wait_until("another program in front", lambda sight: in_front(sight.view) == "WineMine")
-            before = person.rest().view.foreground
-            copy_to_clipboard(person, "kept")
-            report = self.cancel(person, "working-pages", "page 5", lambda sight: sight.number == 5)
-            person.wait_until("the other program in front", lambda sight: sight.view.foreground == before)
+        self.person.wait_until("another program in front", lambda sight: in_front(sight.view) == "WineMine")
+        before = self.person.rest().view.foreground
+        copy_to_clipboard(self.person, "kept")
+        report = self.cancel("working-pages", "page 5", lambda sight: sight.number == 5)
+        self.person.wait_until("the other program in front", lambda sight: sight.view.foreground == before)
         self.expect_tidy(report)
 
     def test_while_adb_pairs(self) -> None:
         def pairs(sight: Sight) -> bool:
             return sight.number == 6 and "Pairing attempt" in sight.status and bool(wine.adb_processes())
 
-        with Eyes() as eyes:
-            self.expect_tidy(self.cancel(Person(eyes), "working-pages", "adb at work", pairs))
+        self.expect_tidy(self.cancel("working-pages", "adb at work", pairs))
 
     def test_while_the_file_dialog_of_a_copy_is_open(self) -> None:
         def browses(sight: Sight) -> bool:
             return sight.number == 7 and any(window.text == "Open" for window in sight.view.windows)
 
-        with Eyes() as eyes:
-            self.expect_tidy(self.cancel(Person(eyes), "loader", "the file dialog", browses))
+        self.expect_tidy(self.cancel("loader", "the file dialog", browses))
 
 
 class Refused(CheckTest):
@@ -152,8 +149,8 @@ class Refused(CheckTest):
         self.assertFalse((self.check.folder / "report.json").exists())
 
     def test_while_the_installer_runs(self) -> None:
-        with Eyes() as eyes, Program() as installer:
-            Person(eyes).wait_for_first_page()
+        with Program() as installer:
+            self.person.wait_for_first_page()
             self.expect_refused("The installer is running")
             self.assertFalse(installer.has_ended)
 
