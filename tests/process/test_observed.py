@@ -44,6 +44,8 @@ class Observed(ProcessTest):
             with self.observed(Said("a word", "> adb kill-server"), lambda: ["listening"]):
                 raise ZeroDivisionError
         self.cancel(start)
+        # What adb is asked and says is kept.
+        self.assertRegex(start.transcript, r"> .*kill-server\s+cannot connect to daemon at tcp:5037")
         told = printed.getvalue()
         self.assertRegex(told, 'in front: NativeHWNDHost "KALVO Solvane Android Watch Installer"')
         self.assertRegex(told, 'with the keyboard: Button "&Next"')
