@@ -50,7 +50,7 @@ void NoteLine(WORK& work, const CWalk& walk, const SIGHT& sight, ULONGLONG nStar
     }
     const ULONGLONG nSaid = GetTickCount64() - nStart;
     const RECT rect = sight.Existing(sight.pPage->nStatusId).rect;
-    const std::vector<COLORREF> before = work.lines.empty() ? std::vector<COLORREF>() : work.lines.back().pixels;
+    const std::vector<COLORREF> before = work.lines.empty() ? work.before.pixels : work.lines.back().pixels;
     // One that changes at once is not seen long enough to say anything about its letters.
     std::vector<COLORREF> pixels;
     Pause(kUntilPainted);
@@ -87,8 +87,9 @@ std::wstring WORK::Texts() const
 
 bool WORK::WerePainted() const
 {
-    std::set<std::vector<COLORREF>> different;
-    std::set<std::wstring> texts;
+    // One that is painted late shows what stood there before it.
+    std::set<std::vector<COLORREF>> different = {before.pixels};
+    std::set<std::wstring> texts = {before.szText};
     for (const STATUS_LINE& line : lines) {
         if (!line.pixels.empty()) {
             different.insert(line.pixels);
@@ -106,7 +107,9 @@ bool WORK::SaysSomewhere(const std::wstring& szText) const
 WORK PressNextAndWatch(const CWalk& walk, PATIENCE nPatience)
 {
     WORK work = {};
-    const int nPage = walk.Look().Number();
+    const SIGHT first = walk.Rest();
+    const int nPage = first.Number();
+    work.before = {first.Status(), 0, ScreenColors(first.Existing(first.pPage->nStatusId).rect)};
     const ULONGLONG nStart = GetTickCount64();
     const auto Milliseconds = [nStart] { return GetTickCount64() - nStart; };
     bool bClicks = nPatience == PATIENCE::kImpatient;
