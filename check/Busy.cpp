@@ -6,7 +6,10 @@
 #include "check/Text.h"
 #include "person/Reading.h"
 
+#include <commctrl.h>
+
 #include <algorithm>
+#include <format>
 #include <set>
 
 namespace {
@@ -21,6 +24,9 @@ constexpr DWORD kLongestWork = 90000;
 
 // Behind all that is said quickly.
 constexpr ULONGLONG kUntilImpatient = 2000;
+
+// A page that still says the same and listens has not taken the click.
+constexpr ULONGLONG kUntilPressed = 4000;
 
 bool IsGhosted()
 {
@@ -113,6 +119,7 @@ WORK PressNextAndWatch(const CWalk& walk, PATIENCE nPatience)
     const ULONGLONG nStart = GetTickCount64();
     const auto Milliseconds = [nStart] { return GetTickCount64() - nStart; };
     bool bClicks = nPatience == PATIENCE::kImpatient;
+    bool bPressed = false;
     walk.ClickControl(kNextId);
     const bool bOver = WaitFor(kLongestWork, [&] {
         const SIGHT sight = walk.Look();
@@ -128,6 +135,10 @@ WORK PressNextAndWatch(const CWalk& walk, PATIENCE nPatience)
             return sight.Number() != 0;
         }
         NoteLine(work, walk, sight, nStart);
+        if (!bPressed && Milliseconds() > kUntilPressed && sight.Status() == work.before.szText && Listens(sight)) {
+            walk.PressButton(PSBTN_NEXT);
+            bPressed = true;
+        }
         if (bClicks && Milliseconds() > kUntilImpatient) {
             ClickOnPage(sight.hwndPage);
             bClicks = false;
@@ -136,7 +147,7 @@ WORK PressNextAndWatch(const CWalk& walk, PATIENCE nPatience)
         return !work.boxes.empty() && Listens(sight) && walk.Look().boxes.empty();
     });
     if (!bOver) {
-        throw CLost{L"page " + std::to_wstring(nPage) + L" works without an end"};
+        throw CLost{std::format(L"page {} works without an end: {}", nPage, work.Texts())};
     }
     work.nMilliseconds = Milliseconds();
     const SIGHT sight = walk.Rest();
