@@ -6,7 +6,10 @@
 #include "check/Text.h"
 #include "driver/Reading.h"
 
+#include <commctrl.h>
+
 #include <algorithm>
+#include <format>
 #include <set>
 
 namespace {
@@ -21,6 +24,9 @@ constexpr DWORD kLongestWork = 90000;
 
 // Behind all that is said quickly.
 constexpr ULONGLONG kUntilImpatient = 2000;
+
+// A page that still says the same and listens has not taken the click.
+constexpr ULONGLONG kUntilPressed = 4000;
 
 bool IsGhosted()
 {
@@ -50,7 +56,7 @@ void NoteLine(WORK& work, const CWalk& walk, const SIGHT& sight, ULONGLONG nStar
     }
     const ULONGLONG nSaid = GetTickCount64() - nStart;
     const RECT rect = sight.Existing(sight.pPage->nStatusId).rect;
-    const std::vector<COLORREF> before = work.lines.empty() ? std::vector<COLORREF>() : work.lines.back().pixels;
+    const std::vector<COLORREF> before = work.lines.empty() ? work.before.pixels : work.lines.back().pixels;
     // One that changes at once is not seen long enough to say anything about its letters.
     std::vector<COLORREF> pixels;
     Pause(kUntilPainted);
@@ -87,8 +93,9 @@ std::wstring WORK::Texts() const
 
 bool WORK::WerePainted() const
 {
-    std::set<std::vector<COLORREF>> different;
-    std::set<std::wstring> texts;
+    // One that is painted late shows what stood there before it.
+    std::set<std::vector<COLORREF>> different = {before.pixels};
+    std::set<std::wstring> texts = {before.szText};
     for (const STATUS_LINE& line : lines) {
         if (!line.pixels.empty()) {
             different.insert(line.pixels);
@@ -106,10 +113,13 @@ bool WORK::SaysSomewhere(const std::wstring& szText) const
 WORK PressNextAndWatch(const CWalk& walk, PATIENCE nPatience)
 {
     WORK work = {};
-    const int nPage = walk.Look().Number();
+    const SIGHT first = walk.Rest();
+    const int nPage = first.Number();
+    work.before = {first.Status(), 0, ScreenColors(first.Existing(first.pPage->nStatusId).rect)};
     const ULONGLONG nStart = GetTickCount64();
     const auto Milliseconds = [nStart] { return GetTickCount64() - nStart; };
     bool bClicks = nPatience == PATIENCE::kImpatient;
+    bool bPressed = false;
     walk.ClickControl(kNextId);
     const bool bOver = WaitFor(kLongestWork, [&] {
         const SIGHT sight = walk.Look();
@@ -125,6 +135,10 @@ WORK PressNextAndWatch(const CWalk& walk, PATIENCE nPatience)
             return sight.Number() != 0;
         }
         NoteLine(work, walk, sight, nStart);
+        if (!bPressed && Milliseconds() > kUntilPressed && sight.Status() == work.before.szText && Listens(sight)) {
+            walk.PressButton(PSBTN_NEXT);
+            bPressed = true;
+        }
         if (bClicks && Milliseconds() > kUntilImpatient) {
             ClickOnPage(sight.hwndPage);
             bClicks = false;
@@ -133,7 +147,7 @@ WORK PressNextAndWatch(const CWalk& walk, PATIENCE nPatience)
         return !work.boxes.empty() && Listens(sight) && walk.Look().boxes.empty();
     });
     if (!bOver) {
-        throw CLost{L"page " + std::to_wstring(nPage) + L" works without an end"};
+        throw CLost{std::format(L"page {} works without an end: {}", nPage, work.Texts())};
     }
     work.nMilliseconds = Milliseconds();
     const SIGHT sight = walk.Rest();

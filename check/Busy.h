@@ -15,6 +15,7 @@ struct STATUS_LINE
 
 struct WORK
 {
+    STATUS_LINE before;              // what stood there when Next was pressed
     std::vector<STATUS_LINE> lines;  // each once, in their order
     std::vector<std::wstring> boxes; // "caption: text", as they came; all were dismissed
     int nPage;                       // when it was over
