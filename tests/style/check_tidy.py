@@ -5,8 +5,8 @@
 
 Each source alone would have the system's headers read and searched anew, which is nearly all of the time it takes. So
 the sources are included by one that is made here, NAME.cpp, and no name of an unnamed namespace stands in two of them.
-Folders called "tests" are left out: their sources do not go together in one, as the names of their helpers stand in
-several of them.
+Folders called "tests" are left out: some of their names stand in the sources that they test, too, so that all of it
+does not go together in one.
 """
 
 import json
