@@ -18,8 +18,8 @@ struct BUTTON
 // In tab order. The arrow draws itself.
 constexpr BUTTON kButtons[] = {
     {PSWIZB_BACK, kBackButtonId, L"Back", BS_OWNERDRAW},
-    {PSWIZB_NEXT, kNextButtonId, L"Next", BS_PUSHBUTTON},
-    {PSWIZB_FINISH, kFinishButtonId, L"Finish", BS_PUSHBUTTON},
+    {PSWIZB_NEXT, kNextButtonId, L"&Next", BS_PUSHBUTTON},
+    {PSWIZB_FINISH, kFinishButtonId, L"&Finish", BS_PUSHBUTTON},
     {PSWIZB_CANCEL, IDCANCEL, L"Cancel", BS_PUSHBUTTON},
 };
 

@@ -30,11 +30,10 @@ LRESULT CallOriginal(HWND hwnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
     return CallWindowProcW(g_pfnOriginal, hwnd, nMessage, wParam, lParam);
 }
 
-// Blank from the start, where Wine begins with 0.0.0.0; and disabled from the start, which Wine learns of later alone.
+// Wine learns only later of being disabled.
 LRESULT Create(HWND hwnd, WPARAM wParam, LPARAM lParam)
 {
     const LRESULT nResult = CallOriginal(hwnd, WM_CREATE, wParam, lParam);
-    CallOriginal(hwnd, IPM_CLEARADDRESS, 0, 0);
     if (!IsWindowEnabled(hwnd)) {
         CallOriginal(hwnd, WM_ENABLE, FALSE, 0);
     }

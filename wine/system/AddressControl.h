@@ -6,8 +6,8 @@
 #include <array>
 
 // Gives every SysIPAddress32 that the calling thread's activation context makes from now on what Wine's lacks:
-// - it is blank at first, where Wine's is 0.0.0.0;
-// - it takes its text: "192.168.1." fills three fields and leaves the fourth blank;
+// - it takes its text: "192.168.1." fills three fields and leaves the fourth blank; the text that Wine gives it at
+//   first, 0.0.0.0, fills none;
 // - it tells its parent of every change of a field that a user makes (IPN_FIELDCHANGED, without field and value),
 //   Backspace included;
 // - its fields and dots have its font and one line, and are grey when it is made disabled.

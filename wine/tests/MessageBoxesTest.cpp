@@ -20,7 +20,7 @@ struct BOX
 
 BOX g_seen;
 
-void CALLBACK NoteAndAnswer(HWND, UINT, UINT_PTR nTimer, DWORD)
+void CALLBACK NoteAndAnswer(HWND /*hwnd*/, UINT /*nMessage*/, UINT_PTR nTimer, DWORD /*dwTime*/)
 {
     const HWND hwnd = GetActiveWindow();
     const HWND hwndButton = GetDlgItem(hwnd, IDCANCEL) ? GetDlgItem(hwnd, IDCANCEL) : GetDlgItem(hwnd, IDOK);

@@ -24,7 +24,7 @@ void HoldShift(bool bHeld)
 
 } // namespace
 
-INT_PTR Wizard::Run(std::vector<int> dialogs, Steps steps)
+INT_PTR Wizard::Run(const std::vector<int>& dialogs, Steps steps)
 {
     std::vector<PROPSHEETPAGEW> records;
     for (const int nDialog : dialogs) {
@@ -54,7 +54,7 @@ INT_PTR Wizard::Run(std::vector<int> dialogs, Steps steps)
     return nResult;
 }
 
-void CALLBACK Wizard::OnTimer(HWND, UINT, UINT_PTR, DWORD)
+void CALLBACK Wizard::OnTimer(HWND /*hwnd*/, UINT /*nMessage*/, UINT_PTR /*nTimer*/, DWORD /*dwTime*/)
 {
     g_pTest->NextStep();
 }
@@ -157,7 +157,7 @@ Step Wizard::ExpectPage(int nNumber)
 
 Step Wizard::ExpectFocus(int nId)
 {
-    return [=, this] { EXPECT_EQ(GetDlgCtrlID(GetFocus()), nId); };
+    return [=] { EXPECT_EQ(GetDlgCtrlID(GetFocus()), nId); };
 }
 
 Step Wizard::ExpectButtons(const char* pszNames)
@@ -189,7 +189,7 @@ std::string Wizard::VisibleButtons() const
 {
     std::string names;
     for (const auto& [nId, pszName] : {std::pair(kBackButtonId, "Back"), std::pair(kNextButtonId, "Next"),
-                                       std::pair(kFinishButtonId, "Finish"), std::pair(int{IDCANCEL}, "Cancel")}) {
+                                       std::pair(kFinishButtonId, "Finish"), std::pair(IDCANCEL, "Cancel")}) {
         if (IsWindowVisible(Window(nId))) {
             names += names.empty() ? "" : " ";
             names += pszName;

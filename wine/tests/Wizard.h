@@ -24,7 +24,7 @@ protected:
     // Shows a wizard of pages with these templates and runs the steps, one after the other, each when all
     // that came before has had its effect. Returns the wizard's result. A wizard that is still there
     // after the last step is a failure, and is closed.
-    INT_PTR Run(std::vector<int> dialogs, Steps steps);
+    INT_PTR Run(const std::vector<int>& dialogs, Steps steps);
 
     // What the wizard's pages answer: (number of the page from 1, notification) to answer. 0 by default.
     std::map<std::pair<int, UINT>, LRESULT> m_answers;

@@ -120,7 +120,7 @@ TEST_F(Wizard, TheDefaultButtonIsThePushButtonWithTheFocusElseNextElseFinish)
 {
     const auto expectDefault = [this](int nExpected) {
         return [=, this] {
-            for (const int nId : {kNextButtonId, kFinishButtonId, int{IDCANCEL}, IDC_BUTTON}) {
+            for (const int nId : {kNextButtonId, kFinishButtonId, IDCANCEL, IDC_BUTTON}) {
                 EXPECT_EQ(IsDefault(Window(nId)), nId == nExpected) << nId;
             }
         };
@@ -222,7 +222,7 @@ TEST_F(Wizard, TabWalksThroughPageAndFrameAndBeginsAnew)
     steps.push_back([this] {
         EXPECT_EQ(SendMessageW(Window(IDC_EDIT), EM_GETSEL, 0, 0), MAKELRESULT(0, 5)) << "the text gets selected";
     });
-    for (const int nId : {kBackButtonId, int{IDCANCEL}, kNextButtonId, IDC_BOX, IDC_BUTTON, IDC_EDIT}) {
+    for (const int nId : {kBackButtonId, IDCANCEL, kNextButtonId, IDC_BOX, IDC_BUTTON, IDC_EDIT}) {
         steps.push_back(PressWithShift(VK_TAB));
         steps.push_back(ExpectFocus(nId));
     }
