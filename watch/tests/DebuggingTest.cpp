@@ -84,7 +84,7 @@ TEST_F(DebuggingTest, OtherServicesAreRefused)
     Start();
     CAdbLink link = PairedLink();
     EXPECT_FALSE(link.Open("shell,v2,raw:id"));
-    EXPECT_FALSE(link.Open("exec:cmd package 'uninstall' x"));
+    EXPECT_FALSE(link.Open("exec:cmd package 'archive' -S 1"));
     EXPECT_EQ(m_journal.Count("debugging: refused service shell,v2,raw:id"), 1U);
     EXPECT_EQ(link.Install("package"), "Success\n");
 }
