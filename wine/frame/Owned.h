@@ -16,6 +16,7 @@ struct CGdiObjectDeleter
 
 using CFontHandle = std::unique_ptr<std::remove_pointer_t<HFONT>, CGdiObjectDeleter>;
 using CBitmapHandle = std::unique_ptr<std::remove_pointer_t<HBITMAP>, CGdiObjectDeleter>;
+using CBrushHandle = std::unique_ptr<std::remove_pointer_t<HBRUSH>, CGdiObjectDeleter>;
 
 // A memory device context like that of the screen, or like another one.
 class CMemoryDc
