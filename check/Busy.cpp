@@ -135,7 +135,8 @@ WORK PressNextAndWatch(const CWalk& walk, PATIENCE nPatience)
             return sight.Number() != 0;
         }
         NoteLine(work, walk, sight, nStart);
-        if (!bPressed && Milliseconds() > kUntilPressed && sight.Status() == work.before.szText && Listens(sight)) {
+        const bool bSaysNothing = work.boxes.empty() && sight.Status() == work.before.szText;
+        if (!bPressed && bSaysNothing && Milliseconds() > kUntilPressed && Listens(sight)) {
             walk.PressButton(PSBTN_NEXT);
             bPressed = true;
         }
