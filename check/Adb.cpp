@@ -5,8 +5,8 @@
 #include "check/Stopping.h"
 #include "check/Text.h"
 #include "check/Walk.h"
-#include "kit/Request.h"
 #include "driver/Json.h"
+#include "kit/Request.h"
 
 #include <algorithm>
 #include <format>
