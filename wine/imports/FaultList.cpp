@@ -1,6 +1,7 @@
 #include "imports/FaultList.h"
 
 #include "imports/Journal.h"
+#include "imports/Utf8.h"
 
 #include <algorithm>
 #include <atomic>

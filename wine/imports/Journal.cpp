@@ -1,5 +1,7 @@
 #include "imports/Journal.h"
 
+#include "imports/Utf8.h"
+
 #include <windows.h>
 
 std::wstring EnvironmentText(PCWSTR pszVariable)
@@ -7,14 +9,6 @@ std::wstring EnvironmentText(PCWSTR pszVariable)
     std::wstring szText(GetEnvironmentVariableW(pszVariable, nullptr, 0), L'\0');
     szText.resize(GetEnvironmentVariableW(pszVariable, szText.data(), static_cast<DWORD>(szText.size())));
     return szText;
-}
-
-std::string ToUtf8(std::wstring_view szText)
-{
-    std::string utf8(szText.size() * 3, '\0');
-    utf8.resize(static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, szText.data(), static_cast<int>(szText.size()),
-                                                        utf8.data(), static_cast<int>(utf8.size()), nullptr, nullptr)));
-    return utf8;
 }
 
 void AppendToFile(PCWSTR pszVariable, std::string_view bytes)
@@ -42,7 +36,7 @@ void WriteJournal(std::wstring_view szLine)
     AppendToFile(kJournalVariable, ToUtf8(szLine) + '\n');
 }
 
-std::wstring Quoted(std::wstring_view szText)
+std::wstring QuotedOnOneLine(std::wstring_view szText)
 {
     constexpr std::wstring_view kSpecial = L"\n\r\t\"\\";
     std::wstring szQuoted = L"\"";

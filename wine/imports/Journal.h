@@ -14,8 +14,6 @@ std::wstring EnvironmentText(const wchar_t* pszVariable);
 // error.
 void AppendToFile(const wchar_t* pszVariable, std::string_view bytes);
 
-std::string ToUtf8(std::wstring_view szText);
-
 // Whether there is a journal.
 bool HasJournal();
 
@@ -24,4 +22,4 @@ void WriteJournal(std::wstring_view szLine);
 
 // The text in double quotes. A quote, a backslash, a line feed, a carriage return and a tab in it become
 // \" \\ \n \r \t.
-std::wstring Quoted(std::wstring_view szText);
+std::wstring QuotedOnOneLine(std::wstring_view szText);

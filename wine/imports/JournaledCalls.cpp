@@ -68,7 +68,7 @@ BOOL WINAPI JournaledSetForegroundWindow(HWND hwnd)
 {
     WCHAR szTitle[256] = {};
     InternalGetWindowText(hwnd, szTitle, ARRAYSIZE(szTitle));
-    WriteJournal(L"SetForegroundWindow title=" + Quoted(szTitle));
+    WriteJournal(L"SetForegroundWindow title=" + QuotedOnOneLine(szTitle));
     return g_pfnSetForegroundWindow(hwnd);
 }
 
@@ -76,7 +76,7 @@ int WINAPI JournaledMessageBoxW(HWND hwndOwner, LPCWSTR pszText, LPCWSTR pszCapt
 {
     WriteJournal(std::format(
         L"MessageBoxW owner={} flags={:#010x} caption={} text={}", hwndOwner == nullptr ? L"none" : L"some", nType,
-        Quoted(pszCaption != nullptr ? pszCaption : L""), Quoted(pszText != nullptr ? pszText : L"")));
+        QuotedOnOneLine(pszCaption != nullptr ? pszCaption : L""), QuotedOnOneLine(pszText != nullptr ? pszText : L"")));
     return g_pfnMessageBoxW(hwndOwner, pszText, pszCaption, nType);
 }
 

@@ -2,6 +2,7 @@
 
 #include "imports/ImportTable.h"
 #include "imports/Journal.h"
+#include "imports/Utf8.h"
 
 namespace {
 

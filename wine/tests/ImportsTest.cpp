@@ -37,5 +37,5 @@ TEST(ImportTable, WhatIsNotImportedIsLeftAlone)
 
 TEST(Journal, TextsAreQuotedOnOneLine)
 {
-    EXPECT_EQ(Quoted(L"a \"b\" \\ c\r\n\td"), L"\"a \\\"b\\\" \\\\ c\\r\\n\\td\"");
+    EXPECT_EQ(QuotedOnOneLine(L"a \"b\" \\ c\r\n\td"), L"\"a \\\"b\\\" \\\\ c\\r\\n\\td\"");
 }
