@@ -61,7 +61,7 @@ make_windows() {
     export DISPLAY=:$number
     wineboot -i
     wine reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontSubstitutes' /v 'MS Shell Dlg' /d "$1" /f
-    wineserver -w
+    wineserver --kill --wait
     kill "$screen"
     wait "$screen" || true
     grep -q "\"MS Shell Dlg\"=\"$1\"" /wine-prefix/system.reg
