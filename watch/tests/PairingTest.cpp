@@ -94,7 +94,8 @@ TEST_F(PairingTest, PairingThatCannotBeWrittenIsNone)
     const CComputer computer("x");
     for (std::size_t nTimes = 1; nTimes <= 2; ++nTimes) {
         EXPECT_THROW(computer.Pair(m_pWatch->PairingPort(), "123456"), CPeerClosed);
-        EXPECT_TRUE(m_journal.WaitFor("pairing: gave up: " + m_options.pairings.string() + " cannot be written", nTimes));
+        EXPECT_TRUE(
+            m_journal.WaitFor("pairing: gave up: " + m_options.pairings.string() + " cannot be written", nTimes));
     }
 }
 

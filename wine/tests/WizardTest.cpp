@@ -140,21 +140,20 @@ TEST_F(Wizard, ButtonsStandSideBySideAtTheRight)
     const auto rectOf = [this](int nId) { return RectOf(Window(nId)); };
     RECT next = {};
     RECT cancel = {};
-    EXPECT_EQ(Run({IDD_BOX, IDD_BOX},
-                  {[&] {
-                       next = rectOf(kNextButtonId);
-                       cancel = rectOf(IDCANCEL);
-                       EXPECT_LT(next.right, cancel.left);
-                       EXPECT_LT(cancel.right, RectOf(Frame()).right);
-                   },
-                   ShowButtons(0, PSWIZB_CANCEL),
-                   [&] { EXPECT_EQ(rectOf(kNextButtonId).left, cancel.left) << "no gap is left"; },
-                   ShowButtons(PSWIZB_CANCEL, PSWIZB_CANCEL),
-                   [&] {
-                       EXPECT_EQ(rectOf(kNextButtonId).left, next.left);
-                       EXPECT_EQ(rectOf(IDCANCEL).left, cancel.left);
-                   },
-                   Click(IDCANCEL)}),
+    EXPECT_EQ(Run({IDD_BOX, IDD_BOX}, {[&] {
+                                           next = rectOf(kNextButtonId);
+                                           cancel = rectOf(IDCANCEL);
+                                           EXPECT_LT(next.right, cancel.left);
+                                           EXPECT_LT(cancel.right, RectOf(Frame()).right);
+                                       },
+                                       ShowButtons(0, PSWIZB_CANCEL),
+                                       [&] { EXPECT_EQ(rectOf(kNextButtonId).left, cancel.left) << "no gap is left"; },
+                                       ShowButtons(PSWIZB_CANCEL, PSWIZB_CANCEL),
+                                       [&] {
+                                           EXPECT_EQ(rectOf(kNextButtonId).left, next.left);
+                                           EXPECT_EQ(rectOf(IDCANCEL).left, cancel.left);
+                                       },
+                                       Click(IDCANCEL)}),
               0);
 }
 
