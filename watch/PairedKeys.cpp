@@ -1,6 +1,7 @@
 #include "PairedKeys.h"
 
 #include <fstream>
+#include <stdexcept>
 
 CPairedKeys::CPairedKeys(std::filesystem::path file) : m_file(std::move(file))
 {
@@ -8,6 +9,9 @@ CPairedKeys::CPairedKeys(std::filesystem::path file) : m_file(std::move(file))
     std::string szLine;
     while (std::getline(stream, szLine)) {
         m_keys.insert(ParseAdbKey(szLine).key);
+    }
+    if (std::filesystem::exists(m_file) && !stream.eof()) {
+        throw std::runtime_error(m_file.string() + " cannot be read");
     }
 }
 
@@ -21,8 +25,10 @@ std::string CPairedKeys::Add(const std::string& szLine)
 {
     const SAdbKey key = ParseAdbKey(szLine);
     const std::lock_guard lock(m_mutex);
-    if (m_keys.insert(key.key).second && !m_file.empty()) {
-        std::ofstream(m_file, std::ios::app) << szLine << '\n';
+    if (!m_file.empty() && !m_keys.contains(key.key) &&
+        !(std::ofstream(m_file, std::ios::app) << szLine << std::endl)) {
+        throw std::runtime_error(m_file.string() + " cannot be written");
     }
+    m_keys.insert(key.key);
     return key.szName;
 }

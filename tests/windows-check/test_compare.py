@@ -48,7 +48,7 @@ class Compare(unittest.TestCase):
         row = next(row for row in page.rows(CHECKOUT) if row.id == "frame.tab")
         said = (
             f"frame.tab: {row.claim}\n   theirs: does not hold; expected 1 2; seen 2 1\n   ours: holds\n"
-            f"   stand-in: wine/frame/FrameKeyboard.cpp\n   tests: wine.standins, person.keyboard\n"
+            f"   stand-in: wine/frame/FrameKeyboard.cpp\n   tests: wine.standins, person.looks_96\n"
         )
         self.assertEqual(self.compare(other), (1, said))
         # With another report as ours.

@@ -51,6 +51,35 @@ INSTANTIATE_TEST_SUITE_P(All, DebuggingOrderTest,
                          testing::Values(EOrder::MessageFirst, EOrder::HelloFirst, EOrder::HandshakeFirst,
                                          EOrder::NoMessage));
 
+// Within a record of TLS an announcement is TLS's own.
+TEST_F(DebuggingTest, WhatIsNeitherTlsNorItsAnnouncementIsRefused)
+{
+    const ByteVector announcement = EncodeAdbMessage(EAdbCommand::StartTls, STLS_VERSION, 0);
+    ByteVector record = {22, 3, 1, 0, static_cast<std::uint8_t>(announcement.size())};
+    record.insert(record.end(), announcement.begin(), announcement.end());
+    const std::pair<ByteVector, std::string> rows[] = {
+        {EncodeAdbMessage(EAdbCommand::Open, 1, 0), "WRONG_VERSION_NUMBER"},
+        {record, "EXCESSIVE_MESSAGE_SIZE"},
+    };
+    Start();
+    for (const auto& [bytes, szReason] : rows) {
+        CAdbLink link = Link();
+        link.Greet();
+        link.Receive();
+        link.Write(bytes);
+        link.FinishSending();
+        EXPECT_TRUE(m_journal.WaitFor("debugging: gave up: TLS: " + szReason)) << szReason;
+    }
+}
+
+TEST_F(DebuggingTest, FirstMessageIsTheGreeting)
+{
+    Start();
+    CAdbLink link = Link();
+    link.Send(EAdbCommand::Open, 1, 0, "shell:");
+    EXPECT_TRUE(m_journal.WaitFor("debugging: gave up: no greeting"));
+}
+
 TEST_F(DebuggingTest, PortsMistakenForEachOtherAreRefused)
 {
     Start();
@@ -137,9 +166,10 @@ TEST_F(DebuggingTest, OfflineWatchGreetsThenDropsAndDoesNotComeBack)
     m_options.connectFault = EConnectFault::Offline;
     m_options.bTrustAll = true;
     Start();
-    for (int n = 0; n < 2; ++n) {
+    for (std::size_t nTimes = 1; nTimes <= 2; ++nTimes) {
         CAdbLink link = Link();
         link.Connect(CComputer("x"));
+        EXPECT_TRUE(m_journal.WaitFor("debugging: closed", nTimes)) << "by the watch";
         EXPECT_THROW(link.Receive(), CPeerClosed);
     }
     CAdbLink back = Link();

@@ -1,5 +1,6 @@
 // The pairing port.
 
+#include "PairingChannel.h"
 #include "WatchTest.h"
 
 #include <fstream>
@@ -42,6 +43,34 @@ TEST_F(PairingTest, ComputerThatLeavesIsNoFault)
     EXPECT_EQ(m_journal.Count("pairing: gave up"), 0U);
 }
 
+TEST_F(PairingTest, ComputerWithoutCertificateOrWithOlderTlsIsRefused)
+{
+    Start();
+    const bssl::UniquePtr<SSL_CTX> nameless(SSL_CTX_new(TLS_method()));
+    CClient(m_pWatch->PairingPort()).ConnectTls(nameless.get());
+    EXPECT_TRUE(m_journal.WaitFor("pairing: gave up: TLS: PEER_DID_NOT_RETURN_A_CERTIFICATE"));
+    const bssl::UniquePtr<SSL_CTX> old = CComputer("x").TlsContext();
+    SSL_CTX_set_min_proto_version(old.get(), TLS1_2_VERSION);
+    SSL_CTX_set_max_proto_version(old.get(), TLS1_2_VERSION);
+    CClient(m_pWatch->PairingPort()).ConnectTls(old.get());
+    EXPECT_TRUE(m_journal.WaitFor("pairing: gave up: TLS: UNSUPPORTED_PROTOCOL"));
+}
+
+TEST_F(PairingTest, WhatIsNoPacketOrNoKeyIsRefused)
+{
+    Start();
+    const CComputer computer("x");
+    CClient chatty(m_pWatch->PairingPort());
+    chatty.ConnectTls(computer.TlsContext().get());
+    chatty.Write(BytesOf("Good morning."));
+    EXPECT_TRUE(m_journal.WaitFor("pairing: gave up: unexpected packet"));
+    CClient keyless(m_pWatch->PairingPort());
+    keyless.ConnectTls(computer.TlsContext().get());
+    CPairingChannel(keyless, spake2_role_alice, "123456").Send(EPeerInfo::ComputerKey, "none person@home");
+    EXPECT_TRUE(m_journal.WaitFor("pairing: gave up: not a key of adb's"));
+    EXPECT_EQ(m_journal.Count("pairing: paired"), 0U);
+}
+
 TEST_F(PairingTest, PairingsOutliveTheWatchOnlyInAFile)
 {
     const CComputer computer("person@home");
@@ -58,8 +87,22 @@ TEST_F(PairingTest, PairingsOutliveTheWatchOnlyInAFile)
     Link().Connect(computer);
 }
 
+TEST_F(PairingTest, PairingThatCannotBeWrittenIsNone)
+{
+    m_options.pairings = m_folder / "missing" / "pairings";
+    Start();
+    const CComputer computer("x");
+    for (std::size_t nTimes = 1; nTimes <= 2; ++nTimes) {
+        EXPECT_THROW(computer.Pair(m_pWatch->PairingPort(), "123456"), CPeerClosed);
+        EXPECT_TRUE(
+            m_journal.WaitFor("pairing: gave up: " + m_options.pairings.string() + " cannot be written", nTimes));
+    }
+}
+
 TEST_F(PairingTest, WatchDoesNotStartWithSpoiledPairings)
 {
+    m_options.pairings = m_folder;
+    EXPECT_THROW(Start(), std::runtime_error);
     m_options.pairings = m_folder / "pairings";
     std::ofstream(m_options.pairings) << "nonsense\n";
     EXPECT_THROW(Start(), std::runtime_error);

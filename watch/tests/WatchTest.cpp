@@ -20,8 +20,7 @@ CWatchTest::CWatchTest()
 CWatchTest::~CWatchTest()
 {
     m_pWatch.reset();
-    std::error_code ignored;
-    std::filesystem::remove_all(m_folder, ignored);
+    std::filesystem::remove_all(m_folder);
     if (HasFailure()) {
         std::cerr << "the watch logged:\n" << m_journal.Text();
     }

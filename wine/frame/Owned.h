@@ -18,11 +18,11 @@ using CFontHandle = std::unique_ptr<std::remove_pointer_t<HFONT>, CGdiObjectDele
 using CBitmapHandle = std::unique_ptr<std::remove_pointer_t<HBITMAP>, CGdiObjectDeleter>;
 using CBrushHandle = std::unique_ptr<std::remove_pointer_t<HBRUSH>, CGdiObjectDeleter>;
 
-// A memory device context like that of the screen, or like another one.
+// A memory device context like that of the screen.
 class CMemoryDc
 {
 public:
-    explicit CMemoryDc(HDC hdcLike = nullptr) : m_hdc(CreateCompatibleDC(hdcLike)) {}
+    CMemoryDc() : m_hdc(CreateCompatibleDC(nullptr)) {}
     ~CMemoryDc()
     {
         DeleteDC(m_hdc);

@@ -13,7 +13,7 @@ namespace {
 std::optional<FAULT> ParseFault(const std::wstring& szFault)
 {
     static const std::wregex s_grammar(LR"((\w+)(?:@([1-9]\d{0,3}))?(?:#([^=]+))?=)"
-                                       LR"((?:(fail|null|ret):(-?\d{1,10}|0x[0-9a-fA-F]{1,8})|hang))");
+                                       LR"((?:(fail|null|ret):(-?[1-9]\d{0,9}|0|0x[0-9a-fA-F]{1,8})|hang))");
     std::wsmatch parts;
     if (!std::regex_match(szFault, parts, s_grammar)) {
         return std::nullopt;

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int nMostCalls = 32;
+constexpr int kMostCalls = 32;
 
 // To standard error; a program with windows has none but the one that Wine itself writes to.
 void Tell(const std::string& line)
@@ -60,7 +60,7 @@ LONG WINAPI TellCrash(PEXCEPTION_POINTERS pException)
     Tell(std::format("crash: exception 0x{:08X} at {}\n", pException->ExceptionRecord->ExceptionCode,
                      Place(reinterpret_cast<DWORD64>(pException->ExceptionRecord->ExceptionAddress))));
     CONTEXT context = *pException->ContextRecord;
-    for (int n = 0; n < nMostCalls && GoToCaller(context); ++n) {
+    for (int n = 0; n < kMostCalls && GoToCaller(context); ++n) {
         Tell(std::format("crash: called from {}\n", Place(context.Rip)));
     }
     return EXCEPTION_CONTINUE_SEARCH;

@@ -59,9 +59,10 @@ TEST(FaultList, TellsHowTheyFail)
 
 TEST(FaultList, NamesThePartThatMakesNoSense)
 {
-    for (const PCWSTR pszWrong : {L"F", L"=fail:5", L"F=", L"F=fail", L"F=fail:", L"F=fail:x", L"F=fail:5:6",
-                                  L"F=break:5", L"F=hang:5", L"F=ret:", L"F=ret:5x", L"F@=fail:5", L"F@0=fail:5",
-                                  L"F@-1=fail:5", L"F@x=fail:5", L"F#=fail:5", L"F =fail:5", L"F=fail:99999999999"}) {
+    for (const PCWSTR pszWrong :
+         {L"F", L"=fail:5", L"F=", L"F=fail", L"F=fail:", L"F=fail:x", L"F=fail:08", L"F=fail:5:6", L"F=break:5",
+          L"F=hang:5", L"F=ret:", L"F=ret:5x", L"F@=fail:5", L"F@0=fail:5", L"F@-1=fail:5", L"F@x=fail:5", L"F#=fail:5",
+          L"F =fail:5", L"F=fail:99999999999"}) {
         std::wstring szWrong;
         EXPECT_FALSE(ParseFaults(std::wstring(L"F=fail:5;") + pszWrong + L";F=fail:5", szWrong).has_value());
         EXPECT_EQ(szWrong, pszWrong);

@@ -35,6 +35,15 @@ TEST(ImportTable, WhatIsNotImportedIsLeftAlone)
     EXPECT_EQ(ReplaceImport(GetModuleHandleW(nullptr), "NoSuchFunction", Always42), nullptr);
 }
 
+TEST(Journal, KeepsTheLastErrorWhateverBecomesOfTheFile)
+{
+    SetEnvironmentVariableW(kJournalVariable, L"C:\\no such folder\\journal.txt");
+    SetLastError(ERROR_DISK_FULL);
+    WriteJournal(L"a line");
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_DISK_FULL});
+    SetEnvironmentVariableW(kJournalVariable, nullptr);
+}
+
 TEST(Journal, TextsAreQuotedOnOneLine)
 {
     EXPECT_EQ(QuotedOnOneLine(L"a \"b\" \\ c\r\n\td"), L"\"a \\\"b\\\" \\\\ c\\r\\n\\td\"");

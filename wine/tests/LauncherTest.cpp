@@ -119,7 +119,7 @@ TEST_F(Launcher, ReturnsTheProgramsExitCode)
 TEST_F(Launcher, TranscribesWhatIsStartedAndWhatIsRead)
 {
     SetEnvironmentVariableW(kTranscriptVariable, m_szJournal.c_str());
-    EXPECT_EQ(LaunchProbe(L"start \"one argument\""), 0u);
+    EXPECT_EQ(LaunchProbe(L"start \"exit 0 one argument\""), 0u);
     EXPECT_EQ(LaunchProbe(L"write " + m_szFile), 0u);
     EXPECT_EQ(LaunchProbe(L"read " + m_szFile), 2u);
     EXPECT_EQ(ReadAll(m_szJournal), "\n> probe exit 0 one argument\n12");
@@ -187,6 +187,17 @@ TEST_F(Launcher, LetsACallHangUntilTheProgramIsEnded)
     TerminateProcess(hLauncher.get(), 0);
     // The program, which ends with the launcher, shares the file with nobody while it runs.
     EXPECT_EQ(ReadOnceItHolds(m_szFile, "1"), "1");
+}
+
+TEST_F(Launcher, DoesNotEndWhatTheProgramStarted)
+{
+    const CHandle hEnded(CreateEventW(nullptr, TRUE, FALSE, L"launcher has ended"));
+    const CHandle hLauncher = Start(L"\"" + TestFolder() + L"probe.exe\" start \"linger " + m_szFile + L"\"");
+    EXPECT_EQ(ReadOnceItHolds(m_szFile, "12"), "12");
+    TerminateProcess(hLauncher.get(), 0);
+    EXPECT_EQ(WaitForSingleObject(hLauncher.get(), 10000), WAIT_OBJECT_0);
+    SetEvent(hEnded.get());
+    EXPECT_EQ(ReadOnceItHolds(m_szFile, ""), "") << "nobody is left to delete it";
 }
 
 TEST_F(Launcher, KeepsAJournalOfTheEnd)

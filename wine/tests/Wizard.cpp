@@ -6,6 +6,8 @@ namespace {
 
 Wizard* g_pTest;
 
+constexpr PCWSTR kCaption = L"A wizard";
+
 // Time for posted messages to arrive before the next step; the timer's own messages come after them.
 constexpr UINT kStepMs = 20;
 
@@ -39,7 +41,7 @@ INT_PTR Wizard::Run(const std::vector<int>& dialogs, Steps steps)
     PROPSHEETHEADERW header = {};
     header.dwSize = sizeof(header);
     header.dwFlags = PSH_AEROWIZARD | PSH_PROPSHEETPAGE;
-    header.pszCaption = L"A wizard";
+    header.pszCaption = kCaption;
     header.nPages = static_cast<UINT>(records.size());
     header.ppsp = records.data();
 
@@ -167,7 +169,7 @@ Step Wizard::ExpectButtons(const char* pszNames)
 
 HWND Wizard::Frame() const
 {
-    return FindWindowW(L"NativeHWNDHost", nullptr);
+    return FindWindowW(L"NativeHWNDHost", kCaption);
 }
 
 HWND Wizard::CurrentPage() const

@@ -10,6 +10,26 @@ bool IsDefault(HWND hwnd)
     return (GetWindowLongPtrW(hwnd, GWL_STYLE) & BS_TYPEMASK) == BS_DEFPUSHBUTTON;
 }
 
+RECT RectOf(HWND hwnd)
+{
+    RECT rect = {};
+    GetWindowRect(hwnd, &rect);
+    return rect;
+}
+
+// Whether anything black is on the screen in the middle of that window, from left to right.
+bool ShowsBlack(HWND hwnd)
+{
+    const RECT rect = RectOf(hwnd);
+    const HDC hdc = GetDC(nullptr);
+    bool bBlack = false;
+    for (LONG x = rect.left; x < rect.right && !bBlack; ++x) {
+        bBlack = GetPixel(hdc, x, (rect.top + rect.bottom) / 2) == RGB(0, 0, 0);
+    }
+    ReleaseDC(nullptr, hdc);
+    return bBlack;
+}
+
 } // namespace
 
 TEST_F(Wizard, PagesAreMadeWhenFirstShownAndKept)
@@ -75,7 +95,8 @@ TEST_F(Wizard, TheCloseBoxAndItsKeyCancelWhereCancelIsHidden)
         GetClientRect(Frame(), &rect);
         SendMessageW(Frame(), WM_LBUTTONUP, 0, MAKELPARAM(rect.right - 5, 5));
     };
-    for (const Step& close : {Step(clickOnBox), PressWithAlt(VK_F4)}) {
+    for (const auto& [pszHow, close] : {std::pair("box", Step(clickOnBox)), std::pair("key", PressWithAlt(VK_F4))}) {
+        SCOPED_TRACE(pszHow);
         EXPECT_EQ(Run({IDD_BOX}, {ShowButtons(0, PSWIZB_CANCEL), close}), 0);
         EXPECT_EQ(m_journal, (Lines{"1 init", "1 active", "1 querycancel"}));
     }
@@ -86,6 +107,54 @@ TEST_F(Wizard, WhatCannotBeMadeFails)
     EXPECT_EQ(Run({IDD_TEXT, 999}, {}), -1) << "no such template";
     EXPECT_EQ(Run({IDD_ODD, IDD_TEXT}, {}), -1);
     EXPECT_EQ(Run({IDD_TEXT, IDD_ODD}, {Click(kNextButtonId)}), -1);
+}
+
+TEST_F(Wizard, APageIsAsLargeAsItsTemplateAsks)
+{
+    const auto expectSize = [this] {
+        RECT asked = {0, 0, 200, 100};
+        EXPECT_TRUE(MapDialogRect(CurrentPage(), &asked));
+        RECT page = {};
+        GetClientRect(CurrentPage(), &page);
+        EXPECT_EQ(page.right, asked.right);
+        EXPECT_EQ(page.bottom, asked.bottom);
+    };
+    EXPECT_EQ(Run({IDD_TEXT}, {expectSize, Click(IDCANCEL)}), 0);
+}
+
+TEST_F(Wizard, ANewTextIsSeenBeforeTheHandlerThatSetItReturns)
+{
+    const auto setText = [this](PCWSTR pszText) { SetDlgItemTextW(CurrentPage(), IDC_TEXT, pszText); };
+    EXPECT_EQ(Run({IDD_TEXT}, {[=] { setText(L""); },
+                               [=, this] {
+                                   EXPECT_FALSE(ShowsBlack(Window(IDC_TEXT)));
+                                   setText(L"HHHHHHHH");
+                                   EXPECT_TRUE(ShowsBlack(Window(IDC_TEXT)));
+                               },
+                               Click(IDCANCEL)}),
+              0);
+}
+
+TEST_F(Wizard, ButtonsStandSideBySideAtTheRight)
+{
+    const auto rectOf = [this](int nId) { return RectOf(Window(nId)); };
+    RECT next = {};
+    RECT cancel = {};
+    EXPECT_EQ(Run({IDD_BOX, IDD_BOX}, {[&] {
+                                           next = rectOf(kNextButtonId);
+                                           cancel = rectOf(IDCANCEL);
+                                           EXPECT_LT(next.right, cancel.left);
+                                           EXPECT_LT(cancel.right, RectOf(Frame()).right);
+                                       },
+                                       ShowButtons(0, PSWIZB_CANCEL),
+                                       [&] { EXPECT_EQ(rectOf(kNextButtonId).left, cancel.left) << "no gap is left"; },
+                                       ShowButtons(PSWIZB_CANCEL, PSWIZB_CANCEL),
+                                       [&] {
+                                           EXPECT_EQ(rectOf(kNextButtonId).left, next.left);
+                                           EXPECT_EQ(rectOf(IDCANCEL).left, cancel.left);
+                                       },
+                                       Click(IDCANCEL)}),
+              0);
 }
 
 TEST_F(Wizard, OnlyTheButtonsInTheMaskAreShownOrHidden)

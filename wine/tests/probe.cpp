@@ -41,12 +41,24 @@ int Read(PCWSTR pszFile)
     return static_cast<int>(dwRead);
 }
 
-// Starts this program anew, with the text in its command line. The last error; 0 when it started.
+// Leaves the file there until the tests say that the launcher has ended, for ten seconds at most.
+int Linger(PCWSTR pszFile)
+{
+    const int nError = Write(pszFile);
+    const HANDLE hEvent = OpenEventW(SYNCHRONIZE, FALSE, L"launcher has ended");
+    if (WaitForSingleObject(hEvent, 10000) == WAIT_OBJECT_0) {
+        DeleteFileW(pszFile);
+    }
+    CloseHandle(hEvent);
+    return nError;
+}
+
+// Starts this program anew, with the text as its arguments. The last error; 0 when it started.
 int Start(PCWSTR pszText)
 {
     WCHAR szProgram[MAX_PATH];
     GetModuleFileNameW(nullptr, szProgram, ARRAYSIZE(szProgram));
-    std::wstring szLine = std::wstring(L"probe exit 0 ") + pszText;
+    std::wstring szLine = std::wstring(L"probe ") + pszText;
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION process = {};
@@ -107,6 +119,9 @@ int wmain(int nArguments, wchar_t** ppszArguments)
     }
     if (szDo == L"write") {
         return Write(pszWith);
+    }
+    if (szDo == L"linger") {
+        return Linger(pszWith);
     }
     if (szDo == L"read") {
         return Read(pszWith);
