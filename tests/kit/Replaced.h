@@ -172,20 +172,6 @@ public:
         }
     }
 
-    // Need not be called. Returns itself: REPLACED(Beep) beep; beep.Optional();
-    Replaced& Optional()
-    {
-        m_bOptional = true;
-        return *this;
-    }
-
-    // Leaves no lines in the journal.
-    Replaced& Unnoted()
-    {
-        m_bNoted = false;
-        return *this;
-    }
-
     size_t Calls() const
     {
         return m_calls.size();

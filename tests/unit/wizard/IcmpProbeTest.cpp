@@ -27,23 +27,13 @@ Lines Pinging(int nAttempts, const Lines& behind = {})
 
 std::wstring BoxOfError(DWORD dwError, const std::wstring& strHexadecimal)
 {
-    WCHAR szText[512] = {};
-    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, dwError, 0, szText, 512,
-                   nullptr);
     return L"CWirelessDebuggingOnPage::OnNotify_PSN_WIZNEXT_Ping() > icmp.SendEchoRequest() failed with error " +
-           strHexadecimal + L": " + szText + L"\r\n";
+           strHexadecimal + L": " + SystemDescription(dwError) + L"\r\n";
 }
 
 class IcmpProbe : public ProbeTest
 {
 protected:
-    IcmpProbe()
-    {
-        m_create.Optional();
-        m_send.Optional();
-        m_close.Optional();
-    }
-
     // With these outcomes of its requests the probe has this result and writes these texts.
     void Expect(LRESULT nResult, const Lines& texts, std::vector<Echo> echoes,
                 std::source_location where = std::source_location::current())
@@ -72,9 +62,9 @@ protected:
     }
 
     AnsweringWatch m_watch;
-    REPLACED(IcmpCreateFile) m_create;
-    REPLACED(IcmpSendEcho2) m_send;
-    REPLACED(IcmpCloseHandle) m_close;
+    REPLACED(IcmpCreateFile) m_create { Maybe() };
+    REPLACED(IcmpSendEcho2) m_send { Maybe() };
+    REPLACED(IcmpCloseHandle) m_close { Maybe() };
 };
 
 TEST_F(IcmpProbe, SucceedsWithTheFirstAnswer)

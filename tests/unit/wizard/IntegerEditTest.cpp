@@ -155,7 +155,7 @@ TEST_F(IntegerEdit, DropsEverythingElseThatIsTyped)
 {
     const DigitsEdit edit(30);
     for (const WCHAR ch : std::wstring(L" !\"#$%&'()*+,-./:;<=>?@AZ[\\]^_`az{|}~\x7F\xBD\xE4\x20AC")) {
-        EXPECT_EQ(edit.Send(WM_CHAR, ch, 1), 0);
+        EXPECT_EQ(edit.Send(WM_CHAR, ch, 1), 0) << UINT{ch};
     }
     EXPECT_EQ(Journal(), Lines{});
     EXPECT_EQ(edit.Text(), L"");
@@ -214,8 +214,7 @@ TEST_F(IntegerEdit, PastesNothingOfABitmap)
     SetClipboard(CF_BITMAP, CreateBitmap(4, 4, 1, 1, nullptr));
     const DigitsEdit edit(5);
     edit.Type(L"4");
-    REPLACED(OpenClipboard) open;
-    open.Optional();
+    const REPLACED(OpenClipboard) open(Never());
     EXPECT_EQ(edit.Send(WM_PASTE), 0);
     EXPECT_EQ(edit.Text(), L"4");
     EXPECT_EQ(Journal(), Lines{"WM_CHAR 52"});
@@ -246,8 +245,7 @@ TEST_F(IntegerEdit, PastesNothingWhenTheClipboardCannotBeOpened)
     Copy(L"12");
     const DigitsEdit edit(5);
     const REPLACED(OpenClipboard) open(Returns(FALSE));
-    REPLACED(CloseClipboard) close;
-    close.Optional();
+    const REPLACED(CloseClipboard) close(Never());
     EXPECT_EQ(edit.Send(WM_PASTE), 0);
     EXPECT_EQ(edit.Text(), L"");
     EXPECT_EQ(Journal(), Lines{"OpenClipboard"});
@@ -260,16 +258,14 @@ TEST_F(IntegerEdit, LeavesThePasteToTheControlWhenTheDataCannotBeHad)
     {
         const DigitsEdit edit(5);
         const REPLACED(GlobalLock) lock(Returns(PVOID(nullptr)));
-        REPLACED(GlobalUnlock) unlock;
-        unlock.Optional();
+        const REPLACED(GlobalUnlock) unlock(Never());
         edit.Send(WM_PASTE);
         EXPECT_EQ(Journal(), (Lines{"GlobalLock", "CloseClipboard", "WM_PASTE"}));
         EXPECT_EQ(edit.Text(), L"12");
     }
     const DigitsEdit edit(5);
     const REPLACED(GetClipboardData) data(Returns(HANDLE(nullptr)));
-    REPLACED(GlobalLock) lock;
-    lock.Optional();
+    const REPLACED(GlobalLock) lock(Never());
     edit.Send(WM_PASTE);
     EXPECT_EQ(Journal(), (Lines{"GetClipboardData", "CloseClipboard", "WM_PASTE"}));
     EXPECT_EQ(edit.Text(), L"12");

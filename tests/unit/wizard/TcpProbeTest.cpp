@@ -26,8 +26,6 @@ protected:
     {
         // Whoever reads the reason of a failure only after its box is too late.
         WhenBoxShows([](const Box&) { unreplaced::SetLastError(99); });
-        const auto optional = [](auto&... replaced) { (replaced.Optional(), ...); };
-        optional(m_socket, m_connect, m_poll, m_shutdown, m_close);
     }
 
     // With these outcomes of its polls the probe has this result and needs so many of them, on one socket.
@@ -69,11 +67,11 @@ protected:
     }
 
     AnsweringWatch m_watch;
-    REPLACED(socket) m_socket;
-    REPLACED(connect) m_connect;
-    REPLACED(WSAPoll) m_poll;
-    REPLACED(shutdown) m_shutdown;
-    REPLACED(closesocket) m_close;
+    REPLACED(socket) m_socket { Maybe() };
+    REPLACED(connect) m_connect { Maybe() };
+    REPLACED(WSAPoll) m_poll { Maybe() };
+    REPLACED(shutdown) m_shutdown { Maybe() };
+    REPLACED(closesocket) m_close { Maybe() };
 };
 
 TEST_F(TcpProbe, SucceedsWhenTheConnectionStandsAndEndsItAtOnce)
