@@ -123,10 +123,8 @@ TEST_F(IntegerEdit, IsSubclassedUnderItsOwnHandleThenLimitedThenEmptied)
     const Edit edit;
     const REPLACED(SetWindowSubclass) subclass;
     edit.Attach(6);
-    EXPECT_EQ(subclass.Arg<0>(), edit.Window());
-    EXPECT_EQ(subclass.Arg<1>(), &CIntegerEdit::SubclassProc);
-    EXPECT_EQ(subclass.Arg<2>(), reinterpret_cast<UINT_PTR>(edit.Window()));
-    EXPECT_EQ(subclass.Arg<3>(), 0u);
+    EXPECT_EQ(subclass.Arguments(), std::tuple(edit.Window(), &CIntegerEdit::SubclassProc,
+                                               reinterpret_cast<UINT_PTR>(edit.Window()), 0u));
     EXPECT_EQ(Journal(), (Lines{"SetWindowSubclass", "EM_LIMITTEXT 6", "WM_SETTEXT "}));
     EXPECT_EQ(edit.Text(), L"");
 }
@@ -279,9 +277,8 @@ TEST_F(IntegerEdit, IsNoneAnyMoreBeforeItsControlIsDestroyed)
         const DigitsEdit edit(5);
         hwnd = edit.Window();
     }
-    EXPECT_EQ(remove.Arg<0>(), hwnd);
-    EXPECT_EQ(remove.Arg<1>(), &CIntegerEdit::SubclassProc);
-    EXPECT_EQ(remove.Arg<2>(), reinterpret_cast<UINT_PTR>(hwnd));
+    EXPECT_EQ(remove.Arguments(),
+              std::tuple(hwnd, &CIntegerEdit::SubclassProc, reinterpret_cast<UINT_PTR>(hwnd)));
     EXPECT_EQ(Journal(), (Lines{"RemoveWindowSubclass", "WM_NCDESTROY"}));
 }
 

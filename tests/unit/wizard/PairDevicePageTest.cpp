@@ -328,9 +328,7 @@ TEST_F(PairDevicePage, ReadsThePortAsAnUnsignedNumberAndMindsWhetherItIsOne)
         return 37777;
     }));
     ExpectNext(-1, {}, {Status("Stopping ADB server"), Told(kMethod, kBadPort)});
-    EXPECT_EQ(read.Arg<0>(), m_page->Window());
-    EXPECT_EQ(read.Arg<1>(), kPort);
-    EXPECT_EQ(read.Arg<3>(), FALSE);
+    EXPECT_EQ(read.Arguments(), std::tuple(m_page->Window(), kPort, kAny, FALSE));
 }
 
 TEST_F(PairDevicePage, RefusesAPortOutOfRangeBeforeItLooksAtTheCode)

@@ -301,9 +301,7 @@ TEST_F(WirelessDebuggingOnPage, ReadsThePortAsAnUnsignedNumberAndMindsWhetherItI
         return 43210;
     }));
     ExpectRefusal("Invalid Port Value", kPortRange);
-    EXPECT_EQ(read.Arg<0>(), m_page->Window());
-    EXPECT_EQ(read.Arg<1>(), kPort);
-    EXPECT_EQ(read.Arg<3>(), FALSE);
+    EXPECT_EQ(read.Arguments(), std::tuple(m_page->Window(), kPort, kAny, FALSE));
 }
 
 TEST_F(WirelessDebuggingOnPage, TriesAndStoresAPortFrom1024To65535)
