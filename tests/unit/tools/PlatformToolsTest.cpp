@@ -142,7 +142,8 @@ protected:
     // They are gone, and whether that went well.
     void ExpectRemoved(bool bWell, std::source_location where = std::source_location::current())
     {
-        const testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()), "the removal expected here");
+        const testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()),
+                                         "the removal expected here");
         EXPECT_EQ(Tools().Uninstall(), bWell);
         EXPECT_FALSE(exists(ToolsFolder()));
         EXPECT_FALSE(exists(Archive()));

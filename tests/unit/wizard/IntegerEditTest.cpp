@@ -123,8 +123,8 @@ TEST_F(IntegerEdit, IsSubclassedUnderItsOwnHandleThenLimitedThenEmptied)
     const Edit edit;
     const REPLACED(SetWindowSubclass) subclass;
     edit.Attach(6);
-    EXPECT_EQ(subclass.Arguments(), std::tuple(edit.Window(), &CIntegerEdit::SubclassProc,
-                                               reinterpret_cast<UINT_PTR>(edit.Window()), 0u));
+    EXPECT_EQ(subclass.Arguments(),
+              std::tuple(edit.Window(), &CIntegerEdit::SubclassProc, reinterpret_cast<UINT_PTR>(edit.Window()), 0u));
     EXPECT_EQ(Journal(), (Lines{"SetWindowSubclass", "EM_LIMITTEXT 6", "WM_SETTEXT "}));
     EXPECT_EQ(edit.Text(), L"");
 }
@@ -277,8 +277,7 @@ TEST_F(IntegerEdit, IsNoneAnyMoreBeforeItsControlIsDestroyed)
         const DigitsEdit edit(5);
         hwnd = edit.Window();
     }
-    EXPECT_EQ(remove.Arguments(),
-              std::tuple(hwnd, &CIntegerEdit::SubclassProc, reinterpret_cast<UINT_PTR>(hwnd)));
+    EXPECT_EQ(remove.Arguments(), std::tuple(hwnd, &CIntegerEdit::SubclassProc, reinterpret_cast<UINT_PTR>(hwnd)));
     EXPECT_EQ(Journal(), (Lines{"RemoveWindowSubclass", "WM_NCDESTROY"}));
 }
 
