@@ -130,7 +130,7 @@ TEST_F(RealProcess, InheritsOnlyTheWriteEnd)
 TEST_F(RealProcess, LeavesTheReadEndOfEachRunOpenAndNothingElse)
 {
     Handles expected = OpenHandles();
-    for (int nRuns = 1; nRuns <= 5; ++nRuns) {
+    for (int nRuns = 1; nRuns <= 3; ++nRuns) {
         ExpectOutput(L" exit 1", "Success\r\n");
         ++expected["pipe"];
         EXPECT_EQ(OpenHandles(), expected) << "after " << nRuns << " runs";
