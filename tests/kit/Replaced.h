@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <functional>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -82,6 +83,10 @@ struct AnyArgument
     friend bool operator==(const T&, AnyArgument)
     {
         return true;
+    }
+    friend void PrintTo(AnyArgument, std::ostream* pOut)
+    {
+        *pOut << "anything";
     }
 };
 inline constexpr AnyArgument kAny;
