@@ -23,11 +23,6 @@ using Classifier = ADB_EXIT_CODE(std::string_view);
 class OutputLoad : public testing::Test
 {
 protected:
-    OutputLoad() : m_messageBox(kit::Returns(IDOK))
-    {
-        m_messageBox.Optional();
-    }
-
     // Judges the piece again and again, kSize bytes of it, between the others.
     static void Expect(Classifier& classify, ADB_EXIT_CODE nExpected, std::string_view begin, std::string_view piece,
                        std::string_view end = "")
@@ -45,7 +40,7 @@ protected:
     }
 
     // The boxes that were shown.
-    REPLACED(MessageBoxW) m_messageBox;
+    REPLACED(MessageBoxW) m_messageBox { kit::Maybe(kit::Returns(IDOK)) };
 };
 
 TEST_F(OutputLoad, LinesThatNobodyKnows)

@@ -86,7 +86,7 @@ private:
         bool bExitCode = true;
     };
 
-    // No handles of the system: those are small multiples of four.
+    // The pipe's ends, the process and its thread. The system's own handles are small multiples of four.
     static HANDLE Handle(ULONG_PTR nWhich)
     {
         return reinterpret_cast<HANDLE>(0xADB0001 + 2 * nWhich);

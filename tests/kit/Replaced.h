@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <functional>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -82,6 +83,10 @@ struct AnyArgument
     friend bool operator==(const T&, AnyArgument)
     {
         return true;
+    }
+    friend void PrintTo(AnyArgument, std::ostream* pOut)
+    {
+        *pOut << "anything";
     }
 };
 inline constexpr AnyArgument kAny;
@@ -170,20 +175,6 @@ public:
         if (m_calls.empty() && !m_bOptional) {
             ADD_FAILURE() << t_name.sz << " was never called";
         }
-    }
-
-    // Need not be called. Returns itself: REPLACED(Beep) beep; beep.Optional();
-    Replaced& Optional()
-    {
-        m_bOptional = true;
-        return *this;
-    }
-
-    // Leaves no lines in the journal.
-    Replaced& Unnoted()
-    {
-        m_bNoted = false;
-        return *this;
     }
 
     size_t Calls() const

@@ -84,6 +84,7 @@ TEST_F(OutputPattern, MatchesALineThatBeginsWithItLetterByLetter)
 TEST_F(OutputPattern, ThatIsEmptyMatchesOnlyAnEmptyLine)
 {
     for (const int n : {12, 16, 20}) {
+        SCOPED_TRACE(n);
         EXPECT_EQ(Find("", n, n), n);
         EXPECT_EQ(Find("\r", n, n), -1);
         EXPECT_EQ(Find(" ", n, n), -1);

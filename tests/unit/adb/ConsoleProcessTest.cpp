@@ -6,9 +6,38 @@
 #include "tests/kit/Test.h"
 #include "tools/PlatformTools.h"
 
+#include <map>
+
 using namespace kit;
 
 namespace {
+
+// How many handles this process has open, of the kinds that a run makes.
+using Handles = std::map<std::string, int>;
+
+Handles OpenHandles()
+{
+    Handles handles;
+    // They are multiples of four, and low ones while there are few.
+    for (ULONG_PTR n = 4; n < 0x2000; n += 4) {
+        const auto h = reinterpret_cast<HANDLE>(n);
+        DWORD dwFlags = 0;
+        if (GetHandleInformation(h, &dwFlags)) {
+            // Each of these fails for a handle of another kind.
+            handles["pipe"] += GetFileType(h) == FILE_TYPE_PIPE ? 1 : 0;
+            handles["process"] += GetProcessId(h) != 0 ? 1 : 0;
+            handles["thread"] += GetThreadId(h) != 0 ? 1 : 0;
+        }
+    }
+    return handles;
+}
+
+bool IsInheritable(HANDLE h)
+{
+    DWORD dwFlags = 0;
+    EXPECT_TRUE(GetHandleInformation(h, &dwFlags));
+    return (dwFlags & HANDLE_FLAG_INHERIT) != 0;
+}
 
 // A real program in adb's place.
 class RealProcess : public Test
@@ -80,6 +109,40 @@ TEST_F(RealProcess, ThatClosesItsOutputAndLivesOnIsLeftToItself)
     EXPECT_EQ(WaitForSingleObject(hChild, INFINITE), WAIT_OBJECT_0);
     CloseHandle(hChild);
     CloseHandle(hEnd);
+}
+
+TEST_F(RealProcess, InheritsOnlyTheWriteEnd)
+{
+    HANDLE hRead = nullptr;
+    const REPLACED(CreatePipe) createPipe([&](HANDLE* phRead, auto... args) {
+        const BOOL bResult = createPipe.Next(phRead, args...);
+        hRead = *phRead;
+        return bResult;
+    });
+    const REPLACED(CreateProcessW) createProcess([&](auto... args) {
+        EXPECT_FALSE(IsInheritable(hRead));
+        EXPECT_TRUE(IsInheritable(std::get<STARTUPINFOW*>(std::tuple(args...))->hStdOutput));
+        return createProcess.Next(args...);
+    });
+    ExpectOutput(L" nothing", "");
+}
+
+TEST_F(RealProcess, LeavesTheReadEndOfEachRunOpenAndNothingElse)
+{
+    Handles expected = OpenHandles();
+    for (int nRuns = 1; nRuns <= 3; ++nRuns) {
+        ExpectOutput(L" exit 1", "Success\r\n");
+        ++expected["pipe"];
+        EXPECT_EQ(OpenHandles(), expected) << "after " << nRuns << " runs";
+    }
+}
+
+TEST_F(RealProcess, ThatIsMissingEndsThisOne)
+{
+    wcscpy_s(CPlatformTools::GetInstance().m_szAdbExePath, L"C:\\no such folder\\adb.exe");
+    EXPECT_EQ(ExitCodeOf([] { ExpectOutput(L" nothing", ""); }), static_cast<UINT>(ERROR_PATH_NOT_FOUND));
+    ExpectBox(L"CreateProcess(lpApplicationName, lpCommandLine, ...) failed with error 3: " + SystemDescription(3),
+              L"Error");
 }
 
 const HANDLE hReadEnd = reinterpret_cast<HANDLE>(0xA1);
@@ -266,7 +329,7 @@ TEST_F(ProcessSteps, AThreadOrAProcessThatCannotBeClosedFailsTheRun)
 {
     for (const std::vector<HANDLE>& handles :
          std::vector<std::vector<HANDLE>>{{hThread}, {hProcess}, {hThread, hProcess}}) {
-        SCOPED_TRACE(NameOf(handles[0]));
+        SCOPED_TRACE(NameOf(handles.front()) + " to " + NameOf(handles.back()));
         m_uncloseable = handles;
         EXPECT_EQ(RunAdb(), ADB_CLOSE_FAILED);
         EXPECT_EQ(Journal().back(), "close process");

@@ -106,9 +106,11 @@ TEST_F(AboutBox, AnswersNoOtherCommand)
 {
     const REPLACED(GetFileVersionInfoSizeExW) size(Never());
     for (const UINT nControl : {0u, 1u, 2u, 1038u, 1040u}) {
+        SCOPED_TRACE(nControl);
         ShowAboutBox(hwndPage, nControl, 0, BN_CLICKED);
     }
     for (const UINT nNotification : {1u, 5u, 6u, 7u}) {
+        SCOPED_TRACE(nNotification);
         ShowAboutBox(hwndPage, nAboutButton, 0, nNotification);
     }
     EXPECT_EQ(Journal(), Lines());

@@ -181,10 +181,11 @@ TEST_F(ApplicationPaths, TheWorkingFolderMayFillThePath)
 TEST_F(ApplicationPaths, AWorkingFolderLongerThanThePathEndsTheProcess)
 {
     for (const size_t nLength : {238u, 256u, 297u}) {
+        SCOPED_TRACE(nLength);
         Paths() = {};
         m_strLocalAppData = L"C:\\" + std::wstring(nLength, L'u');
         const std::optional<UINT> exitCode = ExitCodeOf([] { Paths().Initialize(); });
-        ASSERT_TRUE(exitCode.has_value()) << nLength;
+        ASSERT_TRUE(exitCode.has_value());
         EXPECT_TRUE(FAILED(static_cast<HRESULT>(*exitCode)));
         EXPECT_EQ(TakeBox().strCaption, L"CKalvoApkInstaller::GetAppDataLocalFolderPath() > PathCchAppend()");
     }

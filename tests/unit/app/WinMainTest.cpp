@@ -229,6 +229,7 @@ TEST_F(WinMain, AMutexThatCannotBeMadeCountsAsARunningInstance)
 {
     const REPLACED(FindWindowW) findWindow(Returns(reinterpret_cast<HWND>(0x5150)));
     for (const DWORD dwError : {ERROR_ACCESS_DENIED, ERROR_SUCCESS, ERROR_ALREADY_EXISTS}) {
+        SCOPED_TRACE(dwError);
         const REPLACED(CreateMutexW) createMutex(Returns(HANDLE(nullptr), dwError));
         const REPLACED(CloseHandle) close(Never());
         ExpectOnly({"CreateMutexW", "FindWindowW", "SetForegroundWindow"});
@@ -247,6 +248,7 @@ TEST_F(WinMain, AnOlderWindowsIsRefused)
 TEST_F(WinMain, AFailedStartOfComIsTold)
 {
     for (const HRESULT hr : {E_OUTOFMEMORY, RPC_E_CHANGED_MODE}) {
+        SCOPED_TRACE(hr);
         const REPLACED(CoInitializeEx) comStart(Returns(hr));
         ExpectToldAndEnded(L"Unable to initalize COM Library",
                            {"CoUninitialize", "ReleaseMutex", "CloseHandle of the mutex"});

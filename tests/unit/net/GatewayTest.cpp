@@ -68,6 +68,7 @@ private:
 TEST_F(Gateway, IsTheNextHopOfTheRouteToTheInternet)
 {
     for (const PCWSTR pszGateway : {L"192.168.1.1", L"255.255.255.255", L"0.0.0.0"}) {
+        SCOPED_TRACE(Narrow(pszGateway));
         Journal().clear();
         const REPLACED(GetBestRoute2) route(RouteOver(pszGateway));
         EXPECT_EQ(Get(), TRUE);

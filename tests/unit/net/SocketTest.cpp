@@ -46,6 +46,23 @@ TEST_F(Socket, IsNoneAtFirstAndWhenItCannotBeHad)
     EXPECT_FALSE(owner.Socket());
 }
 
+TEST_F(Socket, IsOpenedAndClosedForTheSystem)
+{
+    int nType = 0;
+    int cb = sizeof(nType);
+    const auto ask = [&](SOCKET n) { return getsockopt(n, SOL_SOCKET, SO_TYPE, reinterpret_cast<char*>(&nType), &cb); };
+    SOCKET nSocket = INVALID_SOCKET;
+    {
+        CSocket owner;
+        ASSERT_TRUE(owner.Socket());
+        nSocket = owner.m_socket;
+        EXPECT_EQ(ask(nSocket), 0);
+        EXPECT_EQ(nType, SOCK_STREAM);
+    }
+    EXPECT_EQ(ask(nSocket), SOCKET_ERROR);
+    EXPECT_EQ(WSAGetLastError(), WSAENOTSOCK);
+}
+
 // An owner of kSocket; the system is not asked.
 struct Owner : CSocket
 {

@@ -165,6 +165,7 @@ TEST_F(AddressText, OfASocketAddressHasItsPortOrNot)
 TEST_F(AddressText, OfAnyOtherFamilyIsNoneAndLeavesTheTextAlone)
 {
     for (const ADDRESS_FAMILY nFamily : std::to_array<ADDRESS_FAMILY>({0, 1, 3, 22, 24})) {
+        SCOPED_TRACE(nFamily);
         Address address(L"1.2.3.4", 5);
         address.m_ipv4.sin_family = nFamily;
         CStringW szAddress = L"as it was";
@@ -188,6 +189,7 @@ TEST_F(AddressText, IsAskedForWithTheLengthsOfItsFamily)
         withoutPort([](INT, const void*, PWSTR psz, size_t cch) -> PCWSTR { return wmemset(psz, L'9', cch); });
     const Address addresses[] = {{L"1.2.3.4", 5}, {L"::1", 5}};
     for (size_t n = 0; n < 2; ++n) {
+        SCOPED_TRACE(n == 0 ? "IPv4" : "IPv6");
         CStringW szAddress = L"before";
         EXPECT_EQ(CWinSockHelper::AddressToString(addresses[n].Get(), szAddress), TRUE);
         EXPECT_EQ(withPort.Arguments(n), std::tuple(addresses[n].Get(), n == 0 ? 16u : 28u, nullptr, kAny, kAny));
@@ -205,6 +207,7 @@ TEST_F(AddressText, IsEmptyWhenTheSystemCannotTell)
     const REPLACED(WSAAddressToStringW) withPort(Returns(INT(SOCKET_ERROR), WSAEFAULT));
     const REPLACED(InetNtopW) withoutPort(Returns(PCWSTR(nullptr)));
     for (const Address& address : {Address(L"1.2.3.4", 5), Address(L"::1", 5)}) {
+        SCOPED_TRACE(address.m_bIpv6 ? "IPv6" : "IPv4");
         CStringW szAddress = L"before";
         EXPECT_EQ(CWinSockHelper::AddressToString(address.Get(), szAddress), TRUE);
         EXPECT_STREQ(szAddress, L"");

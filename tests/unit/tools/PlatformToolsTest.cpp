@@ -58,6 +58,7 @@ protected:
     // The process ends with this code, after a report of this call.
     void ExpectEnd(void (*pfnBody)(), DWORD dwCode, const std::wstring& strCall, bool bWin32Error)
     {
+        SCOPED_TRACE(Narrow(strCall));
         EXPECT_EQ(ExitCodeOf(pfnBody), dwCode);
         const std::wstring strCode = bWin32Error ? std::format(L"0x{:08X}", dwCode) : std::to_wstring(dwCode);
         ExpectBox(L"CPlatformTools::" + strCall + L" failed with error " + strCode + L": " + SystemDescription(dwCode) +
@@ -139,8 +140,10 @@ protected:
     }
 
     // They are gone, and whether that went well.
-    void ExpectRemoved(bool bWell)
+    void ExpectRemoved(bool bWell, std::source_location where = std::source_location::current())
     {
+        const testing::ScopedTrace trace(where.file_name(), static_cast<int>(where.line()),
+                                         "the removal expected here");
         EXPECT_EQ(Tools().Uninstall(), bWell);
         EXPECT_FALSE(exists(ToolsFolder()));
         EXPECT_FALSE(exists(Archive()));
@@ -222,11 +225,12 @@ TEST_F(DeployedPlatformTools, AreRemovedThoughNoServerRan)
 
 TEST_F(DeployedPlatformTools, AreRemovedButNotWellWhenTheServerCouldNotBeStopped)
 {
-    m_adb.Prints("error: what?\r\n").PrintsAndHidesItsExitCode("");
-    for (int n = 0; n < 2; ++n) {
-        MakeLeftOvers();
-        ExpectRemoved(false);
-    }
+    MakeLeftOvers();
+    m_adb.Prints("error: what?\r\n");
+    ExpectRemoved(false);
+    MakeLeftOvers();
+    m_adb.PrintsAndHidesItsExitCode("");
+    ExpectRemoved(false);
 }
 
 TEST_F(DeployedPlatformTools, WithoutTheirFolderAreNotRemovedWellButTheArchiveIsGone)
@@ -235,6 +239,25 @@ TEST_F(DeployedPlatformTools, WithoutTheirFolderAreNotRemovedWellButTheArchiveIs
     remove_all(ToolsFolder());
     m_adb.Prints("");
     ExpectRemoved(false);
+}
+
+TEST_F(DeployedPlatformTools, AreRemovedWellWithoutAnyArchive)
+{
+    MakeLeftOvers();
+    std::filesystem::remove(Archive());
+    m_adb.Prints("");
+    ExpectRemoved(true);
+}
+
+TEST_F(DeployedPlatformTools, AreNotRemovedWellWhenAnArchiveIsHeldOpen)
+{
+    MakeLeftOvers();
+    m_adb.Prints("");
+    const HANDLE hFile = CreateFileW(Archive().c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    EXPECT_FALSE(Tools().Uninstall());
+    CloseHandle(hFile);
+    EXPECT_TRUE(exists(Archive()));
+    EXPECT_FALSE(exists(ToolsFolder()));
 }
 
 // Nothing is answered here: the real adb runs, and its server is of this test's home alone.
@@ -276,6 +299,7 @@ TEST_F(PlatformToolsFolder, ThatCannotBeMadeEndsTheProcessWithTheResult)
 TEST_F(PlatformToolsFolder, IsDeletedByTheShellSilentlyAndForGood)
 {
     for (const std::wstring& strPath : {ToolsFolder().wstring(), L"C:\\" + std::wstring(256, L'p')}) {
+        SCOPED_TRACE(Narrow(strPath));
         wcscpy_s(Tools().m_szPlatformToolsFolderPath, strPath.c_str());
         SHFILEOPSTRUCTW asked = {};
         std::wstring strFrom;

@@ -35,21 +35,14 @@ Outcome Take(std::vector<Outcome>& outcomes)
 
 } // namespace
 
-// That the handle cannot be closed is nobody's concern.
 AnsweringWatch::AnsweringWatch()
-    : m_icmpCreateFile(Returns(kIcmp)),
-      m_icmpSendEcho2([this](HANDLE, HANDLE, auto, void*, IPAddr destination, void* pRequest, WORD cbRequest,
-                             IP_OPTION_INFORMATION*, void* pReply, DWORD, DWORD) {
+    : m_icmpSendEcho2(Quietly([this](HANDLE, HANDLE, auto, void*, IPAddr destination, void* pRequest, WORD cbRequest,
+                                     IP_OPTION_INFORMATION*, void* pReply, DWORD, DWORD) {
           return OnSendEcho(destination, {static_cast<const char*>(pRequest), cbRequest}, pReply);
-      }),
-      m_icmpCloseHandle(Returns(FALSE, ERROR_INVALID_HANDLE)), m_socket(Returns(kSocket)), m_ioctlsocket(Returns(0)),
-      m_connect([](SOCKET, const SOCKADDR* pAddress, int) { return OnConnect(pAddress); }),
-      m_wsaPoll([this](WSAPOLLFD* pPoll, ULONG, INT) { return OnPoll(pPoll); }), m_shutdown(Returns(0)),
-      m_closesocket(Returns(0))
+      })),
+      m_connect(Quietly([](SOCKET, const SOCKADDR* pAddress, int) { return OnConnect(pAddress); })),
+      m_wsaPoll(Quietly([this](WSAPOLLFD* pPoll, ULONG, INT) { return OnPoll(pPoll); }))
 {
-    const auto unnoted = [](auto&... replaced) { (replaced.Optional().Unnoted(), ...); };
-    unnoted(m_icmpCreateFile, m_icmpSendEcho2, m_icmpCloseHandle, m_socket, m_ioctlsocket, m_connect, m_wsaPoll,
-            m_shutdown, m_closesocket);
 }
 
 DWORD AnsweringWatch::OnSendEcho(IPAddr destination, const std::string& strPayload, void* pReply)

@@ -73,13 +73,14 @@ private:
 
     Sockets m_sockets;
 
-    REPLACED(IcmpCreateFile) m_icmpCreateFile;
+    REPLACED(IcmpCreateFile) m_icmpCreateFile { kit::Quietly(kit::Returns(kIcmp)) };
     REPLACED(IcmpSendEcho2) m_icmpSendEcho2;
-    REPLACED(IcmpCloseHandle) m_icmpCloseHandle;
-    REPLACED(socket) m_socket;
-    REPLACED(ioctlsocket) m_ioctlsocket;
+    // That the handle cannot be closed is nobody's concern.
+    REPLACED(IcmpCloseHandle) m_icmpCloseHandle { kit::Quietly(kit::Returns(FALSE, ERROR_INVALID_HANDLE)) };
+    REPLACED(socket) m_socket { kit::Quietly(kit::Returns(kSocket)) };
+    REPLACED(ioctlsocket) m_ioctlsocket { kit::Quietly(kit::Returns(0)) };
     REPLACED(connect) m_connect;
     REPLACED(WSAPoll) m_wsaPoll;
-    REPLACED(shutdown) m_shutdown;
-    REPLACED(closesocket) m_closesocket;
+    REPLACED(shutdown) m_shutdown { kit::Quietly(kit::Returns(0)) };
+    REPLACED(closesocket) m_closesocket { kit::Quietly(kit::Returns(0)) };
 };

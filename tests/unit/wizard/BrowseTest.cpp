@@ -160,7 +160,6 @@ class Browse : public Test
 protected:
     Browse()
     {
-        m_create.Unnoted().Optional();
         m_page.SetText(kPath, L"C:\\as it was.apk");
         m_page.TakeButtons();
         Journal().clear();
@@ -170,7 +169,7 @@ protected:
     CWizardData m_data;
     PageWindow m_page{kInstallApkPage, m_data};
     REPLACED(CoCreateInstance)
-    m_create{[this](auto&&... args) -> HRESULT { return m_dialog.OnCoCreateInstance(args...); }};
+    m_create{Quietly([this](auto&&... args) -> HRESULT { return m_dialog.OnCoCreateInstance(args...); })};
 };
 
 TEST_F(Browse, TakesThePathThatTheUserChose)

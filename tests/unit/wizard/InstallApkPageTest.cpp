@@ -123,13 +123,11 @@ TEST_F(NewInstallApkPage, StartsWithThePackageBesideTheProgram)
 TEST_F(NewInstallApkPage, StartsEmptyWithoutAPackageBesideTheProgram)
 {
     MakeFile(L"readme.txt");
-    REPLACED(FindClose) close;
-    close.Optional();
+    const REPLACED(FindClose) close(Never());
     PageWindow& page = Open();
     EXPECT_EQ(page.Text(kPath), L"");
     EXPECT_TRUE(page.TextsOf(kPath).empty());
     EXPECT_EQ(page.TakeButtons(), ButtonsList{kWithoutNext});
-    EXPECT_EQ(close.Calls(), 0u);
 }
 
 TEST_F(NewInstallApkPage, StartsWithTheFirstPackageThatTheSearchFinds)
@@ -140,8 +138,7 @@ TEST_F(NewInstallApkPage, StartsWithTheFirstPackageThatTheSearchFinds)
         wcscpy_s(pFound->cFileName, L"second in the alphabet.apk");
         return reinterpret_cast<HANDLE>(0xF1D);
     });
-    REPLACED(FindNextFileW) next;
-    next.Optional();
+    const REPLACED(FindNextFileW) next(Never());
     const REPLACED(FindClose) close(Returns(TRUE));
     EXPECT_EQ(Open().Text(kPath), L"C:\\Program Files\\KALVO\\second in the alphabet.apk");
     EXPECT_EQ(search.Arg<0>(), L"C:\\Program Files\\KALVO\\*.apk");
@@ -151,11 +148,9 @@ TEST_F(NewInstallApkPage, StartsWithTheFirstPackageThatTheSearchFinds)
 
 TEST_F(NewInstallApkPage, DoesNotSearchWithoutAPathEdit)
 {
-    REPLACED(FindFirstFileW) search;
-    search.Optional();
+    const REPLACED(FindFirstFileW) search(Never());
     PageWindow& page = Open({kPath});
     EXPECT_EQ(page.InitResult(), TRUE);
-    EXPECT_EQ(search.Calls(), 0u);
     EXPECT_EQ(page.TakeButtons(), ButtonsList{kWithoutNext});
 }
 
@@ -311,6 +306,7 @@ TEST_F(InstallApkPage, TakesAWatchThatIsAlreadyConnectedForConnected)
 TEST_F(InstallApkPage, TriesThreeTimesToConnectAndLeavesTheServerRunning)
 {
     for (const PCSTR pszOutput : {kCannotConnect, kNotAuthenticated}) {
+        SCOPED_TRACE(pszOutput);
         ExpectNext(-1, {pszOutput, kNotAuthenticated, pszOutput},
                    {Ping(), Connecting(1), Connecting(2), Connecting(3),
                     Status("Unable to connect to 192.168.1.100:43210"), NotConnected()});
@@ -351,6 +347,7 @@ TEST_F(InstallApkPage, StaysWithoutAWordWhenThePathEditIsGone)
 TEST_F(InstallApkPage, TriesThreeTimesToInstallWithoutABox)
 {
     for (const PCSTR pszOutput : {kInstallFailed, kOffline}) {
+        SCOPED_TRACE(pszOutput);
         ExpectInstallation(-1, {pszOutput, pszOutput, kInstallFailed},
                            {Installing(1), Installing(2), Installing(3), Status("Install failed.")});
     }
@@ -440,7 +437,7 @@ const Refusal kRefusals[] = {
      "ADB_GETEXITCODE_FAILED (4)"},
 };
 
-INSTANTIATE_TEST_SUITE_P(, InstallApkRefusal, testing::ValuesIn(kRefusals), kNameOfRow);
+INSTANTIATE_TEST_SUITE_P(, InstallApkRefusal, testing::ValuesIn(kRefusals), kByName);
 
 TEST_F(InstallApkPage, TellsAReasonThatIsNotKnownTwice)
 {

@@ -123,10 +123,8 @@ TEST_F(IntegerEdit, IsSubclassedUnderItsOwnHandleThenLimitedThenEmptied)
     const Edit edit;
     const REPLACED(SetWindowSubclass) subclass;
     edit.Attach(6);
-    EXPECT_EQ(subclass.Arg<0>(), edit.Window());
-    EXPECT_EQ(subclass.Arg<1>(), &CIntegerEdit::SubclassProc);
-    EXPECT_EQ(subclass.Arg<2>(), reinterpret_cast<UINT_PTR>(edit.Window()));
-    EXPECT_EQ(subclass.Arg<3>(), 0u);
+    EXPECT_EQ(subclass.Arguments(),
+              std::tuple(edit.Window(), &CIntegerEdit::SubclassProc, reinterpret_cast<UINT_PTR>(edit.Window()), 0u));
     EXPECT_EQ(Journal(), (Lines{"SetWindowSubclass", "EM_LIMITTEXT 6", "WM_SETTEXT "}));
     EXPECT_EQ(edit.Text(), L"");
 }
@@ -155,7 +153,7 @@ TEST_F(IntegerEdit, DropsEverythingElseThatIsTyped)
 {
     const DigitsEdit edit(30);
     for (const WCHAR ch : std::wstring(L" !\"#$%&'()*+,-./:;<=>?@AZ[\\]^_`az{|}~\x7F\xBD\xE4\x20AC")) {
-        EXPECT_EQ(edit.Send(WM_CHAR, ch, 1), 0);
+        EXPECT_EQ(edit.Send(WM_CHAR, ch, 1), 0) << UINT{ch};
     }
     EXPECT_EQ(Journal(), Lines{});
     EXPECT_EQ(edit.Text(), L"");
@@ -214,8 +212,7 @@ TEST_F(IntegerEdit, PastesNothingOfABitmap)
     SetClipboard(CF_BITMAP, CreateBitmap(4, 4, 1, 1, nullptr));
     const DigitsEdit edit(5);
     edit.Type(L"4");
-    REPLACED(OpenClipboard) open;
-    open.Optional();
+    const REPLACED(OpenClipboard) open(Never());
     EXPECT_EQ(edit.Send(WM_PASTE), 0);
     EXPECT_EQ(edit.Text(), L"4");
     EXPECT_EQ(Journal(), Lines{"WM_CHAR 52"});
@@ -246,8 +243,7 @@ TEST_F(IntegerEdit, PastesNothingWhenTheClipboardCannotBeOpened)
     Copy(L"12");
     const DigitsEdit edit(5);
     const REPLACED(OpenClipboard) open(Returns(FALSE));
-    REPLACED(CloseClipboard) close;
-    close.Optional();
+    const REPLACED(CloseClipboard) close(Never());
     EXPECT_EQ(edit.Send(WM_PASTE), 0);
     EXPECT_EQ(edit.Text(), L"");
     EXPECT_EQ(Journal(), Lines{"OpenClipboard"});
@@ -260,16 +256,14 @@ TEST_F(IntegerEdit, LeavesThePasteToTheControlWhenTheDataCannotBeHad)
     {
         const DigitsEdit edit(5);
         const REPLACED(GlobalLock) lock(Returns(PVOID(nullptr)));
-        REPLACED(GlobalUnlock) unlock;
-        unlock.Optional();
+        const REPLACED(GlobalUnlock) unlock(Never());
         edit.Send(WM_PASTE);
         EXPECT_EQ(Journal(), (Lines{"GlobalLock", "CloseClipboard", "WM_PASTE"}));
         EXPECT_EQ(edit.Text(), L"12");
     }
     const DigitsEdit edit(5);
     const REPLACED(GetClipboardData) data(Returns(HANDLE(nullptr)));
-    REPLACED(GlobalLock) lock;
-    lock.Optional();
+    const REPLACED(GlobalLock) lock(Never());
     edit.Send(WM_PASTE);
     EXPECT_EQ(Journal(), (Lines{"GetClipboardData", "CloseClipboard", "WM_PASTE"}));
     EXPECT_EQ(edit.Text(), L"12");
@@ -283,9 +277,7 @@ TEST_F(IntegerEdit, IsNoneAnyMoreBeforeItsControlIsDestroyed)
         const DigitsEdit edit(5);
         hwnd = edit.Window();
     }
-    EXPECT_EQ(remove.Arg<0>(), hwnd);
-    EXPECT_EQ(remove.Arg<1>(), &CIntegerEdit::SubclassProc);
-    EXPECT_EQ(remove.Arg<2>(), reinterpret_cast<UINT_PTR>(hwnd));
+    EXPECT_EQ(remove.Arguments(), std::tuple(hwnd, &CIntegerEdit::SubclassProc, reinterpret_cast<UINT_PTR>(hwnd)));
     EXPECT_EQ(Journal(), (Lines{"RemoveWindowSubclass", "WM_NCDESTROY"}));
 }
 

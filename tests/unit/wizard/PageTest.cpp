@@ -87,10 +87,8 @@ void PageTest::ExpectDigitsField(int nEditId, const std::wstring& strFilled,
                                  const REPLACED(SetWindowSubclass) & subclass, size_t nCall)
 {
     const HWND hwndEdit = m_page->Control(nEditId);
-    EXPECT_EQ(subclass.Arg<0>(nCall), hwndEdit);
-    EXPECT_EQ(subclass.Arg<1>(nCall), &CIntegerEdit::SubclassProc);
-    EXPECT_EQ(subclass.Arg<2>(nCall), reinterpret_cast<UINT_PTR>(hwndEdit));
-    EXPECT_EQ(subclass.Arg<3>(nCall), 0u);
+    EXPECT_EQ(subclass.Arguments(nCall),
+              std::tuple(hwndEdit, &CIntegerEdit::SubclassProc, reinterpret_cast<UINT_PTR>(hwndEdit), 0u));
     const std::vector<ControlMessage> limits = m_page->MessagesTo(nEditId, {EM_LIMITTEXT});
     ASSERT_EQ(limits.size(), 1u);
     EXPECT_EQ(limits[0].wParam, strFilled.size());

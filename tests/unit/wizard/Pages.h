@@ -78,6 +78,3 @@ inline const Page& kWelcomePage = kPages[0];
 inline const Page& kWirelessDebuggingOnPage = kPages[4];
 inline const Page& kPairDevicePage = kPages[5];
 inline const Page& kInstallApkPage = kPages[6];
-
-// The name of a table's row, which is its first column, as that of the test's case.
-inline const auto kNameOfRow = [](const auto& info) { return std::string(info.param.pszName); };

@@ -74,7 +74,7 @@ TEST_P(EveryPage, AnswersAnyOtherNotificationWithoutDoingAnything)
     for (const UINT nCode : {PSN_WIZNEXT, PSN_WIZBACK, PSN_WIZFINISH, PSN_QUERYCANCEL, PSN_KILLACTIVE, PSN_RESET,
                              PSN_APPLY, PSN_HELP, NM_CLICK}) {
         if (!m_row.heard.contains(nCode)) {
-            EXPECT_EQ(page.Notify(nCode), 0);
+            EXPECT_EQ(page.Notify(nCode), 0) << nCode;
         }
     }
     EXPECT_EQ(page.TakeButtons(), ButtonsList{});
@@ -86,7 +86,7 @@ TEST_P(EveryPage, AnswersACommandOfAnyOtherControlWithoutDoingAnything)
     PageWindow& page = Shown();
     for (const int nControlId : {m_row.body.nControlId, IDOK, IDCANCEL, kAbout}) {
         if (page.Control(kAbout) == nullptr || nControlId != kAbout) {
-            EXPECT_EQ(page.Command(nControlId, BN_CLICKED), 0);
+            EXPECT_EQ(page.Command(nControlId, BN_CLICKED), 0) << nControlId;
         }
     }
     EXPECT_EQ(page.TakeButtons(), ButtonsList{});
@@ -98,12 +98,12 @@ TEST_P(EveryPage, LeavesAnyOtherMessageToTheSystem)
     PageWindow& page = Shown();
     for (const UINT nMessage :
          {WM_CLOSE, WM_TIMER, WM_SIZE, WM_SHOWWINDOW, WM_SYSCOMMAND, WM_NEXTDLGCTL, WM_USER, WM_DESTROY}) {
-        EXPECT_EQ(page.Send(nMessage), FALSE);
+        EXPECT_EQ(page.Send(nMessage), FALSE) << nMessage;
     }
     EXPECT_EQ(page.TakeButtons(), ButtonsList{});
 }
 
-INSTANTIATE_TEST_SUITE_P(, EveryPage, testing::ValuesIn(kPages), kNameOfRow);
+INSTANTIATE_TEST_SUITE_P(, EveryPage, testing::ValuesIn(kPages), kByName);
 
 class WelcomePage : public PageTest
 {
@@ -196,7 +196,7 @@ TEST_P(InstructionPage, MindsNothingButAClickOnItsBox)
 {
     PageWindow& page = Shown();
     for (const int nNotification : {BN_DOUBLECLICKED, BN_SETFOCUS, EN_CHANGE}) {
-        EXPECT_EQ(page.Command(m_row.check.nControlId, nNotification), 0);
+        EXPECT_EQ(page.Command(m_row.check.nControlId, nNotification), 0) << nNotification;
     }
     EXPECT_EQ(page.TakeButtons(), ButtonsList{});
 }
@@ -217,6 +217,6 @@ std::vector<Page> InstructionPages()
     return pages;
 }
 
-INSTANTIATE_TEST_SUITE_P(, InstructionPage, testing::ValuesIn(InstructionPages()), kNameOfRow);
+INSTANTIATE_TEST_SUITE_P(, InstructionPage, testing::ValuesIn(InstructionPages()), kByName);
 
 } // namespace

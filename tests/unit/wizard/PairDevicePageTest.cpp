@@ -90,14 +90,12 @@ TEST_F(NewPairDevicePage, ShowsTheWatchsAddressWhereItCannotBeEdited)
 
 TEST_F(NewPairDevicePage, EndsTheProcessForAnAddressOtherThanIpv4)
 {
-    REPLACED(SetWindowSubclass) subclass;
-    subclass.Optional();
+    const REPLACED(SetWindowSubclass) subclass(Never());
     for (const ADDRESS_FAMILY nFamily : std::vector<ADDRESS_FAMILY>{0, 23}) {
         SCOPED_TRACE(nFamily);
         m_data.m_saWatchAddress.ss_family = nFamily;
         ExpectEndOfOpening(L"Invalid IP address type, e.g. IPv6");
     }
-    EXPECT_EQ(subclass.Calls(), 0u);
 }
 
 TEST_F(NewPairDevicePage, DoesWithoutItsControls)
@@ -263,16 +261,16 @@ TEST_F(PairDevicePage, PairsAndStoresTheCode)
 
 TEST_F(PairDevicePage, PairsWithTheWatchsAddressAndThePairingPort)
 {
-    REPLACED(WSAAddressToStringW)
-    convert([](SOCKADDR* pAddress, DWORD cb, WSAPROTOCOL_INFOW* pInfo, PWSTR psz, DWORD* pcch) {
-        // The rest of the address is zero, whatever is behind that of the watch.
-        const SOCKADDR_IN expected = MakeAddress(L"192.168.1.100", 1024);
-        EXPECT_EQ(cb, sizeof(expected));
-        EXPECT_EQ(std::memcmp(pAddress, &expected, sizeof(expected)), 0);
-        return REPLACED(WSAAddressToStringW)::Real(pAddress, cb, pInfo, psz, pcch);
-    });
-    convert.Unnoted();
+    const REPLACED(WSAAddressToStringW)
+        convert(Quietly([](SOCKADDR* pAddress, DWORD cb, WSAPROTOCOL_INFOW* pInfo, PWSTR psz, DWORD* pcch) {
+            // The rest of the address is zero, whatever is behind that of the watch.
+            const SOCKADDR_IN expected = MakeAddress(L"192.168.1.100", 1024);
+            EXPECT_EQ(cb, sizeof(expected));
+            EXPECT_EQ(std::memcmp(pAddress, &expected, sizeof(expected)), 0);
+            return REPLACED(WSAAddressToStringW)::Real(pAddress, cb, pInfo, psz, pcch);
+        }));
     ExpectPaired(L"1024", L"000001");
+    EXPECT_EQ(convert.Calls(), 1u);
 }
 
 TEST_F(PairDevicePage, TakesTheHighestPort)
@@ -325,16 +323,12 @@ TEST_F(PairDevicePage, RefusesAPortThatIsNoNumber)
 
 TEST_F(PairDevicePage, ReadsThePortAsAnUnsignedNumberAndMindsWhetherItIsOne)
 {
-    REPLACED(GetDlgItemInt)
-    read([](HWND, int, BOOL* pbTranslated, BOOL) -> UINT {
+    const REPLACED(GetDlgItemInt) read(Quietly([](HWND, int, BOOL* pbTranslated, BOOL) -> UINT {
         *pbTranslated = FALSE;
         return 37777;
-    });
-    read.Unnoted();
+    }));
     ExpectNext(-1, {}, {Status("Stopping ADB server"), Told(kMethod, kBadPort)});
-    EXPECT_EQ(read.Arg<0>(), m_page->Window());
-    EXPECT_EQ(read.Arg<1>(), kPort);
-    EXPECT_EQ(read.Arg<3>(), FALSE);
+    EXPECT_EQ(read.Arguments(), std::tuple(m_page->Window(), kPort, kAny, FALSE));
 }
 
 TEST_F(PairDevicePage, RefusesAPortOutOfRangeBeforeItLooksAtTheCode)
@@ -365,6 +359,7 @@ TEST_F(PairDevicePage, ReadsSixCharactersOfTheCode)
 TEST_F(PairDevicePage, StaysWhenTheServerCannotBeStopped)
 {
     for (const AdbRun& run : std::vector<AdbRun>{"what is this\r\n", {kStopped, false}}) {
+        SCOPED_TRACE(run.strOutput);
         ExpectNext(-1, {run}, {Stopping(), Told(kMethod, kNotStopped)});
     }
 }

@@ -26,8 +26,6 @@ protected:
     {
         // Whoever reads the reason of a failure only after its box is too late.
         WhenBoxShows([](const Box&) { unreplaced::SetLastError(99); });
-        const auto optional = [](auto&... replaced) { (replaced.Optional(), ...); };
-        optional(m_socket, m_connect, m_poll, m_shutdown, m_close);
     }
 
     // With these outcomes of its polls the probe has this result and needs so many of them, on one socket.
@@ -52,8 +50,7 @@ protected:
         EXPECT_EQ(JournalOf({"connect"}).size(), 1u);
         EXPECT_EQ(m_close.Arg<0>(m_close.Calls() - 1), kSocket);
         for (size_t n = 0; n < m_poll.Calls(); ++n) {
-            EXPECT_EQ(m_poll.Arg<1>(n), 1u);
-            EXPECT_EQ(m_poll.Arg<2>(n), 2000);
+            EXPECT_EQ(m_poll.Arguments(n), std::tuple(kAny, 1u, 2000));
         }
     }
 
@@ -69,11 +66,11 @@ protected:
     }
 
     AnsweringWatch m_watch;
-    REPLACED(socket) m_socket;
-    REPLACED(connect) m_connect;
-    REPLACED(WSAPoll) m_poll;
-    REPLACED(shutdown) m_shutdown;
-    REPLACED(closesocket) m_close;
+    REPLACED(socket) m_socket { Maybe() };
+    REPLACED(connect) m_connect { Maybe() };
+    REPLACED(WSAPoll) m_poll { Maybe() };
+    REPLACED(shutdown) m_shutdown { Maybe() };
+    REPLACED(closesocket) m_close { Maybe() };
 };
 
 TEST_F(TcpProbe, SucceedsWhenTheConnectionStandsAndEndsItAtOnce)
@@ -82,8 +79,7 @@ TEST_F(TcpProbe, SucceedsWhenTheConnectionStandsAndEndsItAtOnce)
     EXPECT_EQ(Journal(), (Lines{"socket", "connect", "connect 192.168.1.100:43210",
                                 "status \"Connecting to 192.168.1.100:43210 (1 of 7)\"", "sleep 200", "WSAPoll",
                                 "status \"\"", "shutdown", "closesocket"}));
-    EXPECT_EQ(m_shutdown.Arg<0>(), kSocket);
-    EXPECT_EQ(m_shutdown.Arg<1>(), 2); // both directions
+    EXPECT_EQ(m_shutdown.Arguments(), std::tuple(kSocket, 2)); // both directions
 }
 
 TEST_F(TcpProbe, SetsTheSocketUpBeforeItConnects)
@@ -105,9 +101,7 @@ TEST_F(TcpProbe, SetsTheSocketUpBeforeItConnects)
         return 0; // it stands at once
     });
     Expect(0, 1, {kWritable});
-    EXPECT_EQ(m_socket.Arg<0>(), 2);
-    EXPECT_EQ(m_socket.Arg<1>(), 1);
-    EXPECT_EQ(m_socket.Arg<2>(), 6);
+    EXPECT_EQ(m_socket.Arguments(), std::tuple(2, 1, 6));
     EXPECT_EQ(JournalOf({"socket", "ioctlsocket", "connect"}), (Lines{"socket", "ioctlsocket", "connect"}));
 }
 

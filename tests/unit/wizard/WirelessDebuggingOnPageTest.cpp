@@ -41,15 +41,12 @@ class Gateway
 {
 public:
     explicit Gateway(PCWSTR pszGateway)
-        : m_interface(Returns(DWORD(NO_ERROR))),
-          m_route([pszGateway](NET_LUID*, NET_IFINDEX, const SOCKADDR_INET*, const SOCKADDR_INET*, ULONG,
-                               MIB_IPFORWARD_ROW2* pRoute, SOCKADDR_INET*) -> DWORD {
+        : m_route(Quietly([pszGateway](NET_LUID*, NET_IFINDEX, const SOCKADDR_INET*, const SOCKADDR_INET*, ULONG,
+                                       MIB_IPFORWARD_ROW2* pRoute, SOCKADDR_INET*) -> DWORD {
               pRoute->NextHop.Ipv4 = MakeAddress(pszGateway, 0);
               return NO_ERROR;
-          })
+          }))
     {
-        m_interface.Optional().Unnoted();
-        m_route.Optional().Unnoted();
     }
 
     size_t Lookups() const
@@ -58,7 +55,7 @@ public:
     }
 
 private:
-    REPLACED(GetBestInterfaceEx) m_interface;
+    REPLACED(GetBestInterfaceEx) m_interface { Quietly(Returns(DWORD(NO_ERROR))) };
     REPLACED(GetBestRoute2) m_route;
 };
 
@@ -299,16 +296,12 @@ TEST_F(WirelessDebuggingOnPage, RefusesABadPortBeforeAnyProbe)
 
 TEST_F(WirelessDebuggingOnPage, ReadsThePortAsAnUnsignedNumberAndMindsWhetherItIsOne)
 {
-    REPLACED(GetDlgItemInt)
-    read([](HWND, int, BOOL* pbTranslated, BOOL) -> UINT {
+    const REPLACED(GetDlgItemInt) read(Quietly([](HWND, int, BOOL* pbTranslated, BOOL) -> UINT {
         *pbTranslated = FALSE;
         return 43210;
-    });
-    read.Unnoted();
+    }));
     ExpectRefusal("Invalid Port Value", kPortRange);
-    EXPECT_EQ(read.Arg<0>(), m_page->Window());
-    EXPECT_EQ(read.Arg<1>(), kPort);
-    EXPECT_EQ(read.Arg<3>(), FALSE);
+    EXPECT_EQ(read.Arguments(), std::tuple(m_page->Window(), kPort, kAny, FALSE));
 }
 
 TEST_F(WirelessDebuggingOnPage, TriesAndStoresAPortFrom1024To65535)
