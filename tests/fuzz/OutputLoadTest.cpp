@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
+#include <utility>
 
 using namespace std::string_view_literals;
 
@@ -53,10 +53,10 @@ protected:
 
 TEST_F(OutputLoad, LinesThatNobodyKnows)
 {
-    const std::map<const char*, Classifier*> classifiers = {{"kill-server", ClassifyKillServerOutput},
-                                                            {"connect", ClassifyConnectOutput},
-                                                            {"pair", ClassifyPairOutput},
-                                                            {"install", ClassifyInstallOutput}};
+    constexpr std::pair<const char*, Classifier*> classifiers[] = {{"kill-server", ClassifyKillServerOutput},
+                                                                   {"connect", ClassifyConnectOutput},
+                                                                   {"pair", ClassifyPairOutput},
+                                                                   {"install", ClassifyInstallOutput}};
     for (const auto& [pszCommand, pfnClassify] : classifiers) {
         SCOPED_TRACE(pszCommand);
         for (const std::string_view piece : {"x"sv, "\0"sv, "\r"sv, "\n"sv}) {
