@@ -24,7 +24,7 @@ ARCHIVE = "KalvoWindowsCheck.zip"
 CHECK = "check/Check.exe"
 STRIP = "x86_64-w64-mingw32-strip"
 
-# What the unit tests need beside them.
+# What unit tests start, and what the check plants beside the installer.
 HELPERS = ("tests/kit/children/child.exe", "tests/process/planted.dll")
 
 

@@ -14,7 +14,7 @@ class CFlood : public CService
 public:
     explicit CFlood(CReply reply) : m_reply(std::move(reply)) {}
 
-    void Take(ByteView) override {}
+    void Take(ByteView /*bytes*/) override {}
 
     std::string NextPiece() override
     {
@@ -60,6 +60,6 @@ public:
 private:
     static constexpr std::size_t WORD = 8;
 
-    std::string_view m_answer{"STAT\0\0\0\0\0\0\0\0\0\0\0", 16}; // before it is asked
+    std::string_view m_answer{"STAT\0\0\0\0\0\0\0\0\0\0\0\0", 16}; // before it is asked
     bool m_bDone = false;
 };

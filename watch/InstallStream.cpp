@@ -25,7 +25,7 @@ CInstallStream::CInstallStream(std::uint64_t nSize, const SOptions& options, CRe
     }
 }
 
-CInstallStream::~CInstallStream()
+CInstallStream::~CInstallStream() // NOLINT(bugprone-exception-escape): without a log the watch may end
 {
     if (m_stream.is_open()) {
         m_log.Line("install: broken off after {} of {} bytes", m_nReceived, m_nSize);

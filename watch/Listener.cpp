@@ -88,7 +88,7 @@ void CListener::Serve(SWorker& worker, const std::string& szPeer)
         CConnection connection(worker.socket.Get());
         m_handler(connection);
         connection.SayGoodbye();
-    } catch (const CPeerClosed&) {
+    } catch (const CPeerClosed&) { // NOLINT(bugprone-empty-catch): it has said all, and that is told below
     } catch (const std::exception& error) {
         m_log.Line("{}: gave up: {}", m_szName, error.what());
     }

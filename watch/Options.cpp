@@ -10,14 +10,15 @@
 
 namespace {
 
-constexpr std::size_t ENDLESS = 64 * 1024 * 1024;
+constexpr std::size_t ENDLESS = 64UL * 1024 * 1024;
 
 template<class Number>
 Number ParseNumber(std::string_view text)
 {
     Number nValue = 0;
-    const char* pEnd = text.data() + text.size();
-    const auto [end, error] = std::from_chars(text.data(), pEnd, nValue);
+    const char* const pBegin = text.data();
+    const char* const pEnd = pBegin + text.size();
+    const auto [end, error] = std::from_chars(pBegin, pEnd, nValue);
     if (error != std::errc() || end != pEnd) {
         throw std::runtime_error(std::format("'{}' is no number here", text));
     }

@@ -15,7 +15,7 @@ namespace {
 // Montgomery constant of the same size, the exponent; all little endian.
 constexpr std::size_t MODULUS_SIZE = std::tuple_size_v<PublicKey>;
 constexpr std::size_t MODULUS_AT = 8;
-constexpr std::size_t STRUCTURE_SIZE = MODULUS_AT + 2 * MODULUS_SIZE + 4;
+constexpr std::size_t STRUCTURE_SIZE = MODULUS_AT + (2 * MODULUS_SIZE) + 4;
 
 } // namespace
 

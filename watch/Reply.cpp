@@ -3,7 +3,7 @@
 #include <algorithm>
 
 namespace {
-constexpr std::size_t LARGEST_PIECE = 64 * 1024;
+constexpr std::size_t LARGEST_PIECE = 64UL * 1024;
 }
 
 CReply::CReply(std::string szText, const SOptions& options)

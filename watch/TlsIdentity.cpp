@@ -20,8 +20,8 @@ void Require(bool bDone, const char* szStep)
 
 bssl::UniquePtr<EVP_PKEY> MakeKey()
 {
-    bssl::UniquePtr<BIGNUM> exponent(BN_new());
-    bssl::UniquePtr<RSA> rsa(RSA_new());
+    const bssl::UniquePtr<BIGNUM> exponent(BN_new());
+    const bssl::UniquePtr<RSA> rsa(RSA_new());
     bssl::UniquePtr<EVP_PKEY> key(EVP_PKEY_new());
     Require(exponent && rsa && key && BN_set_word(exponent.get(), RSA_F4) &&
                 RSA_generate_key_ex(rsa.get(), KEY_BITS, exponent.get(), nullptr) &&

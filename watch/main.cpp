@@ -32,8 +32,10 @@ void RunUntilStopped(const SOptions& options)
     });
     {
         const CWatch watch(options, log);
-        log.Line("listening {} debugging {} pairing {} code {}", inet_ntoa(options.address), watch.DebuggingPort(),
-                 watch.PairingPort(), options.szCode);
+        // NOLINTNEXTLINE(concurrency-mt-unsafe): the C library has a buffer for each thread
+        const std::string szAddress = inet_ntoa(options.address);
+        log.Line("listening {} debugging {} pairing {} code {}", szAddress, watch.DebuggingPort(), watch.PairingPort(),
+                 options.szCode);
         int nSignal = 0;
         sigwait(&signals, &nSignal);
     }

@@ -61,7 +61,7 @@ __attribute__((noinline)) size_t Touched(const volatile BYTE* pTop)
     return cb;
 }
 
-// Prints the answer. False when the text is judged wrong.
+// Prints the answer, or returns false when the text is judged wrong.
 bool Judge(const TEXT_KIND& kind, size_t cb, int nPieces)
 {
     std::string output(kind.begin);
@@ -77,7 +77,9 @@ bool Judge(const TEXT_KIND& kind, size_t cb, int nPieces)
     }
     const double dTaken = watch.Milliseconds();
     const size_t cbTouched = Touched(pTop);
-    std::cout << dTaken << ' ' << cbTouched << '\n' << std::flush;
+    if (bRight) {
+        std::cout << dTaken << ' ' << cbTouched << '\n' << std::flush;
+    }
     return bRight;
 }
 

@@ -2,7 +2,7 @@
 // does nothing: what going through it takes is the system's and the frame's.
 //
 //     bench-pages TITLE
-#include "check/Pages.h"
+#include "tests/driver/Pages.h"
 #include "wine/frame/PropertySheet.h"
 
 #include <algorithm>

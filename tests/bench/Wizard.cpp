@@ -13,9 +13,9 @@
 //   job COMMAND ADDRESS PORT CODE PORT       starts the installer, goes through all pages, waits for its end; answers
 //                                            with the milliseconds that its process has lived, and the most memory
 // Ends with 1, after a line on standard error, when something does not come. The end of the input ends it.
-#include "check/Pages.h"
 #include "tests/bench/Program.h"
 #include "tests/bench/StopWatch.h"
+#include "tests/driver/Pages.h"
 #include "tests/kit/Request.h"
 
 #include <commctrl.h>

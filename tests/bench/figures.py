@@ -8,13 +8,14 @@ from collections.abc import Callable
 from dataclasses import dataclass
 from pathlib import Path
 from statistics import median
+from typing import NamedTuple
 
 from driver import pages, places
 from driver import program as programs
 from driver.answering import Answering
 from driver.executable import Executable
 from driver.package import write_package
-from driver.places import windows_path
+from driver.places import drive_c, home_path, windows_path
 from driver.watch import Watch
 
 # What the program itself waits before each adb command and before it looks at a connection.
@@ -60,31 +61,27 @@ def archive() -> Path:
     return places.build() / "res" / "platform-tools_kalvo.zip"
 
 
-def drive_c(folder: str) -> Path:
-    """A folder of the home's Windows, which need not be there yet."""
-    return places.prefix() / "drive_c" / folder
-
-
 def milliseconds(action: Callable[[], object]) -> float:
     began = time.perf_counter()
     action()
     return (time.perf_counter() - began) * 1000
 
 
-def wine_path(file: Path) -> str:
-    """How the home's Windows names any file of this machine."""
-    return '"Z:' + str(file).replace("/", "\\") + '"'
+def under_launcher(program: str, *arguments: str) -> str:
+    """The command line for a program by its path in the home's Windows."""
+    return " ".join(f'"{word}"' for word in (home_path(places.launcher()), program, *arguments))
 
 
-def under_launcher(program: str) -> str:
-    return f"{wine_path(places.launcher())} {program}"
+def bench_program(name: str) -> Path:
+    """One of this folder's."""
+    return places.helper(f"bench/bench-{name}")
 
 
 class BenchProgram(Answering):
-    """One of this folder's programs, which answers with numbers."""
+    """One that answers with numbers."""
 
     def __init__(self, name: str, *arguments: str) -> None:
-        super().__init__(places.helper(f"bench/bench-{name}"), *arguments, patience=PATIENCE)
+        super().__init__(bench_program(name), *arguments, patience=PATIENCE)
 
     def measure(self, *words: object) -> list[float]:
         return [float(number) for number in self.ask("\t".join(map(str, words))).split()]
@@ -108,8 +105,12 @@ def unpacking(rounds: int) -> list[Figure]:
         return milliseconds(lambda: subprocess.run(["unzip", "-q", copy, "-d", other], check=True, timeout=60))
 
     with BenchProgram("install", windows_path(folder)) as answering:
-        install_tools(answering, folder), unzip()
-        pairs = [(install_tools(answering, folder), unzip()) for _ in range(rounds)]
+
+        def measure() -> tuple[float, float]:
+            return install_tools(answering, folder), unzip()
+
+        measure()
+        pairs = [measure() for _ in range(rounds)]
     taken = f"{median(a for a, _ in pairs):.1f} ms to {median(b for _, b in pairs):.1f} ms"
     ratio = median(a / b for a, b in pairs)
     return [at_most("`Install`, to `unzip` of the same archive", 0.8, ratio, ".2f", taken)]
@@ -122,7 +123,7 @@ def starting(rounds: int) -> list[Figure]:
     folder = drive_c("bench tools")
     copy = shutil.copy(places.installer(), drive_c("KalvoApkInstaller.exe"))
     installing = under_launcher(windows_path(Path(copy)))
-    empty = under_launcher(f'{wine_path(places.helper("bench/bench-dialog"))} "{pages.TITLE}"')
+    empty = under_launcher(home_path(bench_program("dialog")), pages.TITLE)
     unpacker = BenchProgram("install", windows_path(folder))
     with BenchProgram("wizard", pages.TITLE) as driver, unpacker as answering:
 
@@ -140,24 +141,35 @@ def starting(rounds: int) -> list[Figure]:
     return [at_most("start to first page, to `Install` and an empty dialog", 1.3, ratio, ".2f", details)]
 
 
-def main_job(rounds: int) -> list[Figure]:
+class JobRound(NamedTuple):
+    """Milliseconds and KiB of one way through the wizard, and what they are compared with."""
+
+    adb_alone: float
+    job: float
+    memory: float
+    empty_pages: float
+    least_memory: float
+
+
+def job_rounds(rounds: int, driver: BenchProgram, installer: str, empty: str) -> list[JobRound]:
     """The whole way through the wizard, with nobody in front of it who takes time, on a watch that plays along; the
     adb commands of that way alone; and the same way through as many pages with nothing on them."""
-    empty = under_launcher(f'{wine_path(places.helper("bench/bench-pages"))} "{pages.TITLE}"')
-    folder = drive_c("bench tools")
-    with Watch() as watch, BenchProgram("wizard", pages.TITLE) as driver:
+    tools = drive_c("bench tools")
+    with Watch() as watch:
         package = write_package(places.downloads())
-        installer = windows_path(Path(shutil.copy(places.installer(), places.downloads())))
-        with BenchProgram("install", windows_path(folder)) as answering:
-            install_tools(answering, folder)
-        adb = f'"{windows_path(folder)}\\platform-tools\\adb.exe"'
+        with BenchProgram("install", windows_path(tools)) as answering:
+            install_tools(answering, tools)
+        adb = f'"{windows_path(tools)}\\platform-tools\\adb.exe"'
         address = f"{watch.address}:{watch.port}"
+
+        def take_from_watch() -> None:
+            assert watch.has_received(package), watch.events
+            watch.store.unlink()
 
         def do_job() -> list[float]:
             words = (watch.address, watch.port, watch.code, watch.pairing_port)
-            taken = driver.measure("job", under_launcher(installer), *words)
-            assert watch.has_received(package), watch.events
-            watch.store.unlink()
+            taken = driver.measure("job", installer, *words)
+            take_from_watch()
             return taken
 
         def run_adb() -> float:
@@ -169,42 +181,47 @@ def main_job(rounds: int) -> list[Figure]:
                 "kill-server",
             )
             taken = sum(driver.measure("run", f"{adb} {command}")[0] for command in commands)
-            assert watch.has_received(package), watch.events
-            watch.store.unlink()
+            take_from_watch()
             time.sleep(PAUSE_BEFORE_ADB / 1000)
             return taken + driver.measure("run", f"{adb} kill-server")[0]
 
-        def measure() -> tuple[float, ...]:
-            return run_adb(), *do_job(), *driver.measure("pages", empty)
+        def measure() -> JobRound:
+            return JobRound(run_adb(), *do_job(), *driver.measure("pages", empty))
 
         measure()
-        rows = [measure() for _ in range(rounds)]
+        return [measure() for _ in range(rounds)]
 
-        def measure_at_first_page() -> tuple[float, float]:
-            memory = driver.measure("start", under_launcher(installer))[1]
-            shutil.rmtree(places.working_folder(), ignore_errors=True)
+
+def main_job(rounds: int) -> list[Figure]:
+    """What the program itself takes of the time and the memory of its whole way."""
+    empty = under_launcher(home_path(bench_program("pages")), pages.TITLE)
+    installer = under_launcher(windows_path(Path(shutil.copy(places.installer(), places.downloads()))))
+    with BenchProgram("wizard", pages.TITLE) as driver:
+        rows = job_rounds(rounds, driver, installer, empty)
+
+        def memory_at_first_page() -> tuple[float, float]:
+            memory = driver.measure("start", installer)[1]
+            programs.remove_folder(places.working_folder())
             return memory, driver.measure("start", empty)[1]
 
-        firsts = [measure_at_first_page() for _ in range(rounds)]
+        firsts = [memory_at_first_page() for _ in range(rounds)]
     pauses = ADB_COMMANDS * PAUSE_BEFORE_ADB + PAUSE_BEFORE_POLL
-    beyond = median((job - pauses - alone) / job for alone, job, _, _, _ in rows) * 100
-    share = median((job - pauses - alone - bare) / job for alone, job, _, bare, _ in rows) * 100
-    over = median(memory - least for _, _, memory, _, least in rows) / 1024
+    beyond = median((row.job - pauses - row.adb_alone) / row.job for row in rows) * 100
+    share = median((row.job - pauses - row.adb_alone - row.empty_pages) / row.job for row in rows) * 100
+    over = median(row.memory - row.least_memory for row in rows) / 1024
     over_at_first = median(memory - least for memory, least in firsts) / 1024
-    alone, job, memory, bare, least = (median(column) for column in zip(*rows))
-    shares = f"%, of {job / 1000:.2f} s; pauses {pauses / 1000:.1f} s, adb alone {alone / 1000:.2f} s"
-    empties = f"%; the empty pages take {bare / 1000:.2f} s"
+    typical = JobRound(*map(median, zip(*rows)))
+    alone = f"adb alone {typical.adb_alone / 1000:.2f} s"
+    shares = f"%, of {typical.job / 1000:.2f} s; pauses {pauses / 1000:.1f} s, {alone}"
+    empties = f"%; the empty pages take {typical.empty_pages / 1000:.2f} s"
+    least = f"14 empty pages have {typical.least_memory / 1024:.1f} MiB"
     carried = f"{archive().stat().st_size / (1 << 20):.1f} MiB"
     written = f"after the archive of {carried} was written out of the program's file"
     at_first = f"{over_at_first:.1f} of it at the first page, {written}"
     return [
         printed("main job: share of the time that is neither a fixed pause nor adb's own", f"{beyond:.1f}", shares),
         at_most("main job: the same without the time for 14 empty pages", 3.0, share, ".1f", empties),
-        printed(
-            "peak memory through the main job",
-            f"{memory / 1024:.1f} MiB",
-            f"14 empty pages have {least / 1024:.1f} MiB",
-        ),
+        printed("peak memory through the main job", f"{typical.memory / 1024:.1f} MiB", least),
         printed("peak memory over that of 14 empty pages", f"{over:.1f} MiB", at_first),
     ]
 
@@ -213,14 +230,13 @@ def judging(rounds: int) -> list[Figure]:
     """Adb's output of 64 MiB in one piece, and the same amount in pieces of 1 MiB, in the form that takes longest."""
     with BenchProgram("classify") as classifier:
 
-        def judge(text: str, mebibytes: int) -> tuple[float, float]:
-            taken, stack = classifier.measure(text, mebibytes, MEBIBYTES // mebibytes)
-            return taken, stack
+        def measure(text: str) -> tuple[list[float], list[float]]:
+            return classifier.measure(text, MEBIBYTES, 1), classifier.measure(text, 1, MEBIBYTES)
 
         rows = {}
         for text in TEXTS:
-            judge(text, MEBIBYTES), judge(text, 1)
-            rows[text] = [(judge(text, MEBIBYTES), judge(text, 1)) for _ in range(rounds)]
+            measure(text)
+            rows[text] = [measure(text) for _ in range(rounds)]
     speed = {text: MEBIBYTES * 1.048576 / median(whole[0] for whole, _ in row) * 1000 for text, row in rows.items()}
     growth = max(median(whole[0] / pieces[0] for whole, pieces in row) for row in rows.values())
     stack = {size: max(pair[size][1] for row in rows.values() for pair in row) for size in (0, 1)}

@@ -8,11 +8,16 @@ import re
 import sys
 from pathlib import Path
 
-FOLDERS = (".", "docs", "watch", "tests/kit")
 PINS = "scripts/lib/recipe.sh"
 
 _LINK = re.compile(r"\]\(([^()\s]+)\)")
 _CODE = re.compile(r"^```.*?^```|`[^`\n]*`", re.MULTILINE | re.DOTALL)
+
+
+def pages_in(checkout: Path) -> list[Path]:
+    """All but those of what a build has made or fetched."""
+    tops = [path for path in checkout.iterdir() if path.is_dir() and path.name not in ("build", ".git")]
+    return sorted([*checkout.glob("*.md"), *(page for top in tops for page in top.rglob("*.md"))])
 
 
 def anchors(page: str) -> set[str]:
@@ -28,9 +33,9 @@ def faults_of_links(page: Path) -> list[str]:
         name, _, anchor = link.partition("#")
         target = page.parent / name if name else page
         if not target.exists():
-            faults.append(f"{page.name}: there is no {link}")
+            faults.append(f"{page}: there is no {link}")
         elif anchor and anchor not in anchors(target.read_text(encoding="utf-8")):
-            faults.append(f"{page.name}: {link} has no such heading")
+            faults.append(f"{page}: {link} has no such heading")
     return faults
 
 
@@ -45,7 +50,7 @@ def faults_of_pins(checkout: Path) -> list[str]:
 
 def main() -> int:
     checkout = Path(sys.argv[1])
-    pages = [page for folder in FOLDERS for page in sorted((checkout / folder).glob("*.md"))]
+    pages = pages_in(checkout)
     faults = [fault for page in pages for fault in faults_of_links(page)] + faults_of_pins(checkout)
     for fault in faults:
         print(fault, file=sys.stderr)

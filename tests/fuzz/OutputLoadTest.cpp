@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 using namespace std::string_view_literals;
 
 namespace {
@@ -34,9 +36,10 @@ protected:
         output.resize(kSize - kSize % piece.size());
         output.insert(0, begin);
         output += end;
+        SCOPED_TRACE(testing::Message() << begin << '(' << testing::PrintToString(piece) << ")..." << end);
         const kit::Seconds before = kit::ProcessorTime();
-        EXPECT_EQ(classify(output), nExpected) << begin << '(' << piece << ")..." << end;
-        EXPECT_LT(kit::ProcessorTime() - before, kLongest) << begin << '(' << piece << ")..." << end;
+        EXPECT_EQ(classify(output), nExpected);
+        EXPECT_LT(kit::ProcessorTime() - before, kLongest);
     }
 
     // The boxes that were shown.
@@ -45,8 +48,12 @@ protected:
 
 TEST_F(OutputLoad, LinesThatNobodyKnows)
 {
-    for (Classifier* pfnClassify :
-         {ClassifyKillServerOutput, ClassifyConnectOutput, ClassifyPairOutput, ClassifyInstallOutput}) {
+    constexpr std::pair<const char*, Classifier*> classifiers[] = {{"kill-server", ClassifyKillServerOutput},
+                                                                   {"connect", ClassifyConnectOutput},
+                                                                   {"pair", ClassifyPairOutput},
+                                                                   {"install", ClassifyInstallOutput}};
+    for (const auto& [pszCommand, pfnClassify] : classifiers) {
+        SCOPED_TRACE(pszCommand);
         for (const std::string_view piece : {"x"sv, "\0"sv, "\r"sv, "\n"sv}) {
             Expect(*pfnClassify, ADB_PARSE_ERROR, "", piece);
         }

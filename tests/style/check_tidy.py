@@ -27,6 +27,8 @@ PAIRED = {"-isystem", "-include"}
 
 def sources_of(folders: list[Path]) -> list[Path]:
     found = {source: folder for folder in folders for source in folder.rglob("*.cpp")}
+    if empty := set(folders) - set(found.values()):
+        sys.exit(f"no sources there: {', '.join(map(str, sorted(empty)))}")
     return sorted(source for source, folder in found.items() if "tests" not in source.relative_to(folder).parts)
 
 
