@@ -10,6 +10,7 @@ import unittest
 from collections.abc import Callable
 from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
+from typing import Any
 
 from commander import ADB, Answer, Commander
 from driver import network, places
@@ -61,8 +62,11 @@ class CommandTest(unittest.TestCase):
     def setUp(self) -> None:
         self.assertIn(self.commander.kill_server().outcome, ("ADB_SUCCESS", "KILL_SEVER_NOT_STARTED"))
 
-    def watch(self, *switches: str) -> Watch:
-        return self.enterContext(Watch(*switches))
+    def watch(self, *switches: str, **numbers: Any) -> Watch:
+        """What happened to it is printed at the end, for whoever reads why the test failed."""
+        watch = self.enterContext(Watch(*switches, **numbers))
+        self.addCleanup(lambda: print("", *watch.events, sep="\n", flush=True))
+        return watch
 
     def connected_watch(self, *switches: str) -> Watch:
         watch = self.watch("--trust-all", *switches)
@@ -108,7 +112,7 @@ class Pairing(CommandTest):
         watch.wait_for_event("pairing: paired ")
 
     def test_with_a_code_of_noughts(self) -> None:
-        self.enterContext(Watch(code="000000"))
+        self.watch(code="000000")
         self.assertEqual(self.commander.pair(PAIRING, "000000").outcome, "ADB_SUCCESS")
 
     def test_with_a_wrong_code_or_at_a_wrong_place(self) -> None:
