@@ -71,7 +71,7 @@ class Sight:
 
     @property
     def focus_id(self) -> int:
-        """The id of the control that has the keyboard, 0 where none has it. A field of an address counts as the address."""
+        """The id of the control that has the keyboard, 0 where none has it. Of a field of an address, the address's."""
         for window in self.frame.descendants() if self.frame else ():
             if any(inner.handle == self.view.focus for inner in (window, *window.children)) and window.id:
                 return window.id

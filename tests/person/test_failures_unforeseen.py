@@ -50,7 +50,8 @@ class Unforeseen(FailureTest):
             self.restart_watch()
             self.press_next()
             self.person.wait_until("the package to be installed", lambda sight: sight.status == INSTALLED, 60)
-            (server,) = wine.adb_processes()
+            # In the two seconds before the command that is to stop it.
+            (server,) = wine.processes_called("adb")
             wine.end_at_once(server)
             caption = "CInstallApkPage::OnNotify_PSN_WIZNEXT"
             self.expect_failure("adb-gone", caption, NOT_STOPPED, "Unable to stop adb service", behind=INSTALLED)
