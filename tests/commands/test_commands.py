@@ -13,7 +13,7 @@ from pathlib import Path
 from typing import Any
 
 from commander import ADB, Answer, Commander
-from driver import network, places
+from driver import network, places, wine
 from driver.places import windows_path
 from driver.waiting import wait_for
 from driver.watch import SecondWatch, Watch
@@ -32,20 +32,14 @@ PAIRING = "192.168.1.100:37099"
 CLOSED = "192.168.1.100:43299"
 NOBODY = "192.168.1.55:43210"
 ALREADY_CONNECTED = f"already connected to {DEBUGGING}"
-QUIET = subprocess.DEVNULL
-
-
-def stop_server() -> None:
-    """Stops adb's server from outside, as another program that uses adb may."""
-    subprocess.run(["wine", ADB, "kill-server"], check=True, timeout=30, stdin=QUIET, stdout=QUIET, stderr=QUIET)
 
 
 def wait_until_offline() -> None:
     """Until adb has noticed that the connection to the watch is broken."""
 
     def is_offline() -> bool:
-        listed = subprocess.run(["wine", ADB, "devices"], check=True, timeout=30, stdin=QUIET, stdout=subprocess.PIPE)
-        return f"{DEBUGGING}\toffline" in listed.stdout.decode().splitlines()
+        listed = subprocess.check_output(["wine", ADB, "devices"], timeout=30, stdin=subprocess.DEVNULL, text=True)
+        return f"{DEBUGGING}\toffline" in listed.splitlines()
 
     wait_for("adb to call the watch offline", is_offline)
 
@@ -282,7 +276,8 @@ class Installing(InstallingTest):
 
     def test_whose_server_is_stopped_meanwhile(self) -> None:
         watch = self.connected_watch("--silent-install")
-        self.expect_broken_off(self.install_and(watch, SILENT, stop_server))
+        # By another program that uses adb.
+        self.expect_broken_off(self.install_and(watch, SILENT, lambda: wine.run(ADB, "kill-server")))
         answer = self.commander.install(DEBUGGING, "C:\\solvane.apk")
         self.expect(answer, "ADB_PARSE_ERROR", "adb.exe: device '192.168.1.100:43210' not found")
 
