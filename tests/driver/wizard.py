@@ -66,8 +66,9 @@ class Sight:
 
     @property
     def status(self) -> str:
-        """The status line; empty on a page without one."""
-        return self.control(self.page.status).text if self.page and self.page.status else ""
+        """The status line; empty on a page without one, or whose windows are just going, one after the other."""
+        line = self.frame.find(self.page.status) if self.frame and self.page and self.page.status else None
+        return line.text if line else ""
 
     @property
     def focus_id(self) -> int:
