@@ -10,7 +10,7 @@ from driver.answering import Answering
 FOLDER = "C:\\adb tools"
 ADB = FOLDER + "\\platform-tools\\adb.exe"
 
-# adb gives an address that stays silent this much and more.
+# The slowest command, a connect to a watch that says nothing, takes adb ten seconds.
 PATIENCE = 60.0
 
 

@@ -11,6 +11,7 @@
 // text, the pauses in milliseconds, and what adb printed, a character for each byte. Boxes are answered with OK and
 // pauses take no time. The end of the input ends it.
 #include "adb/AdbCommands.h"
+#include "tests/driver/Json.h"
 #include "tests/kit/Replaced.h"
 #include "tests/kit/Request.h"
 #include "tools/PlatformTools.h"
@@ -21,21 +22,18 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <type_traits>
 #include <vector>
 
 namespace {
 
-template<typename Char>
-std::string Quoted(std::basic_string_view<Char> text)
+// A character for each byte.
+std::wstring Widen(const std::string& strBytes)
 {
-    std::string strQuoted = "\"";
-    for (const Char c : text) {
-        const unsigned nUnit = static_cast<std::make_unsigned_t<Char>>(c);
-        const bool bAsItIs = nUnit >= 0x20 && nUnit < 0x7F && nUnit != '"' && nUnit != '\\';
-        strQuoted += bAsItIs ? std::string(1, static_cast<char>(nUnit)) : std::format("\\u{:04x}", nUnit);
+    std::wstring strWide;
+    for (const unsigned char c : strBytes) {
+        strWide += c;
     }
-    return strQuoted + '"';
+    return strWide;
 }
 
 std::string List(const std::vector<std::string>& items)
@@ -58,7 +56,7 @@ public:
         std::string strOutput;
         const std::wstring_view outcome = DescribeAdbExitCode(Issue(SplitRequest(strRequest), strOutput)).pszName;
         return std::format(R"({{"outcome":{},"boxes":{},"sleeps":{},"output":{}}})", Quoted(outcome), List(m_boxes),
-                           List(m_sleeps), Quoted(std::string_view(strOutput)));
+                           List(m_sleeps), Quoted(Widen(strOutput)));
     }
 
 private:
@@ -82,7 +80,7 @@ private:
 
     int OnMessageBox(PCWSTR pszText, PCWSTR pszCaption)
     {
-        m_boxes.push_back(List({Quoted(std::wstring_view(pszCaption)), Quoted(std::wstring_view(pszText))}));
+        m_boxes.push_back(List({Quoted(pszCaption), Quoted(pszText)}));
         return IDOK;
     }
 

@@ -10,9 +10,10 @@ import unittest
 from collections.abc import Callable
 from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
+from typing import Any
 
 from commander import ADB, Answer, Commander
-from driver import network, places
+from driver import network, places, wine
 from driver.places import windows_path
 from driver.waiting import wait_for
 from driver.watch import SecondWatch, Watch
@@ -31,20 +32,14 @@ PAIRING = "192.168.1.100:37099"
 CLOSED = "192.168.1.100:43299"
 NOBODY = "192.168.1.55:43210"
 ALREADY_CONNECTED = f"already connected to {DEBUGGING}"
-QUIET = subprocess.DEVNULL
-
-
-def stop_server() -> None:
-    """Stops adb's server from outside, as another program that uses adb may."""
-    subprocess.run(["wine", ADB, "kill-server"], check=True, timeout=30, stdin=QUIET, stdout=QUIET, stderr=QUIET)
 
 
 def wait_until_offline() -> None:
     """Until adb has noticed that the connection to the watch is broken."""
 
     def is_offline() -> bool:
-        listed = subprocess.run(["wine", ADB, "devices"], check=True, timeout=30, stdin=QUIET, stdout=subprocess.PIPE)
-        return f"{DEBUGGING}\toffline" in listed.stdout.decode().splitlines()
+        listed = subprocess.check_output(["wine", ADB, "devices"], timeout=30, stdin=subprocess.DEVNULL, text=True)
+        return f"{DEBUGGING}\toffline" in listed.splitlines()
 
     wait_for("adb to call the watch offline", is_offline)
 
@@ -61,8 +56,11 @@ class CommandTest(unittest.TestCase):
     def setUp(self) -> None:
         self.assertIn(self.commander.kill_server().outcome, ("ADB_SUCCESS", "KILL_SEVER_NOT_STARTED"))
 
-    def watch(self, *switches: str) -> Watch:
-        return self.enterContext(Watch(*switches))
+    def watch(self, *switches: str, **numbers: Any) -> Watch:
+        """What happened to it is printed at the end, for whoever reads why the test failed."""
+        watch = self.enterContext(Watch(*switches, **numbers))
+        self.addCleanup(lambda: print("", *watch.events, sep="\n", flush=True))
+        return watch
 
     def connected_watch(self, *switches: str) -> Watch:
         watch = self.watch("--trust-all", *switches)
@@ -108,7 +106,7 @@ class Pairing(CommandTest):
         watch.wait_for_event("pairing: paired ")
 
     def test_with_a_code_of_noughts(self) -> None:
-        self.enterContext(Watch(code="000000"))
+        self.watch(code="000000")
         self.assertEqual(self.commander.pair(PAIRING, "000000").outcome, "ADB_SUCCESS")
 
     def test_with_a_wrong_code_or_at_a_wrong_place(self) -> None:
@@ -278,7 +276,8 @@ class Installing(InstallingTest):
 
     def test_whose_server_is_stopped_meanwhile(self) -> None:
         watch = self.connected_watch("--silent-install")
-        self.expect_broken_off(self.install_and(watch, SILENT, stop_server))
+        # By another program that uses adb.
+        self.expect_broken_off(self.install_and(watch, SILENT, lambda: wine.run(ADB, "kill-server")))
         answer = self.commander.install(DEBUGGING, "C:\\solvane.apk")
         self.expect(answer, "ADB_PARSE_ERROR", "adb.exe: device '192.168.1.100:43210' not found")
 

@@ -1,7 +1,7 @@
 """Drives the installer's wizard and looks at it, as somebody does who sits before it, watch in hand. No tests.
 
 What is run with `scripts/in-root` has this package in its path: `from driver.person import Person`. All but what only
-reads files (`guide`, `outcomes`, `places`) works in a home alone, see tests/home/home.
+reads files (`executable`, `guide`, `outcomes`, `places`) works in a home alone, see tests/home/home.
 
     person, journey       somebody who looks, presses keys, clicks; their way from page to page
     eyes                  reads all windows of the screen: what and where they are, what they hold (eyes.cpp)
@@ -14,6 +14,7 @@ reads files (`guide`, `outcomes`, `places`) works in a home alone, see tests/hom
     watch, network        emulated watches on the home's other host, and the cables between the two
     notepad, package      text for the clipboard; something to install
     guide, outcomes       what docs/guide.md explains; the program's own table of what adb comes to
+    executable            a Windows program as a file
     evidence              tests that leave what explains their failure, their steps, tests from rows of a table
     waiting, places       waiting with an end; where everything is
 

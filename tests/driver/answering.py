@@ -1,5 +1,6 @@
 """A program of the home's Windows that answers requests, a line each."""
 
+import contextlib
 import subprocess
 import tempfile
 import threading
@@ -26,7 +27,8 @@ class Answering:
 
     def __exit__(self, *_: object) -> None:
         assert self._process.stdin and self._process.stdout
-        self._process.stdin.close()
+        with contextlib.suppress(BrokenPipeError):  # it has ended, with a request on its way
+            self._process.stdin.close()
         self._process.stdout.close()
         self._complaints.close()
         try:
@@ -46,9 +48,11 @@ class Answering:
         assert self._process.stdin and self._process.stdout
         patience = threading.Timer(self._patience, self._process.kill)
         patience.start()
-        self._process.stdin.write(request + "\n")
-        self._process.stdin.flush()
-        answer = self._process.stdout.readline()
+        answer = ""
+        with contextlib.suppress(BrokenPipeError):  # it has ended
+            self._process.stdin.write(request + "\n")
+            self._process.stdin.flush()
+            answer = self._process.stdout.readline()
         patience.cancel()
         if not answer:
             code = self._process.wait(20)

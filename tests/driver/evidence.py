@@ -4,6 +4,7 @@ import re
 import unittest
 from collections.abc import Callable, Iterable, Iterator
 from contextlib import contextmanager
+from pathlib import Path
 from typing import Any, Protocol, TypeVar
 
 from driver import guide, hands, looks, pixels
@@ -53,6 +54,12 @@ def report(view: View, program: Observable, watch_events: Iterable[str]) -> str:
     return "\n".join([describe_front(view), *told])
 
 
+def leave_evidence(picture: Path, person: Person, program: Observable, watch_events: Iterable[str]) -> None:
+    """What explains a failure, as long as all is still there: the screen as a picture, everything else printed."""
+    pixels.save_screen(picture)
+    print(report(person.eyes.look(), program, watch_events), flush=True)
+
+
 def crash_of_program(said: str) -> str:
     """What the stand-ins told of a crash of the installer, with the calls that led to it; empty where none was."""
     return "\n".join(line for line in said.splitlines() if line.startswith("crash: "))
@@ -75,7 +82,7 @@ class ObservedTest(unittest.TestCase):
 
     @contextmanager
     def observed(self, program: Observable, watch_events: Callable[[], Iterable[str]] = lambda: ()) -> Iterator[None]:
-        """While it lasts. It must end before the program is ended: what is on the screen then belongs to the evidence."""
+        """While it lasts. It must end before the program is ended: what is on the screen belongs to the evidence."""
         before = self._count_faults()
         failed = False
         try:
@@ -85,8 +92,7 @@ class ObservedTest(unittest.TestCase):
             raise
         finally:
             if failed or self._count_faults() > before:
-                pixels.save_screen(pixels.of_failure(self))
-                print(report(self.person.eyes.look(), program, watch_events()), flush=True)
+                leave_evidence(pixels.of_failure(self.id()), self.person, program, watch_events())
         crash = crash_of_program(program.said)
         self.assertFalse(crash, f"the installer crashed:\n{crash}")
         if noted := crash_of_another(program.said):
@@ -103,7 +109,7 @@ class ObservedTest(unittest.TestCase):
             yield
         except Exception as error:
             error.add_note(f"in the step: {name}")
-            pixels.save_screen(pixels.of_failure(self, str(name)))
+            pixels.save_screen(pixels.of_failure(self.id(), str(name)))
             raise
 
     def expect_sound(self, box: MessageBox, picture: str) -> None:

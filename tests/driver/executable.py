@@ -33,9 +33,10 @@ class Executable:
         self.stack = self._number("<Q", self._optional + 72)
         start = self._optional + self._number("<H", self._header + 20)
         end = start + self._number("<H", self._header + 6) * SECTION_BYTES
+        rows = struct.iter_unpack("<8s2I4xI12xI", self._bytes[start:end])
         self.sections = [
             Section(name.rstrip(b"\0").decode("ascii"), address, size, offset, characteristics)
-            for name, size, address, _, offset, characteristics in struct.iter_unpack("<8s4I12xI", self._bytes[start:end])
+            for name, size, address, offset, characteristics in rows
         ]
 
     def directory(self, index: int) -> tuple[int, int]:

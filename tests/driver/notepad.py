@@ -5,7 +5,7 @@ from contextlib import contextmanager
 
 from driver import wine
 from driver.eyes import View, Window
-from driver.person import Person
+from driver.person import START, Person
 from driver.waiting import wait_for_value
 
 CLASS = "Notepad"
@@ -16,8 +16,8 @@ def notepad(person: Person) -> Iterator[Window]:
     """A new Notepad, in front and with the keyboard; gives where its text goes. It does not outlive the block."""
     with wine.start("notepad") as process:
         try:
-            person.wait_until("Notepad", lambda sight: _sheet(sight.view), 20)
-            sheet = _sheet(person.rest().view)
+            person.wait_until("Notepad", lambda sight: sheet_in_front(sight.view), START)
+            sheet = sheet_in_front(person.rest().view)
             assert sheet, "Notepad went away"
             yield sheet
             person.press("alt+F4")
@@ -38,7 +38,7 @@ def copy_to_clipboard(person: Person, text: str) -> None:
     person.wait_until("the window before in front again", lambda sight: sight.view.foreground == before)
 
 
-def _sheet(view: View) -> Window | None:
+def sheet_in_front(view: View) -> Window | None:
     """Where text goes, once Notepad has the keyboard."""
     front, focused = view.window(view.foreground), view.focused()
     return focused if focused and front and front.is_kind(CLASS) and focused.is_kind("Edit") else None

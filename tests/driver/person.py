@@ -63,8 +63,17 @@ class Person:
         assert sight.number == number and not sight.boxes, f"page {number} was to come, but there is {sight}"
         return sight
 
-    def wait_for_first_page(self) -> Sight:
-        return self.wait_for_page(1, START)
+    def wait_for_first_page(self) -> None:
+        self.wait_for_page(1, START)
+        self.wait_for_keyboard()
+
+    def wait_for_keyboard(self) -> None:
+        """Until keys go to the wizard. A window is to be seen before it has the keyboard."""
+
+        def has_keyboard(sight: Sight) -> bool:
+            return sight.frame is not None and sight.view.foreground == sight.frame.handle and sight.focus_id != 0
+
+        self.wait_until("the wizard to have the keyboard", has_keyboard)
 
     def wait_for_box(self, caption: str, seconds: float = LONGEST_STEP) -> MessageBox:
         """Until a message box is there; it must be the one with that caption."""
@@ -98,12 +107,21 @@ class Person:
         wait_for("the screen to come to rest", at_rest)
         return last
 
-    def holds(self, control_id: int) -> str | bool | None:
+    def holds(self, control_id: int) -> str | bool:
         """What a control of the page holds: an edit's text, a check box's state, an address as far as it is there."""
         control = self.look().control(control_id)
         if control.fields:
-            return ".".join(str(self.eyes.read(field)) for field in control.fields)
-        return self.eyes.read(control)
+            return ".".join(str(self._read(field)) for field in control.fields)
+        return self._read(control)
+
+    def _read(self, control: Window) -> str | bool:
+        """As soon as the program has the time to say it."""
+
+        def answer() -> list[str | bool]:
+            content = self.eyes.read(control)
+            return [] if content is None else [content]
+
+        return wait_for(f"control {control.id} to answer", answer)[0]
 
     def expect(self, control_id: int, content: str | bool) -> None:
         """Until a control of the page holds that."""
@@ -155,10 +173,11 @@ class Person:
     def tab_to(self, control_id: int) -> None:
         """Presses Tab until the control has the keyboard."""
         for _ in range(MOST_TABS):
-            if self.look().focus_id == control_id:
+            before = self.look()
+            if before.focus_id == control_id:
                 return
             self.press("Tab")
-            self.rest()
+            self.wait_until("the keyboard to move on", lambda sight: sight.view.focus != before.view.focus)
         raise AssertionError(f"{MOST_TABS} tabs did not lead to control {control_id}")
 
     def write(self, control_id: int, text: str) -> None:
@@ -186,9 +205,8 @@ class Person:
         self.press("Return")
 
     def dismiss(self, box: MessageBox) -> None:
-        """Presses Enter on a message box and waits until it is gone."""
+        """Presses Enter on a message box, which comes to the front, and waits until it is gone."""
+        handle = box.window.handle
+        self.wait_until(f'the box "{box.caption}" in front', lambda sight: sight.view.foreground == handle)
         self.press("Return")
-        self.wait_until(
-            f'the box "{box.caption}" to go',
-            lambda sight: all(other.window.handle != box.window.handle for other in sight.boxes),
-        )
+        self.wait_until(f'the box "{box.caption}" to go', lambda sight: not sight.view.window(handle))

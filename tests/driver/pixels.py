@@ -4,7 +4,6 @@ import os
 import re
 import subprocess
 import sys
-import unittest
 from collections.abc import Iterable
 from dataclasses import dataclass
 from pathlib import Path
@@ -71,7 +70,7 @@ def kept(name: str) -> Path:
     return places.build() / "run" / f"{os.environ['KALVO_DPI']}dpi" / f"{name}.png"
 
 
-def of_failure(test: unittest.TestCase, step: str = "") -> Path:
-    """Where the picture of a failed test goes, or of its step. Of one that several CTest tests run, each has its own."""
-    name = f"{os.environ.get('KALVO_TEST', Path(sys.argv[0]).stem)}-{test.id().removeprefix('__main__.')}"
-    return places.build() / "failures" / (re.sub(r"[^\w.]+", "-", f"{name} {step}").strip("-") + ".png")
+def of_failure(test: str, step: str = "") -> Path:
+    """Where the picture of a failed test goes, or of its step. A test that several CTest tests run has one for each."""
+    name = f"{os.environ.get('KALVO_TEST', Path(sys.argv[0]).stem)} {test.removeprefix('__main__.')} {step}"
+    return places.build() / "failures" / (re.sub(r"[^\w.]+", "-", name).strip("-") + ".png")

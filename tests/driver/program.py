@@ -50,7 +50,8 @@ class Program:
     def __exit__(self, *_: object) -> None:
         if not self.has_ended:
             self.kill()
-            wine.end_at_once(*wine.adb_processes())
+        # Its server, which no test is to find that did not start it.
+        wine.end_at_once(*wine.adb_processes())
 
     @property
     def has_ended(self) -> bool:
@@ -58,14 +59,11 @@ class Program:
 
     def wait(self, seconds: float = END) -> int:
         """Until it has ended; returns its exit code. What has not ended is left as it is, for a look at it."""
-        self._wait_for_launcher(seconds)
-        return self.exit_code
-
-    def _wait_for_launcher(self, seconds: float = END) -> None:
         try:
             self._launcher.wait(seconds)
         except subprocess.TimeoutExpired:
             raise AssertionError(f"the installer did not end within {seconds:g} s: {self._lines()}") from None
+        return self.exit_code
 
     @property
     def exit_code(self) -> int:
@@ -76,13 +74,13 @@ class Program:
 
     def kill(self) -> None:
         """Ends it as a power failure does: at once, in the midst of whatever it does."""
-        wine.end_at_once(*self._processes())
-        try:
-            self._wait_for_launcher()
-        except AssertionError:
-            self._launcher.kill()
-            self._launcher.wait()
-            raise
+
+        def is_gone() -> bool:
+            # One that has only just been started may have no process yet.
+            wine.end_at_once(*self._processes())
+            return self.has_ended
+
+        wait_for("the killed installer to be gone", is_gone, END)
 
     def _processes(self) -> list[int]:
         """The installer's own process: not its launcher, nor what it starts."""
@@ -140,7 +138,7 @@ def left_behind(folder: Path | None = None) -> list[str]:
 def _adb_ends() -> bool:
     # Its server has been told to end; it does so a moment later.
     try:
-        wait_for("adb to end", lambda: not wine.adb_processes(), 5)
+        wait_for("adb to end", lambda: not wine.adb_processes())
     except WaitedTooLong:
         return False
     return True

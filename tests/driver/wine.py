@@ -1,5 +1,6 @@
 """Other programs of the home's Windows, quiet ones: started, asked for, ended."""
 
+import contextlib
 import os
 import re
 import signal
@@ -57,7 +58,8 @@ def running() -> list[str]:
 def end_at_once(*processes: int) -> None:
     """As the task manager does, or a power failure."""
     for process in processes:
-        os.kill(process, signal.SIGKILL)
+        with contextlib.suppress(ProcessLookupError):  # it has just ended
+            os.kill(process, signal.SIGKILL)
 
 
 def _programs() -> dict[int, str]:

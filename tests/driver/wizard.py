@@ -66,12 +66,13 @@ class Sight:
 
     @property
     def status(self) -> str:
-        """The status line; empty on a page without one."""
-        return self.control(self.page.status).text if self.page and self.page.status else ""
+        """The status line; empty on a page without one, or whose windows are just going, one after the other."""
+        line = self.frame.find(self.page.status) if self.frame and self.page and self.page.status else None
+        return line.text if line else ""
 
     @property
     def focus_id(self) -> int:
-        """The id of the control that has the keyboard, 0 where none has it. A field of an address counts as the address."""
+        """The id of the control that has the keyboard, 0 where none has it. Of a field of an address, the address's."""
         for window in self.frame.descendants() if self.frame else ():
             if any(inner.handle == self.view.focus for inner in (window, *window.children)) and window.id:
                 return window.id

@@ -8,7 +8,8 @@ Prints every page's title, the status lines and what came of it. Ends with 0 onl
 import sys
 from pathlib import Path
 
-from driver import pages, places
+from driver import pages, pixels, places
+from driver.evidence import leave_evidence
 from driver.journey import fill_in
 from driver.package import write_package
 from driver.person import Person
@@ -45,9 +46,13 @@ def install(folder: Path) -> int:
     person = Person()
     with Watch() as watch, Program(folder=places.own_folder()) as program:
         package = write_package(program.folder)
-        person.wait_for_first_page()
-        faults = sum([go_through(person, page, watch, folder) for page in pages.PAGES])
-        code = program.wait()
+        try:
+            person.wait_for_first_page()
+            faults = sum([go_through(person, page, watch, folder) for page in pages.PAGES])
+            code = program.wait()
+        except Exception:
+            leave_evidence(pixels.of_failure(""), person, program, watch.events)
+            raise
         faults += check(code == 0, "the program ended with 0", f"the program ended with {code}: {program.said}")
         good = f"the watch received the package byte for byte ({package.stat().st_size} bytes)"
         faults += check(watch.has_received(package), good, f"the watch did not receive the package: {watch.events}")

@@ -58,7 +58,7 @@ class Address(FailureTest):
         self.expect_nobody("address-watch-away", "192.168.1.100")
         network.plug_in_watch()
 
-        # Each try is there for a fifth of a second; at a port that stays silent, for longer.
+        # Each try is there for a fifth of a second; at a port that stays silent, for two seconds.
         self.expect_some_seen(*self.expect_no_connection("address-closed-port", CLOSED_PORT))
         with deaf_port():
             self.expect_seen(*self.expect_no_connection("address-silent-port", DEAF_PORT))
@@ -76,12 +76,12 @@ class Address(FailureTest):
         self.expect_some_seen(*attempts(f"Pinging {address} ({{}} of 6)", 6), "Unreachable")
 
     def expect_no_connection(self, picture: str, port: int) -> list[str]:
-        """Gives the lines of the tries."""
+        """Gives the lines of the tries and the last one."""
         self.person.rewrite(pages.PORT, str(port))
         place = f"192.168.1.100:{port}"
-        caption = "Wireless Debugging Connection"
-        self.expect_next_to_fail(picture, caption, NO_CONNECTION, f"Could not connect to {place}")
-        return attempts(f"Connecting to {place} ({{}} of 7)", 7)
+        caption, last = "Wireless Debugging Connection", f"Could not connect to {place}"
+        self.expect_next_to_fail(picture, caption, NO_CONNECTION, last)
+        return [*attempts(f"Connecting to {place} ({{}} of 7)", 7), last]
 
 
 class Offline(FailureTest):

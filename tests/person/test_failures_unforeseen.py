@@ -5,6 +5,7 @@ import unittest
 
 from driver import pages, wine
 from driver.places import windows_path
+from driver.waiting import wait_for
 from driver.watch import SecondWatch
 from failures import INSTALLING, NOT_STOPPED, PARSE_ERROR, TRY_AGAIN, UNEXPECTED_INSTALL, FailureTest, attempts
 
@@ -49,8 +50,9 @@ class Unforeseen(FailureTest):
         with self.step("adb's server has gone when it is to be stopped"):
             self.restart_watch()
             self.press_next()
-            self.person.wait_until("the package to be installed", lambda sight: sight.status == INSTALLED, 60)
-            (server,) = wine.adb_processes()
+            # The command that is to stop the server comes two seconds later.
+            wait_for("adb's success", lambda: self.program.transcript.rstrip().endswith("\nSuccess"), 60)
+            (server,) = wine.processes_called("adb")
             wine.end_at_once(server)
             caption = "CInstallApkPage::OnNotify_PSN_WIZNEXT"
             self.expect_failure("adb-gone", caption, NOT_STOPPED, "Unable to stop adb service", behind=INSTALLED)

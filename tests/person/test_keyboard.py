@@ -13,12 +13,12 @@ class TheKeyboardAlone(WizardTest):
     def test_space_ticks_and_unticks_and_enter_does_nothing_while_next_is_hidden(self) -> None:
         page = self.go_to_page(2).page
         assert page and page.box
-        self.assertEqual(self.person.look().buttons, {"Back", "Cancel"})
+        self.assertEqual(self.person.wait_for_next(False).buttons, {"Back", "Cancel"})
         # The keys arrive in their order: where Enter led on, the tick would be on another page.
         self.person.press("Return", "space")
         sight = self.person.wait_for_next()
         self.assertEqual((sight.number, sight.boxes, sight.buttons), (2, (), {"Back", "Next", "Cancel"}))
-        self.assertIs(self.person.holds(page.box), True)
+        self.person.expect(page.box, True)
         self.person.press("space")
         self.assertEqual(self.person.wait_for_next(False).buttons, {"Back", "Cancel"})
 
@@ -30,7 +30,7 @@ class BackAndForth(WizardTest):
             self.person.click_button("Back")
             sight = self.person.wait_for_page(number)
             self.assert_kept(sight)
-        self.assertNotIn("Back", sight.buttons)
+        self.person.wait_for_next(False, "Back")
         for number in range(2, LAST + 1):
             if sight.number == 6:
                 # The watch shows a new code for every pairing; this one is paired.
@@ -52,7 +52,7 @@ class BackAndForth(WizardTest):
             kept = {pages.PAIRING_CODE: self.watch.code}
         self.assertEqual({control: self.person.holds(control) for control in kept}, kept, f"of page {sight.number}")
         if sight.number < LAST:
-            self.assertIn("Next", sight.buttons, f"page {sight.number} lost its Next button")
+            self.person.wait_for_next()
 
 
 if __name__ == "__main__":

@@ -4,12 +4,14 @@ import unittest
 
 from driver import hands, journey, looks, pages, pixels
 from driver.outcomes import messages
+from driver.waiting import wait_for_value
 from driver.wizard import Sight
 from wizardtest import WizardTest
 
 # Where the keyboard is when a page is shown for the first time, where that is not the box to tick.
-FIRST_FOCUS = {1: pages.NEXT, 5: pages.ADDRESS, 6: pages.PAIRING_CODE, 7: pages.APK_PATH, 8: pages.NEXT}
-FIRST_FOCUS[14] = pages.FINISH
+FIRST_FOCUS = {
+    1: pages.NEXT, 5: pages.ADDRESS, 6: pages.PAIRING_CODE, 7: pages.APK_PATH, 8: pages.NEXT, 14: pages.FINISH
+}
 # The buttons: Back and Cancel until the page has what it needs, then Next as well; but on these pages.
 WAITING, READY = {"Back", "Cancel"}, {"Back", "Next", "Cancel"}
 ALWAYS = {1: {"Next", "Cancel"}, 7: READY, 8: READY, 14: {"Back", "Finish"}}
@@ -26,12 +28,16 @@ OUTCOMES = messages()
 # Everything that the status lines come to say: what the page does, and the outcomes of adb.
 STATUS_LINES = {
     5: [*PINGING, f"Connecting to {LONGEST} (7 of 7)", f"Could not connect to {LONGEST}"],
-    6: [*PINGING, "Stopping ADB server", "Pairing attempt 3 of 3", f"Pairing to {LONGEST} | 888888"],
-    7: [*PINGING, f"Connecting to {LONGEST} (attempt 3 of 3)", f"Connected to {LONGEST}"],
+    6: [
+        *PINGING, "Stopping ADB server", "Pairing attempt 3 of 3", f"Pairing to {LONGEST} | 888888",
+        "Unknown ADB Exit Code", *(OUTCOMES[number] for number in (4, 5, 6, 501))
+    ],
+    7: [
+        *PINGING, f"Connecting to {LONGEST} (attempt 3 of 3)", f"Connected to {LONGEST}",
+        f"Unable to connect to {LONGEST}", f"Installing {PACKAGE} (attempt 3 of 3)", f"Installed {PACKAGE}",
+        "Unable to stop adb service", "Unknown ADB Exit Code", *OUTCOMES.values()
+    ],
 }
-STATUS_LINES[6] += ["Unknown ADB Exit Code", *(OUTCOMES[number] for number in (4, 5, 6, 501))]
-STATUS_LINES[7] += [f"Unable to connect to {LONGEST}", f"Installing {PACKAGE} (attempt 3 of 3)", f"Installed {PACKAGE}"]
-STATUS_LINES[7] += ["Unable to stop adb service", "Unknown ADB Exit Code", *OUTCOMES.values()]
 # Reasons of the watch for which the line of page 7 has no room at any resolution, and one for which it has at some. A
 # box, which has, tells them as well.
 WORDY = [OUTCOMES[number] for number in (308, 309, 312, 314, 316, 339, 340)]
@@ -79,19 +85,25 @@ class Pages(WizardTest):
         hands.move_mouse_away()
         sight = self.person.rest()
         self.assertEqual(looks.look_at_page(self.person.eyes, sight), [])
-        self.expect_default(sight)
+        self.expect_default()
         return sight
 
-    def expect_default(self, sight: Sight) -> None:
+    def expect_default(self) -> None:
         """One button has the outline of the one that Enter presses; none has where Enter does nothing."""
-        assert sight.frame
+
+        def wrong() -> set[int]:
+            sight = self.person.look()
+            assert sight.frame
+            return set(looks.default_buttons(sight.frame)) ^ self.pressed_by_enter(sight)
+
+        wait_for_value("the buttons whose outline is wrong", wrong, set())
+
+    def pressed_by_enter(self, sight: Sight) -> set[int]:
         focused = sight.view.focused()
         if focused and focused.is_kind("Button") and not focused.is_check_box:
             # The arrow draws itself, without that outline.
-            expected = [focused.id] if focused.id != pages.BACK else []
-        else:
-            expected = [pages.BUTTONS_BY_NAME[name] for name in ("Next", "Finish") if name in sight.buttons]
-        self.assertEqual(looks.default_buttons(sight.frame), expected)
+            return {focused.id} - {pages.BACK}
+        return {pages.BUTTONS_BY_NAME[name] for name in ("Next", "Finish") if name in sight.buttons}
 
     def look_at_status_lines(self, sight: Sight) -> None:
         if not sight.page or not sight.page.status:
@@ -119,9 +131,9 @@ class Pages(WizardTest):
         start = stops.index(sight.focus_id)
         for expected in (*stops[start + 1 :], *stops[: start + 1]):
             self.person.press("Tab")
-            sight = self.person.rest()
-            self.assertEqual(sight.focus_id, expected, stops)
-            self.expect_default(sight)
+            what = f"the keyboard at control {expected} of {stops}"
+            self.person.wait_until(what, lambda sight: sight.focus_id == expected)
+            self.expect_default()
 
 
 class About(WizardTest):

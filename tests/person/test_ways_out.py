@@ -60,6 +60,7 @@ class WaysOut(FailureTest):
             self.correct_port(self.watch.port)
             self.press_next()
             self.person.dismiss(self.person.wait_for_box("ADB Install"))
+            self.person.wait_until_it_listens()
             self.assertIn(INSTALLING.format(1), self.seen())
         with self.step("wireless debugging was turned off and on: the port has changed"):
             unable = f"Unable to connect to {self.watch.address}:{self.watch.port}"

@@ -142,7 +142,7 @@ class ProcessTest(ObservedTest):
             "the first page", lambda sight: sight.number == 1 or sight.boxes or start.has_ended, START
         )
         self.assertFalse(start.has_ended, start.journal)
-        self.person.wait_for_page(1)
+        self.person.wait_for_first_page()
 
     def wizard_process(self) -> int:
         """The number of the installer's process, whose wizard is open and at rest."""
@@ -152,9 +152,7 @@ class ProcessTest(ObservedTest):
 
     def press_escape(self) -> None:
         """In the wizard, which must have the keyboard and goes."""
-        sight = self.person.rest()
-        assert sight.frame, "there is no wizard"
-        self.assertEqual(sight.view.foreground, sight.frame.handle)
+        self.person.wait_for_keyboard()
         self.person.press("Escape")
         self.person.wait_until("the wizard to go", lambda now: now.frame is None)
 

@@ -23,8 +23,10 @@ LOAD_LIBRARY_SEARCH_SYSTEM32 = 0x800
 DEPENDENT_LOAD_FLAGS = 78
 
 # The folder of the system holds each of these, or the system itself stands for it.
-SYSTEM_LIBRARIES = {"api-ms-win-core-path-l1-1-0.dll", "comctl32.dll", "iphlpapi.dll", "kernel32.dll", "msvcrt.dll"}
-SYSTEM_LIBRARIES |= {"ole32.dll", "shell32.dll", "shlwapi.dll", "user32.dll", "version.dll", "ws2_32.dll"}
+SYSTEM_LIBRARIES = {
+    "api-ms-win-core-path-l1-1-0.dll", "comctl32.dll", "iphlpapi.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll",
+    "shell32.dll", "shlwapi.dll", "user32.dll", "version.dll", "ws2_32.dll"
+}
 
 
 class TheFile(unittest.TestCase):

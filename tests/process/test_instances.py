@@ -4,6 +4,8 @@ import unittest
 
 import bystander
 from driver import wine
+from driver.notepad import sheet_in_front
+from driver.person import START
 from processtest import LOCK, OLD_WINDOWS, TITLE, ProcessTest
 
 FRONT = f'SetForegroundWindow title="{TITLE}"'
@@ -16,7 +18,7 @@ class Second(ProcessTest):
         before = {window.handle for window in self.person.eyes.look().windows}
         with bystander.watch() as shown:
             start = self.start(faults)
-            self.person.wait_until("its end", lambda _: start.has_ended)
+            start.wait()
         self.assertEqual({handle: title for handle, title in shown.items() if handle not in before}, {})
         self.expect_end(start, 0, *events)
 
@@ -38,9 +40,8 @@ class Second(ProcessTest):
         wizard = self.person.look().frame
         assert wizard
         # Another program comes in front of all others.
-        self.addCleanup(wine.start("notepad").wait)
-        self.addCleanup(lambda: wine.end_at_once(*wine.processes_called("notepad.exe", "notepad")))
-        self.person.wait_until("something before it", lambda sight: sight.view.foreground != wizard.handle)
+        self.addCleanup(self.enterContext(wine.start("notepad")).kill)
+        self.person.wait_until("Notepad", lambda sight: sheet_in_front(sight.view), START)
         self.expect_nothing(HANDLE, FRONT)
         self.person.wait_until("it in front", lambda sight: sight.view.foreground == wizard.handle)
         self.cancel(first)

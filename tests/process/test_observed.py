@@ -6,7 +6,7 @@ import unittest
 from dataclasses import dataclass
 
 import bystander
-from driver import hands
+from driver import hands, pixels
 from driver.notepad import notepad
 from driver.program import Program
 from driver.waiting import wait_for_value
@@ -40,9 +40,13 @@ class Observed(ProcessTest):
 
     def test_a_failure_tells_what_was_to_be_seen_and_what_was_said(self) -> None:
         start = self.start_wizard()
+        picture = pixels.of_failure(self.id())
+        picture.unlink(missing_ok=True)
         with contextlib.redirect_stdout(io.StringIO()) as printed, self.assertRaises(ZeroDivisionError):
             with self.observed(Said("a word", "> adb kill-server"), lambda: ["listening"]):
                 raise ZeroDivisionError
+        # Nobody is to look for the cause of this one.
+        picture.unlink()
         self.cancel(start)
         # What adb is asked and says is kept.
         self.assertRegex(start.transcript, r"> .*kill-server\s+cannot connect to daemon at tcp:5037")

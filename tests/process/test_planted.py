@@ -18,8 +18,8 @@ from processtest import ProcessTest
 # What the compiler would link if it were not told otherwise, and what parts of the system load on their own.
 COMPILERS = ("libgcc_s_seh-1.dll", "libstdc++-6.dll", "libwinpthread-1.dll")
 LOADED_LATER = (
-    *("cfgmgr32.dll", "cryptbase.dll", "dwmapi.dll", "profapi.dll"),
-    *("propsys.dll", "textshaping.dll", "uxtheme.dll", "wldp.dll"),
+    "cfgmgr32.dll", "cryptbase.dll", "dwmapi.dll", "profapi.dll", "propsys.dll", "textshaping.dll", "uxtheme.dll",
+    "wldp.dll"
 )
 
 

@@ -2,7 +2,7 @@
 
     one.py BUILD HOST_BUILD NAME [PATTERN]
 
-PATTERN is what the test's own framework takes: GoogleTest's filter ('*Pair*'), or a part of the names of Python's tests.
+PATTERN is what the test's own framework takes: GoogleTest's filter ('*Pair*'), or a part of the names of Python tests.
 """
 
 import os
@@ -13,7 +13,7 @@ from pathlib import Path
 from running import ctest_tests, property_of
 
 # What a test in Python starts besides the programs that its command names.
-STARTED_BY_SCRIPTS = ("wizard", "bystander", "commands", "planted")
+STARTED_BY_SCRIPTS = ("wizard", "bystander", "commands", "planted", "probe")
 HELPERS_OF_SCRIPTS = ("wizard",)
 
 
