@@ -314,7 +314,8 @@ void CWalk::ExpectEnd(PCWSTR pszClaim) const
 {
     std::wstring szEnd = m_program.WaitForEnd();
     if (!m_program.HasEnded()) {
-        szEnd += std::format(L" with page {}", Look().Number());
+        const SIGHT sight = Look();
+        szEnd += std::format(L" with page {}, {}", sight.Number(), Joined(sight.boxes, L" | ", L"no box", WordsOf));
     }
     const std::wstring szLeft = ListOf(ToolsFolder());
     m_check.answers.Expect(pszClaim, std::format(L"nothing left, {}", kEndedWell),

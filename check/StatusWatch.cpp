@@ -1,0 +1,142 @@
+#include "check/StatusWatch.h"
+
+#include "check/Picture.h"
+#include "check/Text.h"
+#include "driver/Reading.h"
+
+#include <algorithm>
+#include <map>
+
+namespace {
+
+constexpr DWORD kBetweenLooksAtLine = 10;
+
+// Nothing is painted at the very moment that it is said.
+constexpr ULONGLONG kUntilPainted = 60;
+
+// Shorter than what a line stands that the claims ask for: the shortest are those of the attempts of page 5, 200 ms.
+constexpr ULONGLONG kLongestGap = 150;
+
+} // namespace
+
+std::wstring SAID::Counts() const
+{
+    std::vector<std::wstring> counts;
+    for (const STATUS_LINE& line : lines) {
+        const size_t nOf = line.szText.find(L" of ");
+        if (nOf != std::wstring::npos && nOf > 0 && nOf + 4 < line.szText.size()) {
+            counts.push_back(line.szText.substr(nOf - 1, 6));
+        }
+    }
+    return Joined(counts);
+}
+
+std::wstring SAID::Texts() const
+{
+    return Joined(lines, L" | ", L"nothing", &STATUS_LINE::szText);
+}
+
+bool SAID::SaysSomewhere(const std::wstring& szText) const
+{
+    return std::ranges::find(lines, szText, &STATUS_LINE::szText) != lines.end();
+}
+
+std::vector<std::wstring> SAID::LookedAt() const
+{
+    std::vector<std::wstring> texts;
+    for (const STATUS_LINE& line : lines) {
+        if (!line.pixels.empty()) {
+            texts.push_back(line.szText);
+        }
+    }
+    return texts;
+}
+
+std::vector<std::wstring> SAID::Unpainted() const
+{
+    // One that is painted late shows what stood there before it.
+    std::map<std::vector<COLORREF>, std::wstring> shown = {{before.pixels, before.szText}};
+    std::vector<std::wstring> late;
+    for (const STATUS_LINE& line : lines) {
+        if (!line.pixels.empty() && shown.try_emplace(line.pixels, line.szText).first->second != line.szText) {
+            late.push_back(line.szText);
+        }
+    }
+    return late;
+}
+
+bool SAID::IsGapless() const
+{
+    return nLongestGap <= kLongestGap;
+}
+
+CStatusWatch::CStatusWatch(const SIGHT& sight)
+    : m_hwndFrame(sight.frame.window.hwnd), m_hwnd(sight.Existing(sight.pPage->nStatusId).hwnd),
+      m_rect(sight.Existing(sight.pPage->nStatusId).rect), m_nStart(GetTickCount64()), m_nLastLook(m_nStart)
+{
+    m_said.before = {sight.Status(), 0, ScreenColors(m_rect)};
+    m_thread = std::thread([this] { Watch(); });
+}
+
+CStatusWatch::~CStatusWatch()
+{
+    Stop();
+}
+
+const SAID& CStatusWatch::End()
+{
+    Stop();
+    Look();
+    return m_said;
+}
+
+void CStatusWatch::Stop()
+{
+    m_bStopped = true;
+    if (m_thread.joinable()) {
+        m_thread.join();
+    }
+}
+
+void CStatusWatch::Watch()
+{
+    SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_HIGHEST);
+    while (!m_bStopped) {
+        Look();
+        Sleep(kBetweenLooksAtLine);
+    }
+}
+
+// Empty, too, once there is another page.
+std::wstring CStatusWatch::Shown() const
+{
+    return IsWindowVisible(m_hwnd) ? TitleOf(m_hwnd) : std::wstring();
+}
+
+void CStatusWatch::Look()
+{
+    const ULONGLONG nNow = GetTickCount64();
+    m_said.nLongestGap = std::max(m_said.nLongestGap, nNow - m_nLastLook);
+    m_nLastLook = nNow;
+    const std::wstring szText = Shown();
+    if (szText.empty()) {
+        return;
+    }
+    std::vector<STATUS_LINE>& lines = m_said.lines;
+    if (szText != (lines.empty() ? m_said.before : lines.back()).szText) {
+        lines.push_back({szText, nNow - m_nStart, {}});
+    } else if (!lines.empty() && nNow - m_nStart >= lines.back().nMilliseconds + kUntilPainted) {
+        LookAtPixels(lines.back());
+    }
+}
+
+// What is seen last while the line stands is what it came to. A message box, which disables the frame, may cover it.
+void CStatusWatch::LookAtPixels(STATUS_LINE& line) const
+{
+    if (IsWindowEnabled(m_hwndFrame)) {
+        std::vector<COLORREF> pixels = ScreenColors(m_rect);
+        if (Shown() == line.szText && IsWindowEnabled(m_hwndFrame)) {
+            line.pixels = std::move(pixels);
+        }
+    }
+}
