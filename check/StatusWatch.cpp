@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <map>
+#include <ranges>
 
 namespace {
 
@@ -44,7 +45,7 @@ bool SAID::SaysSomewhere(const std::wstring& szText) const
 std::vector<std::wstring> SAID::LookedAt() const
 {
     std::vector<std::wstring> texts;
-    for (const STATUS_LINE& line : lines) {
+    for (const STATUS_LINE& line : lines | std::views::drop(1)) {
         if (!line.pixels.empty()) {
             texts.push_back(line.szText);
         }
@@ -55,7 +56,7 @@ std::vector<std::wstring> SAID::LookedAt() const
 std::vector<std::wstring> SAID::Unpainted() const
 {
     // One that is painted late shows what stood there before it.
-    std::map<std::vector<COLORREF>, std::wstring> shown = {{before.pixels, before.szText}};
+    std::map<std::vector<COLORREF>, std::wstring> shown;
     std::vector<std::wstring> late;
     for (const STATUS_LINE& line : lines) {
         if (!line.pixels.empty() && shown.try_emplace(line.pixels, line.szText).first->second != line.szText) {
@@ -74,7 +75,7 @@ CStatusWatch::CStatusWatch(const SIGHT& sight)
     : m_hwndFrame(sight.frame.window.hwnd), m_hwnd(sight.Existing(sight.pPage->nStatusId).hwnd),
       m_rect(sight.Existing(sight.pPage->nStatusId).rect), m_nStart(GetTickCount64()), m_nLastLook(m_nStart)
 {
-    m_said.before = {sight.Status(), 0, ScreenColors(m_rect)};
+    m_said.lines.push_back({sight.Status(), 0, ScreenColors(m_rect)});
     m_thread = std::thread([this] { Watch(); });
 }
 
@@ -122,11 +123,11 @@ void CStatusWatch::Look()
     if (szText.empty()) {
         return;
     }
-    std::vector<STATUS_LINE>& lines = m_said.lines;
-    if (szText != (lines.empty() ? m_said.before : lines.back()).szText) {
-        lines.push_back({szText, nNow - m_nStart, {}});
-    } else if (!lines.empty() && nNow - m_nStart >= lines.back().nMilliseconds + kUntilPainted) {
-        LookAtPixels(lines.back());
+    STATUS_LINE& last = m_said.lines.back();
+    if (szText != last.szText) {
+        m_said.lines.push_back({szText, nNow - m_nStart, {}});
+    } else if (nNow - m_nStart >= last.nMilliseconds + kUntilPainted) {
+        LookAtPixels(last);
     }
 }
 

@@ -19,15 +19,14 @@ struct STATUS_LINE
 // What the status line said.
 struct SAID
 {
-    STATUS_LINE before;             // what stood there when the watch began
-    std::vector<STATUS_LINE> lines; // each once, in their order
+    std::vector<STATUS_LINE> lines; // in their order; the first is what stood there when the watch began
     ULONGLONG nLongestGap;          // between two looks, in milliseconds
 
     // "1 of 3" from each line that has such a thing.
     std::wstring Counts() const;
     std::wstring Texts() const;
     bool SaysSomewhere(const std::wstring& szText) const;
-    // The lines that stood long enough to be looked at, and those of them that showed another one's letters.
+    // Those behind the first that stood long enough to be looked at, and of these those that showed another's letters.
     std::vector<std::wstring> LookedAt() const;
     std::vector<std::wstring> Unpainted() const;
     // Whether no line that stands as long as the claims ask for can have been missed.

@@ -19,8 +19,8 @@ constexpr DWORD kRest = 150;
 // Longer than it takes a busy machine to start the program and write its tools.
 constexpr DWORD kStart = 40000;
 
-// What follows a key or a click at once.
-constexpr DWORD kSoon = 3000;
+// What follows a key or a click at once, on a busy machine too.
+constexpr DWORD kSoon = 10000;
 
 // Two pages ask the network before they let the user go on.
 constexpr DWORD kLongestStep = 60000;
@@ -173,9 +173,13 @@ void CWalk::EmptyField(const PART& field) const
         throw CLost{L"a click does not give a field of the address the keyboard"};
     }
     Press(VK_END);
-    for (int n = 0; n < 3 && !HoldsText(field).empty(); ++n) {
+    // Each key is waited for: one too many would go on to the field before.
+    for (std::wstring szText = HoldsText(field); !szText.empty();) {
+        const size_t nBefore = szText.size();
         Press(VK_BACK);
-        Pause(30);
+        if (!WaitFor(kSoon, [&] { return (szText = HoldsText(field)).size() < nBefore; })) {
+            throw CLost{L"a field of the address does not get empty"};
+        }
     }
 }
 
