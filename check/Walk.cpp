@@ -229,7 +229,7 @@ void CWalk::Dismiss(const TREE& box) const
 void CWalk::Tick(bool bTicked) const
 {
     const SIGHT sight = Look();
-    const PART box = sight.Existing(sight.pPage != nullptr ? sight.pPage->nBoxId : 0);
+    const PART& box = sight.Existing(sight.pPage != nullptr ? sight.pPage->nBoxId : 0);
     const auto IsDone = [&] { return IsTicked(box) == bTicked; };
     if (IsDone()) {
         return;
