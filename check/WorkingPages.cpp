@@ -238,6 +238,9 @@ void InstallHungUp(const CWalk& walk, const CListener& rude)
     ExpectBoxes(answers, L"install.hung-up", work, {kUnexpected, kUnable});
     ExpectLine(answers, L"install.first-words", work.said, L"Connecting to " + rude.Address() + L" (attempt 1 of 3)");
     ExpectServer(answers, L"install.server");
+    // It connects to this listener again and again from now on, and at times does not end when it is told to meanwhile:
+    // the installer then waits for it. Seen under Wine. Whatever comes later is to be told of by itself.
+    StopAdb();
 }
 
 void InstallRefused(const CWalk& walk, const std::wstring& szAddress)

@@ -24,9 +24,8 @@ from driver.wizard import Sight
 MOST_NOT_TRIED = 15
 FEWEST_CLAIMS = 120
 
-# What a user is promised, of a machine that has nothing else to do: there the walk waits most of its time, and twice as
-# many programs as processors make it hardly longer. On a busier one its time says more of the others than of it, so it
-# is printed, and only told from one that hangs.
+# What a user is promised, of a machine that has little else to do. Where more programs want the processors the time
+# tells of them: it is printed, and bounded only so that a walk that hangs is told from a slow one.
 LONGEST = 6 * 60
 QUIET = 2
 LONGEST_ANYWHERE = 20 * 60
