@@ -60,7 +60,8 @@ POLLED Poll(CListener::MANNER nManner)
     u_long nNonBlocking = 1;
     ioctlsocket(socket, static_cast<long>(FIONBIO), &nNonBlocking);
     const SOCKADDR_IN address = OwnAddress(std::stoi(listener.Port()));
-    static_cast<void>(connect(socket, reinterpret_cast<const SOCKADDR*>(&address), sizeof address)); // goes on
+    // NOLINTNEXTLINE(bugprone-unused-return-value): it goes on, and how it went is what is polled
+    connect(socket, reinterpret_cast<const SOCKADDR*>(&address), sizeof address);
     const ULONGLONG nStart = GetTickCount64();
     POLLED polled = {};
     for (int n = 0; n < 7 && polled.nReady == 0; ++n) {

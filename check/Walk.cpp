@@ -136,7 +136,7 @@ void CWalk::ClickControl(int nId) const
 void CWalk::Empty(int nId) const
 {
     ClickControl(nId);
-    if (!WaitFor(2000, [&] { return Look().FocusId() == nId; })) {
+    if (!WaitFor(kSoon, [&] { return Look().FocusId() == nId; })) {
         const SIGHT sight = Look();
         throw CLost{std::format(L"a click does not give control {} the keyboard, {} has it, with {} boxes", nId,
                                 sight.FocusId(), sight.boxes.size())};
@@ -169,7 +169,7 @@ std::vector<PART> CWalk::AddressFields() const
 void CWalk::EmptyField(const PART& field) const
 {
     Click(field.rect);
-    if (!WaitFor(2000, [&] { return Look().hwndFocus == field.hwnd; })) {
+    if (!WaitFor(kSoon, [&] { return Look().hwndFocus == field.hwnd; })) {
         throw CLost{L"a click does not give a field of the address the keyboard"};
     }
     Press(VK_END);
