@@ -2,9 +2,11 @@
 
 #include "check/Picture.h"
 #include "check/Text.h"
+#include "driver/Measure.h"
 #include "driver/Reading.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <map>
 #include <ranges>
 
@@ -17,6 +19,27 @@ constexpr ULONGLONG kUntilPainted = 60;
 
 // Shorter than what a line stands that the claims ask for: the shortest are those of the attempts of page 5, 200 ms.
 constexpr ULONGLONG kLongestGap = 150;
+
+// Of 255, from the ground: paler ones belong to the soft edge of a letter.
+constexpr int kInk = 95;
+
+// A part of the width by which the letters of another line differ more, and those of a font that is much like the
+// pages' do not.
+constexpr LONG kWidthPart = 12;
+
+LONG InkWidth(const std::vector<COLORREF>& pixels, LONG nWidth)
+{
+    LONG nFirst = nWidth;
+    LONG nEnd = 0;
+    for (size_t n = 0; n < pixels.size(); ++n) {
+        if (std::abs(GetGValue(pixels[n]) - GetGValue(pixels.front())) > kInk) {
+            const LONG nColumn = static_cast<LONG>(n) % nWidth;
+            nFirst = std::min(nFirst, nColumn);
+            nEnd = std::max(nEnd, nColumn + 1);
+        }
+    }
+    return std::max(nEnd - nFirst, 0L);
+}
 
 } // namespace
 
@@ -55,11 +78,13 @@ std::vector<std::wstring> SAID::LookedAt() const
 
 std::vector<std::wstring> SAID::Unpainted() const
 {
-    // One that is painted late shows what stood there before it.
+    // One that is painted late shows what stood there before it, be it a line that nobody saw.
     std::map<std::vector<COLORREF>, std::wstring> shown;
     std::vector<std::wstring> late;
     for (const STATUS_LINE& line : lines) {
-        if (!line.pixels.empty() && shown.try_emplace(line.pixels, line.szText).first->second != line.szText) {
+        const bool bOthers =
+            !line.pixels.empty() && shown.try_emplace(line.pixels, line.szText).first->second != line.szText;
+        if (bOthers || !line.bAsWide) {
             late.push_back(line.szText);
         }
     }
@@ -75,7 +100,7 @@ CStatusWatch::CStatusWatch(const SIGHT& sight)
     : m_hwndFrame(sight.frame.window.hwnd), m_hwnd(sight.Existing(sight.pPage->nStatusId).hwnd),
       m_rect(sight.Existing(sight.pPage->nStatusId).rect), m_nStart(GetTickCount64()), m_nLastLook(m_nStart)
 {
-    m_said.lines.push_back({sight.Status(), 0, ScreenColors(m_rect)});
+    m_said.lines.push_back({sight.Status(), 0, ScreenColors(m_rect), true});
     m_thread = std::thread([this] { Watch(); });
 }
 
@@ -88,6 +113,14 @@ const SAID& CStatusWatch::End()
 {
     Stop();
     Look();
+    for (STATUS_LINE& line : m_said.lines) {
+        const std::optional<MEASURE> measure = Measure(m_hwnd, "page", line.szText);
+        if (measure && !line.pixels.empty()) {
+            const LONG nExpected = measure->ink.right - measure->ink.left;
+            const LONG nSeen = InkWidth(line.pixels, m_rect.right - m_rect.left);
+            line.bAsWide = std::abs(nSeen - nExpected) <= nExpected / kWidthPart;
+        }
+    }
     return m_said;
 }
 
@@ -125,7 +158,7 @@ void CStatusWatch::Look()
     }
     STATUS_LINE& last = m_said.lines.back();
     if (szText != last.szText) {
-        m_said.lines.push_back({szText, nNow - m_nStart, {}});
+        m_said.lines.push_back({szText, nNow - m_nStart, {}, true});
     } else if (nNow - m_nStart >= last.nMilliseconds + kUntilPainted) {
         LookAtPixels(last);
     }

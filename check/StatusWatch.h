@@ -14,6 +14,7 @@ struct STATUS_LINE
     std::wstring szText;
     ULONGLONG nMilliseconds;      // since the watch began
     std::vector<COLORREF> pixels; // of the screen, the last ones; empty when it did not stand long enough
+    bool bAsWide;                 // as its letters are
 };
 
 // What the status line said.
