@@ -17,8 +17,12 @@ constexpr DWORD kBetweenLooksAtLine = 10;
 // Nothing is painted at the very moment that it is said.
 constexpr ULONGLONG kUntilPainted = 60;
 
-// Shorter than what a line stands that the claims ask for: the shortest are those of the attempts of page 5, 200 ms.
-constexpr ULONGLONG kLongestGap = 150;
+// Page 5 pauses for so long in each attempt, the others before they run adb.
+constexpr ULONGLONG kPauseInAttempt = 200;
+constexpr ULONGLONG kPauseBeforeAdb = 2000;
+
+// What a gap may really be longer than the system's clock tells, and more.
+constexpr ULONGLONG kInexactGap = 50;
 
 // Of 255, from the ground: paler ones belong to the soft edge of a letter.
 constexpr int kInk = 95;
@@ -93,13 +97,14 @@ std::vector<std::wstring> SAID::Unpainted() const
 
 bool SAID::IsGapless() const
 {
-    return nLongestGap <= kLongestGap;
+    return nLongestGap + kInexactGap <= nShortest;
 }
 
 CStatusWatch::CStatusWatch(const SIGHT& sight)
     : m_hwndFrame(sight.frame.window.hwnd), m_hwnd(sight.Existing(sight.pPage->nStatusId).hwnd),
       m_rect(sight.Existing(sight.pPage->nStatusId).rect), m_nStart(GetTickCount64()), m_nLastLook(m_nStart)
 {
+    m_said.nShortest = sight.Number() == 5 ? kPauseInAttempt : kPauseBeforeAdb;
     m_said.lines.push_back({sight.Status(), 0, ScreenColors(m_rect), true});
     m_thread = std::thread([this] { Watch(); });
 }

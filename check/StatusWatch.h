@@ -21,6 +21,7 @@ struct STATUS_LINE
 struct SAID
 {
     std::vector<STATUS_LINE> lines; // in their order; the first is what stood there when the watch began
+    ULONGLONG nShortest;            // that a line stands which the claims ask for, in milliseconds
     ULONGLONG nLongestGap;          // between two looks, in milliseconds
 
     // "1 of 3" from each line that has such a thing.
@@ -30,7 +31,7 @@ struct SAID
     // Those behind the first that stood long enough to be looked at, and of these those that showed another's letters.
     std::vector<std::wstring> LookedAt() const;
     std::vector<std::wstring> Unpainted() const;
-    // Whether no line that stands as long as the claims ask for can have been missed.
+    // Whether no such line can have been missed.
     bool IsGapless() const;
 };
 
