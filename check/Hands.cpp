@@ -192,6 +192,7 @@ std::optional<std::wstring> ClipboardText()
 
 CKeptClipboard::CKeptClipboard() : m_szText(ClipboardText()) {}
 
+// NOLINTNEXTLINE(bugprone-exception-escape): no wait throws in the scope of a CUnstoppable
 CKeptClipboard::~CKeptClipboard()
 {
     const CUnstoppable tidying;

@@ -64,6 +64,17 @@ std::vector<CHandle> OwnAdbs()
     return found;
 }
 
+// Whether adb's server stops itself, and all of adb with it.
+bool EndsWhenAsked()
+{
+    try {
+        RunCommand(InQuotes(AdbPath()) + L" kill-server", kLongestEnd);
+        return WaitFor(2000, [] { return !IsOwnAdbRunning(); });
+    } catch (const CLost&) {
+        return false;
+    }
+}
+
 } // namespace
 
 bool IsRunning(PCWSTR pszName)
@@ -78,14 +89,8 @@ bool IsOwnAdbRunning()
 
 void StopAdb()
 {
-    if (!IsOwnAdbRunning()) {
+    if (!IsOwnAdbRunning() || EndsWhenAsked()) {
         return;
-    }
-    try {
-        RunCommand(InQuotes(AdbPath()) + L" kill-server", kLongestEnd);
-        WaitFor(2000, [] { return !IsOwnAdbRunning(); });
-    } catch (const CLost&) {
-        // It is ended the hard way.
     }
     for (const CHandle& hProcess : OwnAdbs()) {
         TerminateProcess(hProcess.get(), 1);
@@ -131,6 +136,7 @@ CInstaller::CInstaller(const std::wstring& szThrough, const CPath& program)
     m_hProcess.reset(OpenProcess(PROCESS_TERMINATE, FALSE, m_dwProcess));
 }
 
+// NOLINTNEXTLINE(bugprone-exception-escape): no wait throws in the scope of a CUnstoppable
 CInstaller::~CInstaller()
 {
     const CUnstoppable tidying;

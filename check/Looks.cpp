@@ -14,10 +14,6 @@
 
 namespace {
 
-// What the fields can hold at most.
-const std::map<int, std::wstring> kFullest = {
-    {IDC_WATCH_PORT, L"65535"}, {IDC_PAIRING_PORT, L"65535"}, {IDC_PAIRING_CODE, L"888888"}};
-
 constexpr double kBlackOnWhite = 21;
 
 std::wstring NameOf(const PART& part)
@@ -48,8 +44,13 @@ bool HasRoom(const MEASURE& measure)
 // Empty for a control that shows no text, or scrolls it.
 std::wstring FullestText(const PART& part)
 {
-    const auto found = kFullest.find(part.nId);
-    return found != kFullest.end() ? found->second : part.IsKind(WC_EDITW) ? std::wstring() : part.szText;
+    // What the fields can hold at most.
+    static const std::map<int, std::wstring> s_fullest = {
+        {IDC_WATCH_PORT, L"65535"}, {IDC_PAIRING_PORT, L"65535"}, {IDC_PAIRING_CODE, L"888888"}};
+    if (const auto found = s_fullest.find(part.nId); found != s_fullest.end()) {
+        return found->second;
+    }
+    return part.IsKind(WC_EDITW) ? std::wstring() : part.szText;
 }
 
 // A text with the name of its font, see driver/Measure.h.
@@ -203,6 +204,7 @@ void LookAtIds(CAnswers& answers, const SIGHT& sight)
 std::wstring CutTexts(const TREE& box)
 {
     std::vector<LETTERING> all;
+    all.reserve(box.parts.size());
     for (const PART& part : box.parts) {
         all.push_back({&part, "box"});
     }

@@ -9,6 +9,7 @@
 
 #include <icmpapi.h>
 
+#include <algorithm>
 #include <format>
 
 namespace {
@@ -17,22 +18,29 @@ namespace {
 constexpr char kPayload[] = "Some arbitrary data to send";
 constexpr DWORD kReplyBytes = 92;
 
+std::wstring Answered(const ICMP_ECHO_REPLY& reply, DWORD nReplies, DWORD dwError)
+{
+    if (nReplies == 0) {
+        return std::format(L"error {}", dwError);
+    }
+    if (reply.Status != 0) {
+        return std::format(L"status {}", reply.Status);
+    }
+    return reply.Address == htonl(INADDR_LOOPBACK) ? L"an answer from 127.0.0.1" : L"an answer from elsewhere";
+}
+
 void Echo(CAnswers& answers)
 {
     const HANDLE hIcmp = IcmpCreateFile();
     alignas(ICMP_ECHO_REPLY) unsigned char reply[kReplyBytes] = {};
     char payload[sizeof kPayload];
-    std::copy(std::begin(kPayload), std::end(kPayload), payload);
+    std::ranges::copy(kPayload, payload);
     const DWORD nReplies = IcmpSendEcho2(hIcmp, nullptr, nullptr, nullptr, htonl(INADDR_LOOPBACK), payload,
                                          sizeof payload, nullptr, reply, sizeof reply, 1000);
     const DWORD dwError = nReplies == 0 ? GetLastError() : 0;
     const auto* const pReply = reinterpret_cast<const ICMP_ECHO_REPLY*>(reply);
     IcmpCloseHandle(hIcmp);
-    answers.Expect(L"system.echo", L"an answer from 127.0.0.1",
-                   nReplies == 0                               ? std::format(L"error {}", dwError)
-                   : pReply->Status != 0                       ? std::format(L"status {}", pReply->Status)
-                   : pReply->Address != htonl(INADDR_LOOPBACK) ? L"an answer from elsewhere"
-                                                               : L"an answer from 127.0.0.1");
+    answers.Expect(L"system.echo", L"an answer from 127.0.0.1", Answered(*pReply, nReplies, dwError));
     answers.Expect(L"system.echo-room", std::to_wstring(sizeof kPayload),
                    std::to_wstring(nReplies == 0 ? 0 : pReply->DataSize));
 }
@@ -52,6 +60,7 @@ POLLED Poll(CListener::MANNER nManner)
     u_long nNonBlocking = 1;
     ioctlsocket(socket, static_cast<long>(FIONBIO), &nNonBlocking);
     const SOCKADDR_IN address = OwnAddress(std::stoi(listener.Port()));
+    // NOLINTNEXTLINE(bugprone-unused-return-value): it goes on, and how it went is what is polled
     connect(socket, reinterpret_cast<const SOCKADDR*>(&address), sizeof address);
     const ULONGLONG nStart = GetTickCount64();
     POLLED polled = {};

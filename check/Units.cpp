@@ -32,7 +32,10 @@ TOLD Read(const std::wstring& szProgram, const std::string& text)
     std::string words;
     for (const std::string& line : LinesOf(text)) {
         const bool bBegins = line.starts_with("[ RUN      ] ");
-        words = (bBegins ? "" : words) + line + "\n";
+        if (bBegins) {
+            words.clear();
+        }
+        words += line + "\n";
         told.bEnded = !bBegins && (told.bEnded || line.starts_with("[==========] "));
         const bool bPassed = line.starts_with(kPassed);
         // At the end those that failed are listed again, without a time.

@@ -19,8 +19,8 @@ constexpr DWORD kRest = 150;
 // Longer than it takes a busy machine to start the program and write its tools.
 constexpr DWORD kStart = 40000;
 
-// What follows a key or a click at once.
-constexpr DWORD kSoon = 3000;
+// What follows a key or a click at once, on a busy machine too.
+constexpr DWORD kSoon = 10000;
 
 // Two pages ask the network before they let the user go on.
 constexpr DWORD kLongestStep = 60000;
@@ -136,7 +136,7 @@ void CWalk::ClickControl(int nId) const
 void CWalk::Empty(int nId) const
 {
     ClickControl(nId);
-    if (!WaitFor(2000, [&] { return Look().FocusId() == nId; })) {
+    if (!WaitFor(kSoon, [&] { return Look().FocusId() == nId; })) {
         const SIGHT sight = Look();
         throw CLost{std::format(L"a click does not give control {} the keyboard, {} has it, with {} boxes", nId,
                                 sight.FocusId(), sight.boxes.size())};
@@ -169,13 +169,17 @@ std::vector<PART> CWalk::AddressFields() const
 void CWalk::EmptyField(const PART& field) const
 {
     Click(field.rect);
-    if (!WaitFor(2000, [&] { return Look().hwndFocus == field.hwnd; })) {
+    if (!WaitFor(kSoon, [&] { return Look().hwndFocus == field.hwnd; })) {
         throw CLost{L"a click does not give a field of the address the keyboard"};
     }
     Press(VK_END);
-    for (int n = 0; n < 3 && !HoldsText(field).empty(); ++n) {
+    // Each key is waited for: one too many would go on to the field before.
+    for (std::wstring szText = HoldsText(field); !szText.empty();) {
+        const size_t nBefore = szText.size();
         Press(VK_BACK);
-        Pause(30);
+        if (!WaitFor(kSoon, [&] { return (szText = HoldsText(field)).size() < nBefore; })) {
+            throw CLost{L"a field of the address does not get empty"};
+        }
     }
 }
 
@@ -225,7 +229,7 @@ void CWalk::Dismiss(const TREE& box) const
 void CWalk::Tick(bool bTicked) const
 {
     const SIGHT sight = Look();
-    const PART box = sight.Existing(sight.pPage != nullptr ? sight.pPage->nBoxId : 0);
+    const PART& box = sight.Existing(sight.pPage != nullptr ? sight.pPage->nBoxId : 0);
     const auto IsDone = [&] { return IsTicked(box) == bTicked; };
     if (IsDone()) {
         return;
@@ -314,7 +318,8 @@ void CWalk::ExpectEnd(PCWSTR pszClaim) const
 {
     std::wstring szEnd = m_program.WaitForEnd();
     if (!m_program.HasEnded()) {
-        szEnd += std::format(L" with page {}", Look().Number());
+        const SIGHT sight = Look();
+        szEnd += std::format(L" with page {}, {}", sight.Number(), Joined(sight.boxes, L" | ", L"no box", WordsOf));
     }
     const std::wstring szLeft = ListOf(ToolsFolder());
     m_check.answers.Expect(pszClaim, std::format(L"nothing left, {}", kEndedWell),

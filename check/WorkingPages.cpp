@@ -36,24 +36,48 @@ void ExpectBoxes(CAnswers& answers, PCWSTR pszClaim, const WORK& work, const std
                  Joined(work.boxes, L" | ", L"no box"));
 }
 
+// What the status line was not seen to say does not count where it was not looked at often enough.
+void TellOfStatus(CAnswers& answers, const std::wstring& szClaim, const SAID& said, bool bHolds,
+                  const std::wstring& szExpected, const std::wstring& szSeen)
+{
+    if (bHolds || said.IsGapless()) {
+        answers.Tell(szClaim, bHolds, szExpected, szSeen);
+    } else {
+        answers.NotTried(szClaim,
+                         std::format(L"this computer was so busy that nobody looked at the status line for {} ms",
+                                     said.nLongestGap));
+    }
+}
+
+void ExpectLine(CAnswers& answers, PCWSTR pszClaim, const SAID& said, const std::wstring& szLine)
+{
+    TellOfStatus(answers, pszClaim, said, said.SaysSomewhere(szLine), szLine, said.Texts());
+}
+
 // "connect.painted" and "connect.ghost" for "connect.".
 void LookAtWindow(CAnswers& answers, const std::wstring& szClaims, const WORK& work)
 {
-    answers.Tell(szClaims + L"painted", work.WerePainted(), L"each status line on the screen while it works",
-                 work.Texts());
+    // One alone may be painted late and nobody would see it: what stood there before it may be gone.
+    constexpr size_t kEnough = 2;
+    const std::vector<std::wstring> lookedAt = work.said.LookedAt();
+    const std::vector<std::wstring> unpainted = work.said.Unpainted();
+    TellOfStatus(
+        answers, szClaims + L"painted", work.said, lookedAt.size() >= kEnough && unpainted.empty(),
+        L"two status lines or more, each on the screen while it works",
+        std::format(L"{}; not on the screen: {}", Joined(lookedAt, L" | "), Joined(unpainted, L" | ", L"none")));
     answers.Tell(szClaims + L"ghost", !work.bGhost, L"the wizard's own window",
                  std::format(L"{} within {} ms", work.bGhost ? L"one of the system's" : L"the wizard's own window",
                              work.nMilliseconds));
 }
 
 // "connect.attempts" for "connect".
-void LookAtAttempts(CAnswers& answers, const std::wstring& szGroup, const WORK& work, int nAttempts)
+void LookAtAttempts(CAnswers& answers, const std::wstring& szGroup, const SAID& said, int nAttempts)
 {
     std::wstring szCounts;
     for (int n = 1; n <= nAttempts; ++n) {
         szCounts += std::format(L"{}{} of {}", n == 1 ? L"" : L", ", n, nAttempts);
     }
-    answers.Tell(szGroup + L".attempts", work.Counts().ends_with(szCounts), szCounts, work.Texts());
+    TellOfStatus(answers, szGroup + L".attempts", said, said.Counts().ends_with(szCounts), szCounts, said.Texts());
 }
 
 void ExpectServer(CAnswers& answers, PCWSTR pszClaim)
@@ -71,12 +95,12 @@ void ExpectPortRefused(const CWalk& walk, PCWSTR pszClaim, PCWSTR pszPort)
 }
 
 // The time of a single one is as exact as the looks at the screen are frequent; that of all is exact enough.
-void LookAtPace(CAnswers& answers, const WORK& work)
+void LookAtPace(CAnswers& answers, const SAID& said)
 {
     constexpr ULONGLONG kPause = 200;
     constexpr ULONGLONG kInexact = 100;
     std::vector<ULONGLONG> times;
-    for (const STATUS_LINE& line : work.lines) {
+    for (const STATUS_LINE& line : said.lines) {
         if (line.szText.starts_with(L"Connecting to ")) {
             times.push_back(line.nMilliseconds);
         }
@@ -95,13 +119,13 @@ void ConnectRefused(const CWalk& walk)
     answers.AddPicture(L"page 5", walk.Look().frame.window.hwnd);
     const WORK work = PressNextAndWatch(walk);
     ExpectBoxes(answers, L"connect.refused", work, {kNotConnected});
-    LookAtAttempts(answers, L"connect", work, 7);
-    LookAtPace(answers, work);
+    LookAtAttempts(answers, L"connect", work.said, 7);
+    LookAtPace(answers, work.said);
     answers.Expect(L"connect.status", L"Could not connect to " + nobody.Address(), walk.Look().Status());
-    answers.Tell(L"connect.echo",
-                 work.SaysSomewhere(L"Connecting to " + nobody.Address() + L" (1 of 7)") &&
-                     !work.SaysSomewhere(L"Pinging 127.0.0.1 (2 of 6)"),
-                 L"127.0.0.1 answers the first echo", work.Texts());
+    TellOfStatus(answers, L"connect.echo", work.said,
+                 work.said.SaysSomewhere(L"Connecting to " + nobody.Address() + L" (1 of 7)") &&
+                     !work.said.SaysSomewhere(L"Pinging 127.0.0.1 (2 of 6)"),
+                 L"127.0.0.1 answers the first echo", work.said.Texts());
     answers.Expect(L"connect.stays", L"page 5", std::format(L"page {}", work.nPage));
     LookAtWindow(answers, L"connect.", work);
 }
@@ -161,9 +185,8 @@ void PairWithListeners(const CWalk& walk)
     const WORK refused = Pair(walk, nobody);
     answers.AddPicture(L"page 6", walk.Look().frame.window.hwnd);
     ExpectBoxes(answers, L"pair.refused", refused, {kNotPaired});
-    LookAtAttempts(answers, L"pair", refused, 3);
-    answers.Tell(L"pair.first-words", refused.SaysSomewhere(L"Stopping ADB server"), L"Stopping ADB server",
-                 refused.Texts());
+    LookAtAttempts(answers, L"pair", refused.said, 3);
+    ExpectLine(answers, L"pair.first-words", refused.said, L"Stopping ADB server");
     LookAtWindow(answers, L"pair.", refused);
     ExpectServer(answers, L"pair.server");
     const CListener rude(CListener::kHangsUp);
@@ -213,9 +236,11 @@ void InstallHungUp(const CWalk& walk, const CListener& rude)
     const WORK work = PressNextAndWatch(walk);
     answers.AddPicture(L"page 7", walk.Look().frame.window.hwnd);
     ExpectBoxes(answers, L"install.hung-up", work, {kUnexpected, kUnable});
-    const std::wstring szFirst = L"Connecting to " + rude.Address() + L" (attempt 1 of 3)";
-    answers.Tell(L"install.first-words", work.SaysSomewhere(szFirst), szFirst, work.Texts());
+    ExpectLine(answers, L"install.first-words", work.said, L"Connecting to " + rude.Address() + L" (attempt 1 of 3)");
     ExpectServer(answers, L"install.server");
+    // It connects to this listener again and again from now on, and at times does not end when it is told to meanwhile:
+    // the installer then waits for it. Seen under Wine. Whatever comes later is to be told of by itself.
+    StopAdb();
 }
 
 void InstallRefused(const CWalk& walk, const std::wstring& szAddress)
@@ -223,7 +248,7 @@ void InstallRefused(const CWalk& walk, const std::wstring& szAddress)
     CAnswers& answers = walk.Answers();
     const WORK work = PressNextAndWatch(walk);
     ExpectBoxes(answers, L"install.refused", work, {kUnable});
-    LookAtAttempts(answers, L"install", work, 3);
+    LookAtAttempts(answers, L"install", work.said, 3);
     answers.Expect(L"install.status", L"Unable to connect to " + szAddress, walk.Look().Status());
     LookAtWindow(answers, L"install.", work);
 }

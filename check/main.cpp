@@ -271,7 +271,10 @@ int Check(const OPTIONS& options)
     if (!options.bUnattended && !run.bCancelled) {
         ShellExecuteW(nullptr, L"open", (OwnFolder() / L"report.html").c_str(), nullptr, nullptr, SW_SHOWNORMAL);
     }
-    return run.bCancelled ? 3 : answers.Count(ANSWER::kDoesNotHold) == 0 ? 0 : 1;
+    if (run.bCancelled) {
+        return 3;
+    }
+    return answers.Count(ANSWER::kDoesNotHold) == 0 ? 0 : 1;
 }
 
 } // namespace

@@ -10,6 +10,7 @@ does not go together in one.
 """
 
 import json
+import re
 import shlex
 import subprocess
 import sys
@@ -32,14 +33,22 @@ def sources_of(folders: list[Path]) -> list[Path]:
     return sorted(source for source, folder in found.items() if "tests" not in source.relative_to(folder).parts)
 
 
+def compiled(file: Path) -> list[Path]:
+    """A file that is compiled, or, where CMake made it to compile several as one, those."""
+    if file.parent.name != "Unity":
+        return [file]
+    return [Path(name) for name in re.findall(r'^#include "(.+)"', file.read_text(encoding="utf-8"), re.MULTILINE)]
+
+
 def compilations(build: Path, sources: list[Path]) -> dict[Path, list[str]]:
     """How each source is compiled, without its name and output; a source that tests compile once more counts as its own
     folder has it."""
     found: dict[Path, list[str]] = {}
     for entry in json.loads((build / "compile_commands.json").read_text(encoding="utf-8")):
-        if Path(entry["file"]) in sources:
-            words = shlex.split(entry["command"])
-            found.setdefault(Path(entry["file"]), words[: words.index("-o")])
+        words = shlex.split(entry["command"])
+        for source in compiled(Path(entry["file"])):
+            if source in sources:
+                found.setdefault(source, words[: words.index("-o")])
     return found
 
 

@@ -24,7 +24,11 @@ from driver.wizard import Sight
 MOST_NOT_TRIED = 15
 FEWEST_CLAIMS = 120
 
+# What a user is promised, of a machine that has little else to do. Where more programs want the processors the time
+# tells of them: it is printed, and bounded only so that a walk that hangs is told from a slow one.
 LONGEST = 6 * 60
+QUIET = 2
+LONGEST_ANYWHERE = 20 * 60
 
 PROGRESS = "KALVO Windows check"
 FIRST_PAGES = re.compile(
@@ -88,15 +92,17 @@ class ThePage(CheckTest):
 class Whole(CheckTest):
     def test_everything_holds_but_what_wine_cannot_answer(self) -> None:
         start = time.monotonic()
-        report = self.check.run(seconds=LONGEST + 240)
-        took = time.monotonic() - start
-        print(f"{len(report.claims)} claims in {took:.0f} s", flush=True)
+        report = self.check.run(seconds=LONGEST_ANYWHERE)
+        took, load = time.monotonic() - start, os.getloadavg()[1]
+        print(f"{len(report.claims)} claims in {took:.0f} s at a load of {load:.1f}", flush=True)
         self.expect_all_holds(report)
         # Wine need not have a high contrast on, a second route and the like: all that is left out is named.
-        self.assertEqual(set(report.ids("not tried")), excluded(), report.whole["notes"])
+        not_tried = {claim: report.claims[claim]["why"] for claim in report.ids("not tried")}
+        self.assertEqual(not_tried.keys(), excluded(), not_tried)
         self.assertGreaterEqual(len(report.claims), FEWEST_CLAIMS)
         self.assertLessEqual(len(excluded()), MOST_NOT_TRIED)
-        self.assertLess(took, LONGEST)
+        if load <= QUIET * len(os.sched_getaffinity(0)):
+            self.assertLess(took, LONGEST)
         self.assertGreater(len(report.whole["cases"]), 300)
         self.assertTrue(all(case["passed"] for case in report.whole["cases"]))
 
