@@ -1,6 +1,6 @@
-#include "check/Icon.h"
-
+// The wizard's icon.
 #include "check/Picture.h"
+#include "check/Walk.h"
 #include "driver/Reading.h"
 
 #include <cstdlib>
@@ -27,9 +27,8 @@ using CIconHandle = std::unique_ptr<std::remove_pointer_t<HICON>, ICON_DELETER>;
 // The one in the program's resources.
 CIconHandle OwnIcon(const CPath& program, int nSize)
 {
-    const HMODULE hProgram = LoadLibraryExW(program.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
-    const HANDLE hIcon = LoadImageW(hProgram, MAKEINTRESOURCEW(IDI_APPLICATION_ICON), IMAGE_ICON, nSize, nSize, 0);
-    FreeLibrary(hProgram);
+    const HANDLE hIcon =
+        LoadImageW(OpenProgram(program).get(), MAKEINTRESOURCEW(IDI_APPLICATION_ICON), IMAGE_ICON, nSize, nSize, 0);
     return CIconHandle(static_cast<HICON>(hIcon));
 }
 

@@ -48,11 +48,7 @@ SECOND StartAgain(const CHECK& check)
     });
     UnhookWinEvent(hHook);
     // Those that are gone again nobody owns any more.
-    std::erase_if(g_shown, [&](HWND hwnd) {
-        DWORD dwProcess = 0;
-        GetWindowThreadProcessId(hwnd, &dwProcess);
-        return dwProcess != 0 && dwProcess != second.Process();
-    });
+    std::erase_if(g_shown, [&](HWND hwnd) { return ProcessOf(hwnd) != 0 && ProcessOf(hwnd) != second.Process(); });
     return {g_shown.size(), second.WaitForEnd(0)};
 }
 
