@@ -75,11 +75,8 @@ public:
         return m_results.at(szId);
     }
     size_t Count(ANSWER nAnswer) const;
-    const std::vector<PICTURE>& Pictures() const
-    {
-        return m_pictures;
-    }
 
+    std::vector<PICTURE> m_pictures;
     std::vector<UNIT_CASE> m_cases;
     std::vector<std::wstring> m_notes; // what else may help to understand the report, a paragraph each
 
@@ -87,5 +84,4 @@ private:
     RESULT& Row(const std::wstring& szId);
 
     std::map<std::wstring, RESULT> m_results;
-    std::vector<PICTURE> m_pictures;
 };

@@ -143,7 +143,7 @@ std::string ReportAsHtml(const CAnswers& answers, const RUN& run)
         }
     }
     html += "</table><h2>Pictures</h2>\n";
-    for (const PICTURE& picture : answers.Pictures()) {
+    for (const PICTURE& picture : answers.m_pictures) {
         html += "<figure><img alt=\"" + Html(picture.szName) + "\" src=\"data:image/png;base64," + picture.png +
                 "\"><figcaption>" + Html(picture.szName) + "</figcaption></figure>\n";
     }

@@ -46,7 +46,8 @@ constexpr PCWSTR kConsent =
     L"\x2022 it uses no network but this computer's own address, 127.0.0.1;\n"
     L"\x2022 it uses the clipboard and puts its text back.\n\n"
     L"You can cancel it at any time in the small window at the top left. It leaves nothing behind but its report, "
-    L"beside this program: report.html and report.json. The report names neither you nor your computer.";
+    L"beside this program: report.html and report.json. The report names neither you nor your computer; its pictures "
+    L"show the installer and whatever lies over it.";
 
 constexpr std::array kSteps = {
     STEP{L"units", L"Unit tests", L"unit", CheckUnits},
