@@ -151,11 +151,11 @@ class Refused(CheckTest):
             self.assertFalse(installer.has_ended)
 
     def test_while_another_check_runs(self) -> None:
+        self.addCleanup((self.check.folder / "report.json").unlink, missing_ok=True)
         first = self.check.start("--only", "first-pages")
         self.person.wait_until("the first check", lambda sight: PROGRESS in (w.text for w in sight.view.windows), 60)
         self.expect_refused("The check is running already")
         self.expect_all_holds(self.check.report(first.wait(200)))
-        (self.check.folder / "report.json").unlink()
 
     def test_with_an_administrators_rights(self) -> None:
         # A copy that asks Windows for them.
