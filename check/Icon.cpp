@@ -11,15 +11,7 @@ namespace {
 // Of 255, on average: another way to draw an icon, or to make it smaller, changes it by so much at most.
 constexpr int kSlightly = 12;
 
-struct ICON_DELETER
-{
-    void operator()(HICON hIcon) const
-    {
-        DestroyIcon(hIcon);
-    }
-};
-
-using CIconHandle = std::unique_ptr<std::remove_pointer_t<HICON>, ICON_DELETER>;
+using CIconHandle = std::unique_ptr<std::remove_pointer_t<HICON>, decltype([](HICON hIcon) { DestroyIcon(hIcon); })>;
 
 // The one in the program's resources.
 CIconHandle OwnIcon(const CPath& program, int nSize)

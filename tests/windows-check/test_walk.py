@@ -8,7 +8,7 @@ import unittest
 from collections.abc import Callable
 
 import checking
-from checking import ALL_HOLD, CANCELLED, CHECKOUT, NO_REPORT, REFUSED, SURROUNDINGS, Report, WindowsCheck
+from checking import ALL_HOLD, CANCELLED, NO_REPORT, REFUSED, SURROUNDINGS, Report, WindowsCheck
 from driver import places, wine
 from driver.eyes import View
 from driver.notepad import copy_to_clipboard
