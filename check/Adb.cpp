@@ -68,12 +68,6 @@ void Watches(CAnswers& answers)
                  L"about 10 seconds", std::format(L"{} ms", printed.dwMilliseconds));
 }
 
-void Packages(CAnswers& answers, const CPath& folder)
-{
-    ExpectLines(answers, L"adb.install-no-device", Run(L"-s 127.0.0.1:1 install " + InQuotes(folder / L"Check.apk")),
-                {"adb.exe: device '127.0.0.1:1' not found"});
-}
-
 } // namespace
 
 void CheckAdb(CHECK& check)
@@ -81,7 +75,9 @@ void CheckAdb(CHECK& check)
     const CWalk walk(check);
     Server(check.answers);
     Watches(check.answers);
-    Packages(check.answers, check.program.parent_path());
+    const CPath package = check.program.parent_path() / L"Check.apk";
+    ExpectLines(check.answers, L"adb.install-no-device", Run(L"-s 127.0.0.1:1 install " + InQuotes(package)),
+                {"adb.exe: device '127.0.0.1:1' not found"});
     ExpectLines(check.answers, L"adb.server-ends", Run(L"kill-server"), {});
     const bool bGone = WaitFor(5000, [] { return !IsListening(kAdbServerPort) && !IsOwnAdbRunning(); });
     check.answers.Either(L"adb.server-gone", bGone, L"no server", L"a process of adb, or somebody on its port");

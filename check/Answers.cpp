@@ -1,33 +1,32 @@
 #include "check/Answers.h"
 
 #include "check/Picture.h"
+#include "check/Stopping.h"
+#include "check/Text.h"
 
 #include <algorithm>
-#include <cstdlib>
 
-namespace {
-
-bool IsClaim(const std::wstring& szId)
+CAnswers::CAnswers()
 {
-    return std::ranges::find(AllClaims(), szId, &CLAIM::szId) != AllClaims().end();
+    for (const CLAIM& claim : AllClaims()) {
+        m_results[claim.szId] = {};
+    }
 }
-
-} // namespace
 
 RESULT& CAnswers::Row(const std::wstring& szId)
 {
-    if (!IsClaim(szId)) {
-        MessageBoxW(nullptr, szId.c_str(), L"There is no such claim", MB_OK);
-        std::abort();
+    const auto found = m_results.find(szId);
+    if (found == m_results.end()) {
+        throw CLost{L"There is no claim " + szId + L"."};
     }
-    return m_results[szId];
+    return found->second;
 }
 
 void CAnswers::Tell(const std::wstring& szId, bool bHolds, const std::wstring& szExpected, const std::wstring& szSeen,
                     HWND hwndPictured)
 {
     RESULT& row = Row(szId);
-    if (m_excluded.contains(szId) || row.nAnswer == ANSWER::kDoesNotHold) {
+    if (row.bExcluded || row.nAnswer == ANSWER::kDoesNotHold) {
         return;
     }
     row = {bHolds ? ANSWER::kHolds : ANSWER::kDoesNotHold, szExpected, szSeen, {}, {}};
@@ -57,23 +56,21 @@ void CAnswers::NotTried(const std::wstring& szId, const std::wstring& szWhy)
     }
 }
 
-void CAnswers::GroupNotTried(const std::wstring& szGroup, const std::wstring& szWhy)
+void CAnswers::GroupsNotTried(PCWSTR pszGroups, const std::wstring& szWhy)
 {
+    const std::vector<std::wstring> groups = WordsIn(pszGroups);
     for (const CLAIM& claim : AllClaims()) {
-        if (GroupOf(claim.szId) == szGroup) {
+        if (std::ranges::find(groups, claim.szId.substr(0, claim.szId.find(L'.'))) != groups.end()) {
             NotTried(claim.szId, szWhy);
         }
     }
 }
 
-bool CAnswers::Exclude(const std::wstring& szId, const std::wstring& szWhy)
+void CAnswers::Exclude(const std::wstring& szId, const std::wstring& szWhy)
 {
-    if (!IsClaim(szId)) {
-        return false;
-    }
-    m_excluded[szId] = szWhy;
-    NotTried(szId, szWhy);
-    return true;
+    RESULT& row = Row(szId);
+    row.bExcluded = true;
+    row.szWhy = szWhy;
 }
 
 void CAnswers::AddPicture(const std::wstring& szName, HWND hwnd)
@@ -83,15 +80,8 @@ void CAnswers::AddPicture(const std::wstring& szName, HWND hwnd)
     }
 }
 
-const RESULT& CAnswers::Of(const std::wstring& szId) const
-{
-    static const RESULT s_none;
-    const auto found = m_results.find(szId);
-    return found == m_results.end() ? s_none : found->second;
-}
-
 size_t CAnswers::Count(ANSWER nAnswer) const
 {
-    return static_cast<size_t>(
-        std::ranges::count_if(AllClaims(), [&](const CLAIM& claim) { return Of(claim.szId).nAnswer == nAnswer; }));
+    const auto IsSo = [nAnswer](const auto& item) { return item.second.nAnswer == nAnswer; };
+    return static_cast<size_t>(std::ranges::count_if(m_results, IsSo));
 }

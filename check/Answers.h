@@ -23,6 +23,7 @@ struct RESULT
     std::wstring szSeen;
     std::wstring szWhy;     // not tried: the reason; empty as long as nothing was said
     std::wstring szPicture; // the name of one, empty for none
+    bool bExcluded = false;
 };
 
 // A case of a program of unit tests.
@@ -39,11 +40,14 @@ struct PICTURE
     std::string png; // base 64
 };
 
+// An id that is not in the table is a slip, of this program or on its command line: CLost.
 class CAnswers
 {
 public:
+    CAnswers();
+
     // A claim may be looked at several times: it holds when it holds each time, and the first time that it does not is
-    // told. An id that is not in the table ends the process: it is a slip in this program.
+    // told.
     void Tell(const std::wstring& szId, bool bHolds, const std::wstring& szExpected, const std::wstring& szSeen,
               HWND hwndPictured = nullptr);
 
@@ -58,21 +62,21 @@ public:
     // Keeps an answer that is there already.
     void NotTried(const std::wstring& szId, const std::wstring& szWhy);
 
-    // The same for all claims of a group that have no answer yet.
-    void GroupNotTried(const std::wstring& szGroup, const std::wstring& szWhy);
+    // The same for all claims of some groups, which stand between blanks.
+    void GroupsNotTried(PCWSTR pszGroups, const std::wstring& szWhy);
 
-    // Whatever is seen: the claim stays not tried, for that reason. False for an id that is not in the table.
-    bool Exclude(const std::wstring& szId, const std::wstring& szWhy);
+    // Whatever is seen: the claim stays not tried, for that reason.
+    void Exclude(const std::wstring& szId, const std::wstring& szWhy);
 
     void AddPicture(const std::wstring& szName, HWND hwnd);
 
-    const RESULT& Of(const std::wstring& szId) const;
-    size_t Count(ANSWER nAnswer) const;
-    const std::vector<PICTURE>& Pictures() const
+    const RESULT& Of(const std::wstring& szId) const
     {
-        return m_pictures;
+        return m_results.at(szId);
     }
+    size_t Count(ANSWER nAnswer) const;
 
+    std::vector<PICTURE> m_pictures;
     std::vector<UNIT_CASE> m_cases;
     std::vector<std::wstring> m_notes; // what else may help to understand the report, a paragraph each
 
@@ -80,6 +84,4 @@ private:
     RESULT& Row(const std::wstring& szId);
 
     std::map<std::wstring, RESULT> m_results;
-    std::map<std::wstring, std::wstring> m_excluded;
-    std::vector<PICTURE> m_pictures;
 };

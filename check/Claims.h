@@ -1,5 +1,5 @@
-// Everything that the check looks at, a row each. Their ids are known to whoever reads a report and never change their
-// meaning; docs/windows-check.md lists the same rows.
+// Everything that the check looks at: the rows of docs/windows-check.md, which this program carries. Their ids are
+// known to whoever reads a report and never change their meaning.
 #pragma once
 
 #include <string>
@@ -12,11 +12,5 @@ struct CLAIM
     std::wstring szHow; // how it is found out
 };
 
-// In the order of the report.
+// In the order of the page.
 const std::vector<CLAIM>& AllClaims();
-
-// "page" of "page-05.title", "frame" of "frame.class".
-std::wstring GroupOf(const std::wstring& szId);
-
-// The table as JSON.
-std::string ClaimsAsJson();

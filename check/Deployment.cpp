@@ -13,20 +13,10 @@ namespace {
 constexpr PCWSTR kTools =
     L"platform-tools, platform-tools/AdbWinApi.dll, platform-tools/AdbWinUsbApi.dll, platform-tools/adb.exe, "
     L"platform-tools_kalvo.zip";
-constexpr WORD kArchiveId = 223;
 
-// In the program's resources.
 std::string EmbeddedArchive(const CPath& program)
 {
-    const HMODULE hProgram = LoadLibraryExW(program.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
-    const HRSRC hResource = FindResourceW(hProgram, MAKEINTRESOURCEW(kArchiveId), RT_RCDATA);
-    const HGLOBAL hData = hResource != nullptr ? LoadResource(hProgram, hResource) : nullptr;
-    std::string bytes;
-    if (hData != nullptr) {
-        bytes.assign(static_cast<const char*>(LockResource(hData)), SizeofResource(hProgram, hResource));
-    }
-    FreeLibrary(hProgram);
-    return bytes;
+    return ResourceBytes(OpenProgram(program).get(), IDR_PLATFORM_TOOLS_ZIP);
 }
 
 std::string Unpacked(const std::string& archive, const std::string& member)

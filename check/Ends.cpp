@@ -72,7 +72,11 @@ void Uncaught(CHECK& check)
 
 CHandle Hold(const CPath& file, DWORD dwHow)
 {
-    return CHandle(CreateFileW(file.c_str(), GENERIC_READ, 0, nullptr, dwHow, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const HANDLE hFile = CreateFileW(file.c_str(), GENERIC_READ, 0, nullptr, dwHow, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (hFile == INVALID_HANDLE_VALUE) {
+        throw CLost{L"cannot hold " + file.filename().wstring()};
+    }
+    return CHandle(hFile);
 }
 
 // Somebody holds the archive open.

@@ -1,6 +1,5 @@
 // The frame, and the pages that come before anything is sent.
 #include "check/Hands.h"
-#include "check/Icon.h"
 #include "check/Stopping.h"
 #include "check/Walk.h"
 #include "check/resource.h"
@@ -98,7 +97,6 @@ void EnterFirstPage(const CWalk& walk)
     walk.WaitForPage(2);
 }
 
-// The keys arrive in their order: where Enter led on, the tick would be on another page.
 void EnterWithoutNext(const CWalk& walk)
 {
     walk.Press(VK_RETURN);

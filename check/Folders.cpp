@@ -96,6 +96,19 @@ std::string ReadBytes(const CPath& file)
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
+CLibrary OpenProgram(const CPath& program)
+{
+    return CLibrary(LoadLibraryExW(program.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE));
+}
+
+std::string ResourceBytes(HMODULE hModule, int nId)
+{
+    const HRSRC hResource = FindResourceW(hModule, MAKEINTRESOURCEW(nId), RT_RCDATA);
+    const HGLOBAL hData = hResource != nullptr ? LoadResource(hModule, hResource) : nullptr;
+    const auto* const pBytes = static_cast<const char*>(hData != nullptr ? LockResource(hData) : nullptr);
+    return pBytes != nullptr ? std::string(pBytes, SizeofResource(hModule, hResource)) : std::string();
+}
+
 void WriteBytes(const CPath& file, const std::string& bytes)
 {
     const HANDLE hFile = CreateFileW(file.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS,
@@ -105,6 +118,18 @@ void WriteBytes(const CPath& file, const std::string& bytes)
     if (!owner || !WriteFile(hFile, bytes.data(), static_cast<DWORD>(bytes.size()), &cb, nullptr)) {
         throw CLost{std::format(L"cannot write {} (error {})", file.filename().wstring(), GetLastError())};
     }
+}
+
+CPath CopyIntoFolder(const CPath& program, const CPath& folder)
+{
+    CPath copy = folder / L"KalvoApkInstaller.exe";
+    std::error_code error;
+    create_directories(folder, error);
+    if (!copy_file(program, copy, error)) {
+        throw CLost{L"There is no installer to check. Please unpack all of the archive, and start Check.exe there."};
+    }
+    WriteBytes(folder / L"Check.apk", "no package");
+    return copy;
 }
 
 std::vector<std::wstring> NamesIn(const CPath& folder)

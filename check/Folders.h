@@ -1,11 +1,25 @@
 // The folders that the check and the installer work in.
 #pragma once
 
+#include <windows.h>
+
 #include <filesystem>
+#include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 using CPath = std::filesystem::path;
+
+struct CLibraryDeleter
+{
+    void operator()(HMODULE hLibrary) const
+    {
+        FreeLibrary(hLibrary);
+    }
+};
+
+using CLibrary = std::unique_ptr<std::remove_pointer_t<HMODULE>, CLibraryDeleter>;
 
 // Where this program lies.
 CPath OwnFolder();
@@ -43,8 +57,15 @@ private:
 
 // Empty when it cannot be read.
 std::string ReadBytes(const CPath& file);
+// A program, for its resources alone.
+CLibrary OpenProgram(const CPath& program);
+// RT_RCDATA of a program, or of this one; empty where there is none.
+std::string ResourceBytes(HMODULE hModule, int nId);
 // Throws CLost with the name and the system's error.
 void WriteBytes(const CPath& file, const std::string& bytes);
+
+// Copies the installer into a folder of its own, with something beside it that is named like a package; throws CLost.
+CPath CopyIntoFolder(const CPath& program, const CPath& folder);
 
 // The names of all in a folder and its folders, sorted; nothing for a folder that is not there.
 std::vector<std::wstring> NamesIn(const CPath& folder);

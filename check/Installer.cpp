@@ -2,6 +2,7 @@
 
 #include "check/Command.h"
 #include "check/Stopping.h"
+#include "check/Text.h"
 
 #include <tlhelp32.h>
 
@@ -12,11 +13,6 @@
 namespace {
 
 constexpr DWORD kLongestEnd = 10000;
-
-bool IsSame(PCWSTR pszOne, PCWSTR pszOther)
-{
-    return CompareStringOrdinal(pszOne, -1, pszOther, -1, TRUE) == CSTR_EQUAL;
-}
 
 // The processes that run a program of that file name.
 std::vector<PROCESSENTRY32W> ProcessesOf(PCWSTR pszName)
@@ -57,7 +53,7 @@ std::vector<CHandle> OwnAdbs()
     for (const PROCESSENTRY32W& entry : ProcessesOf(L"adb.exe")) {
         CHandle hProcess(OpenProcess(PROCESS_TERMINATE | PROCESS_QUERY_LIMITED_INFORMATION | SYNCHRONIZE, FALSE,
                                      entry.th32ProcessID));
-        if (hProcess && IsSame(ImageOf(hProcess.get()).c_str(), AdbPath().c_str())) {
+        if (hProcess && IsSame(ImageOf(hProcess.get()), AdbPath().native())) {
             found.push_back(std::move(hProcess));
         }
     }
@@ -122,9 +118,11 @@ CInstaller::CInstaller(const std::wstring& szThrough, const CPath& program)
         throw CLost{L"cannot start " + program.filename().wstring()};
     }
     m_hStarted.reset(process.hProcess);
-    CloseHandle(process.hThread);
+    const CHandle hThread(process.hThread);
     m_dwProcess = process.dwProcessId;
     if (!szThrough.empty()) {
+        // What is not found yet nobody could end.
+        const CUnstoppable looking;
         const std::wstring szName = program.filename();
         m_dwProcess = 0;
         WaitFor(kLongestEnd, [&] {

@@ -5,6 +5,7 @@
 #include "check/Walk.h"
 
 #include <format>
+#include <memory>
 #include <set>
 
 namespace {
@@ -18,6 +19,10 @@ void CALLBACK OnShow(HWINEVENTHOOK /*hHook*/, DWORD /*nEvent*/, HWND hwnd, LONG 
         g_shown.insert(hwnd);
     }
 }
+
+using CHook =
+    std::unique_ptr<std::remove_pointer_t<HWINEVENTHOOK>, decltype([](HWINEVENTHOOK hHook) { UnhookWinEvent(hHook); })>;
+using CWindow = std::unique_ptr<std::remove_pointer_t<HWND>, decltype([](HWND hwnd) { DestroyWindow(hwnd); })>;
 
 // Another copy than the one that runs.
 CPath SecondProgram(const CHECK& check)
@@ -35,8 +40,8 @@ struct SECOND
 SECOND StartAgain(const CHECK& check)
 {
     g_shown.clear();
-    const HWINEVENTHOOK hHook =
-        SetWinEventHook(EVENT_OBJECT_SHOW, EVENT_OBJECT_SHOW, nullptr, OnShow, 0, 0, WINEVENT_OUTOFCONTEXT);
+    const CHook hHook(
+        SetWinEventHook(EVENT_OBJECT_SHOW, EVENT_OBJECT_SHOW, nullptr, OnShow, 0, 0, WINEVENT_OUTOFCONTEXT));
     const CInstaller second(check.szThrough, SecondProgram(check));
     // Out-of-context hooks are served between messages.
     WaitFor(20000, [&] {
@@ -46,13 +51,8 @@ SECOND StartAgain(const CHECK& check)
         }
         return second.HasEnded();
     });
-    UnhookWinEvent(hHook);
     // Those that are gone again nobody owns any more.
-    std::erase_if(g_shown, [&](HWND hwnd) {
-        DWORD dwProcess = 0;
-        GetWindowThreadProcessId(hwnd, &dwProcess);
-        return dwProcess != 0 && dwProcess != second.Process();
-    });
+    std::erase_if(g_shown, [&](HWND hwnd) { return ProcessOf(hwnd) != 0 && ProcessOf(hwnd) != second.Process(); });
     return {g_shown.size(), second.WaitForEnd(0)};
 }
 
@@ -62,32 +62,20 @@ bool ComesToTheFront(HWND hwnd)
 }
 
 // Something else that has the keyboard.
-class COtherWindow
+CWindow OtherWindow()
 {
-public:
-    COtherWindow()
-        : m_hwnd(CreateWindowExW(0, L"STATIC", L"Something else", WS_POPUP | WS_CAPTION | WS_VISIBLE, 400, 0, 300, 80,
-                                 nullptr, nullptr, nullptr, nullptr))
-    {
-        BringForward(m_hwnd);
-    }
-    ~COtherWindow()
-    {
-        DestroyWindow(m_hwnd);
-    }
-    COtherWindow(const COtherWindow&) = delete;
-    COtherWindow& operator=(const COtherWindow&) = delete;
-
-private:
-    HWND m_hwnd;
-};
+    CWindow hwnd(CreateWindowExW(0, L"STATIC", L"Something else", WS_POPUP | WS_CAPTION | WS_VISIBLE, 400, 0, 300, 80,
+                                 nullptr, nullptr, nullptr, nullptr));
+    BringForward(hwnd.get());
+    return hwnd;
+}
 
 void BesideTheWizard(CHECK& check)
 {
     CAnswers& answers = check.answers;
     const CWalk walk(check);
     const HWND hwndWizard = walk.Look().frame.window.hwnd;
-    const COtherWindow other;
+    const CWindow other = OtherWindow();
     const bool bBehind = WaitFor(2000, [&] { return GetForegroundWindow() != hwndWizard; });
     const SECOND second = StartAgain(check);
     answers.Expect(L"instance.code", kEndedWell, second.szEnd);
@@ -112,7 +100,7 @@ void BesideABox(CHECK& check)
     const std::wstring szOld = std::wstring(kTitle) + L": This application requires Windows 10 Version 2004";
     answers.Tell(L"end.old-windows", WordsOf(box).starts_with(szOld), szOld + L" ...", WordsOf(box));
     {
-        const COtherWindow other;
+        const CWindow other = OtherWindow();
         StartAgain(check);
         answers.Either(L"instance.front-box", ComesToTheFront(box.window.hwnd), L"the box of the first in front",
                        L"another window in front");

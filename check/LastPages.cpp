@@ -42,13 +42,10 @@ void Finish(const CWalk& walk)
 // No watch is at hand to get there by.
 void JumpBehindTheInstallation(const CWalk& walk)
 {
-    try {
-        walk.JumpTo(8);
-    } catch (const CLost& lost) {
-        walk.Answers().Tell(L"frame.by-number", false, L"page 8", lost.szWhy);
-        throw;
-    }
-    walk.Answers().Tell(L"frame.by-number", true, L"page 8", L"page 8");
+    walk.JumpTo(8);
+    const bool bShown = WaitFor(10000, [&] { return walk.Look().Number() == 8; });
+    walk.Answers().Either(L"frame.by-number", bShown, L"page 8", std::format(L"page {}", walk.Look().Number()));
+    walk.WaitForPage(8);
 }
 
 } // namespace

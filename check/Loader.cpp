@@ -10,109 +10,53 @@
 
 namespace {
 
-// What the compiler would link if it were not told otherwise, and what parts of the system are known to load by name.
-constexpr PCWSTR kOthers[] = {L"libgcc_s_seh-1.dll",
-                              L"libstdc++-6.dll",
-                              L"libwinpthread-1.dll",
-                              L"apphelp.dll",
-                              L"bcrypt.dll",
-                              L"cfgmgr32.dll",
-                              L"coremessaging.dll",
-                              L"cryptbase.dll",
-                              L"cryptsp.dll",
-                              L"d2d1.dll",
-                              L"dataexchange.dll",
-                              L"dcomp.dll",
-                              L"dui70.dll",
-                              L"duser.dll",
-                              L"dwmapi.dll",
-                              L"dwrite.dll",
-                              L"edputil.dll",
-                              L"explorerframe.dll",
-                              L"iertutil.dll",
-                              L"kernel.appcore.dll",
-                              L"linkinfo.dll",
-                              L"mpr.dll",
-                              L"msimg32.dll",
-                              L"mswsock.dll",
-                              L"netapi32.dll",
-                              L"netutils.dll",
-                              L"ntmarta.dll",
-                              L"ntshrui.dll",
-                              L"oleacc.dll",
-                              L"policymanager.dll",
-                              L"powrprof.dll",
-                              L"profapi.dll",
-                              L"propsys.dll",
-                              L"rsaenh.dll",
-                              L"secur32.dll",
-                              L"srvcli.dll",
-                              L"sspicli.dll",
-                              L"structuredquery.dll",
-                              L"textinputframework.dll",
-                              L"textshaping.dll",
-                              L"thumbcache.dll",
-                              L"twinapi.appcore.dll",
-                              L"urlmon.dll",
-                              L"userenv.dll",
-                              L"usp10.dll",
-                              L"uxtheme.dll",
-                              L"version.dll",
-                              L"windows.storage.dll",
-                              L"windowscodecs.dll",
-                              L"winmm.dll",
-                              L"winnsi.dll",
-                              L"wintypes.dll",
-                              L"wldp.dll",
-                              L"wtsapi32.dll"};
+// Libraries that parts of the system are known to load by name when they need them; a program starts without.
+constexpr PCWSTR kLoadedByName =
+    L"cryptbase.dll profapi.dll propsys.dll textshaping.dll wldp.dll windowscodecs.dll winmm.dll";
 
-// Of them, libraries that parts of the system are known to load by name when they need them; a program starts without.
-constexpr PCWSTR kLoadedByName[] = {L"cryptbase.dll", L"profapi.dll",       L"propsys.dll", L"textshaping.dll",
-                                    L"wldp.dll",      L"windowscodecs.dll", L"winmm.dll"};
+// What the compiler would link if it were not told otherwise, and what else the system is known to look for.
+constexpr PCWSTR kOthers =
+    L"libgcc_s_seh-1.dll libstdc++-6.dll libwinpthread-1.dll apphelp.dll bcrypt.dll cfgmgr32.dll coremessaging.dll "
+    L"cryptsp.dll d2d1.dll dataexchange.dll dcomp.dll dui70.dll duser.dll dwmapi.dll dwrite.dll edputil.dll "
+    L"explorerframe.dll iertutil.dll kernel.appcore.dll linkinfo.dll mpr.dll msimg32.dll mswsock.dll netapi32.dll "
+    L"netutils.dll ntmarta.dll ntshrui.dll oleacc.dll policymanager.dll powrprof.dll rsaenh.dll secur32.dll "
+    L"srvcli.dll sspicli.dll structuredquery.dll textinputframework.dll thumbcache.dll twinapi.appcore.dll "
+    L"urlmon.dll userenv.dll usp10.dll uxtheme.dll version.dll windows.storage.dll winnsi.dll wintypes.dll "
+    L"wtsapi32.dll";
 
 // No part of the system has a library of this name.
 constexpr PCWSTR kAskedFor = L"asked-for.dll";
 
-// A folder with a copy of the program, a package and planted libraries.
-class CPlanted
+void Plant(const CPath& program, const std::vector<std::wstring>& names)
 {
-public:
-    CPlanted(CHECK& check, PCWSTR pszFolder) : m_folder(check.work.Path() / pszFolder)
-    {
-        create_directories(m_folder);
-        copy_file(check.program, Program(), std::filesystem::copy_options::overwrite_existing);
-        WriteBytes(m_folder / L"Check.apk", "no package");
-        Plant(kAskedFor);
+    const std::string library = ReadBytes(PartsFolder() / L"planted.dll");
+    if (library.empty()) {
+        throw CLost{L"there is no library to plant"};
     }
-
-    CPath Program() const
-    {
-        return m_folder / L"KalvoApkInstaller.exe";
+    for (const std::wstring& szName : names) {
+        WriteBytes(program.parent_path() / szName, library);
     }
+}
 
-    void Plant(const CPath& name) const
-    {
-        static const std::string s_bytes = ReadBytes(PartsFolder() / L"planted.dll");
-        if (s_bytes.empty()) {
-            throw CLost{L"there is no library to plant"};
-        }
-        WriteBytes(m_folder / name, s_bytes);
+// A copy of the program in a folder of its own, where such libraries lie.
+CPath PlantedCopy(const CHECK& check, PCWSTR pszFolder, PCWSTR pszNames)
+{
+    CPath copy = CopyIntoFolder(check.program, check.work.Path() / pszFolder);
+    Plant(copy, WordsIn(pszNames));
+    Plant(copy, {kAskedFor});
+    return copy;
+}
+
+// Those that were loaded, in one line; their traces go with this look.
+std::wstring LoadedBy(const CPath& program)
+{
+    std::vector<std::wstring> names = NamesIn(program.parent_path());
+    std::erase_if(names, [](const std::wstring& szName) { return !szName.ends_with(L".loaded"); });
+    for (const std::wstring& szName : names) {
+        remove(program.parent_path() / szName);
     }
-
-    // Those that were loaded, in one line; their traces go with this look.
-    std::wstring Loaded() const
-    {
-        std::vector<std::wstring> names = NamesIn(m_folder);
-        std::erase_if(names, [](const std::wstring& szName) { return !szName.ends_with(L".loaded"); });
-        for (const std::wstring& szName : names) {
-            remove(m_folder / szName);
-        }
-        return Joined(names, L" ", L"none");
-    }
-
-private:
-    CPath m_folder;
-};
+    return Joined(names, L" ", L"none");
+}
 
 // Asks the running program for a library by its name.
 bool IsLoadedByName(const CInstaller& program)
@@ -129,65 +73,56 @@ bool IsLoadedByName(const CInstaller& program)
 void Defended(CHECK& check)
 {
     CAnswers& answers = check.answers;
-    const CPlanted planted(check, L"planted");
-    for (const std::wstring& szName : LinkedLibraries(check.program)) {
-        planted.Plant(szName);
-    }
-    for (const PCWSTR pszName : kOthers) {
-        planted.Plant(pszName);
-    }
-    const CWalk walk(check, planted.Program(), CWalk::kAnything);
+    const CPath program = PlantedCopy(check, L"planted", kOthers);
+    Plant(program, WordsIn(kLoadedByName));
+    Plant(program, LinkedLibraries(program));
+    const CWalk walk(check, program, CWalk::kAnything);
     try {
         walk.WaitForStart();
     } catch (const CLost& lost) {
         // What is loaded in the place of a library that is linked lets nothing start.
-        answers.Tell(L"loader.start", false, L"none", planted.Loaded() + L"; " + lost.szWhy);
+        answers.Tell(L"loader.start", false, L"none", LoadedBy(program) + L"; " + lost.szWhy);
         throw;
     }
-    answers.Expect(L"loader.start", L"none", planted.Loaded());
+    answers.Expect(L"loader.start", L"none", LoadedBy(program));
     const CListener watch(CListener::kStaysOpen);
     walk.GoTo(7, watch.Port());
-    answers.Expect(L"loader.pages", L"none", planted.Loaded());
+    answers.Expect(L"loader.pages", L"none", LoadedBy(program));
     walk.OpenFileDialog();
     walk.LeaveFileDialog();
-    answers.Expect(L"loader.dialog", L"none", planted.Loaded());
+    answers.Expect(L"loader.dialog", L"none", LoadedBy(program));
     for (int nPage = 8; nPage <= 14; ++nPage) {
         walk.JumpTo(nPage);
+        walk.WaitForPage(nPage);
     }
-    answers.Expect(L"loader.last-pages", L"none", planted.Loaded());
+    answers.Expect(L"loader.last-pages", L"none", LoadedBy(program));
     answers.Either(L"loader.by-name", !IsLoadedByName(walk.Program()), L"not loaded", L"loaded");
 }
 
 // The defences taken out: the load configuration's flags, and the first call of the program.
-void TakeDefencesOut(const CPath& program)
+CPath UndefendedCopy(const CHECK& check, PCWSTR pszFolder, PCWSTR pszNames)
 {
-    const CPath copy = program.parent_path() / L"Copy.exe";
-    CopyRedirected(program, copy, "SetDefaultDllDirectories", "SetLastError");
-    rename(copy, program);
-    ClearDependentLoadFlags(program);
+    CPath copy = PlantedCopy(check, pszFolder, pszNames);
+    CopyRedirected(copy, copy, "SetDefaultDllDirectories", "SetLastError");
+    ClearDependentLoadFlags(copy);
+    return copy;
 }
 
 void UndefendedByName(CHECK& check)
 {
-    const CPlanted planted(check, L"undefended");
-    TakeDefencesOut(planted.Program());
-    const CWalk walk(check, planted.Program());
+    const CWalk walk(check, UndefendedCopy(check, L"undefended", L""));
     check.answers.Either(L"loader.undefended-by-name", IsLoadedByName(walk.Program()), L"loaded", L"not loaded");
 }
 
 // A program into which such libraries are loaded need not get far: they can do nothing that is asked of them.
 void UndefendedBySystem(CHECK& check)
 {
-    const CPlanted planted(check, L"undefended-too");
-    TakeDefencesOut(planted.Program());
+    const CPath program = UndefendedCopy(check, L"undefended-too", kLoadedByName);
     // A program that cannot start with them shall not say so in a box of the system's; it inherits this.
     const UINT nMode = SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
-    for (const PCWSTR pszName : kLoadedByName) {
-        planted.Plant(pszName);
-    }
     std::wstring szWhy;
     try {
-        const CWalk walk(check, planted.Program());
+        const CWalk walk(check, program);
         const CListener watch(CListener::kStaysOpen);
         walk.GoTo(7, watch.Port());
         walk.OpenFileDialog();
@@ -195,7 +130,7 @@ void UndefendedBySystem(CHECK& check)
         szWhy = L"; it did not get far: " + lost.szWhy;
     }
     SetErrorMode(nMode);
-    const std::wstring szLoaded = planted.Loaded();
+    const std::wstring szLoaded = LoadedBy(program);
     check.answers.Tell(L"loader.undefended-some", szLoaded != L"none", L"some of them", szLoaded + szWhy);
 }
 

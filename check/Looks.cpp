@@ -1,7 +1,7 @@
 // What a careful eye finds on a page.
-#include "check/Contrast.h"
 #include "check/Hands.h"
 #include "check/Machine.h"
+#include "check/Picture.h"
 #include "check/Text.h"
 #include "check/Walk.h"
 #include "driver/Measure.h"
@@ -9,12 +9,23 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <cmath>
 #include <format>
 #include <map>
 
 namespace {
 
-constexpr double kBlackOnWhite = 21;
+// "page-05.title" for page 5 and "title".
+std::wstring PageClaim(int nPage, PCWSTR pszWhat)
+{
+    return std::format(L"page-{:02}.{}", nPage, pszWhat);
+}
+
+// What is wrong, or that nothing is.
+std::wstring OrNothing(const std::wstring& szFound)
+{
+    return szFound.empty() ? L"nothing" : szFound;
+}
 
 std::wstring NameOf(const PART& part)
 {
@@ -99,7 +110,7 @@ std::wstring CutTexts(const std::vector<LETTERING>& all)
             szFound += CutText(*pPart, pszFont, FullestText(*pPart));
         }
     }
-    return szFound.empty() ? L"nothing" : szFound;
+    return OrNothing(szFound);
 }
 
 // Where the words of a text really are; nothing where that cannot be measured.
@@ -155,37 +166,65 @@ std::wstring ExpectedDefault(const SIGHT& sight)
     return IdOf(pNext != nullptr ? pNext : sight.FrameButton(kFinishId));
 }
 
-void LookAtPlaces(CAnswers& answers, const SIGHT& sight, int nPage, HWND hwndPictured)
+std::wstring Misplaced(const SIGHT& sight)
 {
     RECT page = {};
     GetWindowRect(sight.hwndPage, &page);
     const RECT screen = {GetSystemMetrics(SM_XVIRTUALSCREEN), GetSystemMetrics(SM_YVIRTUALSCREEN),
                          GetSystemMetrics(SM_XVIRTUALSCREEN) + GetSystemMetrics(SM_CXVIRTUALSCREEN),
                          GetSystemMetrics(SM_YVIRTUALSCREEN) + GetSystemMetrics(SM_CYVIRTUALSCREEN)};
-    const std::vector<const PART*> parts = sight.PageParts();
-    const std::wstring szFound = Overlaps(parts) + Overlaps(sight.FrameParts()) + Outside(parts, page, L"the page") +
-                                 Outside(sight.FrameParts(), sight.frame.window.rect, L"the frame") +
-                                 Outside({&sight.frame.window}, screen, L"the screen");
-    answers.Expect(PageClaim(nPage, L"apart"), L"nothing", szFound.empty() ? L"nothing" : szFound, hwndPictured);
+    return OrNothing(Overlaps(sight.PageParts()) + Overlaps(sight.FrameParts()) +
+                     Outside(sight.PageParts(), page, L"the page") +
+                     Outside(sight.FrameParts(), sight.frame.window.rect, L"the frame") +
+                     Outside({&sight.frame.window}, screen, L"the screen"));
+}
+
+// How bright a color is to the eye, from 0, black, to 1, white: the light of its channels, as sRGB has them.
+double RelativeLuminance(COLORREF color)
+{
+    const auto Light = [](BYTE nChannel) {
+        const double c = nChannel / 255.0;
+        return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
+    };
+    return (0.2126 * Light(GetRValue(color))) + (0.7152 * Light(GetGValue(color))) + (0.0722 * Light(GetBValue(color)));
+}
+
+// From 1, when they are the same, to 21, black and white.
+double ContrastRatio(COLORREF one, COLORREF other)
+{
+    const auto [darker, lighter] = std::minmax({RelativeLuminance(one), RelativeLuminance(other)});
+    return (lighter + 0.05) / (darker + 0.05);
+}
+
+// Between the ground, which is the color that most of it has, and the color in it that stands out most.
+double ContrastOnScreen(const RECT& rect)
+{
+    std::map<COLORREF, size_t> colors;
+    for (const COLORREF color : ScreenColors(rect)) {
+        ++colors[color];
+    }
+    const auto ground = std::ranges::max_element(colors, {}, [](const auto& item) { return item.second; });
+    double highest = 1;
+    for (const auto& [color, nPixels] : colors) {
+        highest = std::max(highest, ContrastRatio(color, ground->first));
+    }
+    return highest;
 }
 
 // What is disabled need not stand out. What an edit holds may be selected, in the system's colors.
-void LookAtContrast(CAnswers& answers, const std::vector<LETTERING>& all, int nPage, HWND hwndPictured)
+void LookAtContrast(CAnswers& answers, const std::wstring& szClaim, const std::vector<LETTERING>& all, HWND hwnd)
 {
     const double least = IsHighContrast() ? 7.0 : 4.5;
-    double lowest = kBlackOnWhite;
-    std::wstring szFaintest = L"no words";
+    std::map<double, std::wstring> ratios;
     for (const LETTERING& lettering : all) {
         const std::optional<RECT> ink = InkOf(lettering);
         if (ink && !IsRectEmpty(&*ink) && lettering.pPart->bEnabled && !lettering.pPart->IsKind(WC_EDITW)) {
-            if (const double ratio = ContrastOnScreen(*ink); ratio <= lowest) {
-                lowest = ratio;
-                szFaintest = std::format(L"{:.1f}, {}", ratio, NameOf(*lettering.pPart));
-            }
+            ratios[ContrastOnScreen(*ink)] = NameOf(*lettering.pPart);
         }
     }
-    answers.Tell(PageClaim(nPage, L"contrast"), lowest >= least && szFaintest != L"no words",
-                 std::format(L"{:.1f} or more", least), szFaintest, hwndPictured);
+    const bool bAny = !ratios.empty();
+    answers.Tell(szClaim, bAny && ratios.begin()->first >= least, std::format(L"{:.1f} or more", least),
+                 bAny ? std::format(L"{:.1f}, {}", ratios.begin()->first, ratios.begin()->second) : L"no words", hwnd);
 }
 
 // A button that is found by its text has another id.
@@ -241,23 +280,21 @@ void LookAtPage(const CWalk& walk, int nPage)
 {
     CAnswers& answers = walk.Answers();
     const PAGE& page = PageNumber(nPage);
+    const auto Claim = [nPage](PCWSTR pszWhat) { return PageClaim(nPage, pszWhat); };
     MoveMouseAway();
     const bool bButtons = walk.HasButtons(page.nFirst);
     const SIGHT sight = walk.Rest();
-    const HWND hwnd = sight.frame.window.hwnd;
     // Page 5 shows where in the network this computer is.
-    const HWND hwndPictured = nPage == 5 ? nullptr : hwnd;
+    const HWND hwnd = nPage == 5 ? nullptr : sight.frame.window.hwnd;
     const std::vector<LETTERING> lettering = LetteringOf(sight);
-    answers.Either(PageClaim(nPage, L"title"), SaysOfItself(hwnd, page.pszTitle), page.pszTitle,
-                   L"no such words above the page", hwndPictured);
-    answers.Either(PageClaim(nPage, L"buttons"), bButtons, ButtonNames(page.nFirst), ButtonNames(sight.Buttons()),
-                   hwndPictured);
-    answers.Expect(PageClaim(nPage, L"focus"), std::to_wstring(page.nFocusId), std::to_wstring(sight.FocusId()),
-                   hwndPictured);
-    answers.Expect(PageClaim(nPage, L"default"), ExpectedDefault(sight),
-                   Joined(sight.DefaultButtons(), L", ", L"none", IdOf), hwndPictured);
-    answers.Expect(PageClaim(nPage, L"texts"), L"nothing", CutTexts(lettering), hwndPictured);
-    LookAtPlaces(answers, sight, nPage, hwndPictured);
-    LookAtContrast(answers, lettering, nPage, hwndPictured);
+    answers.Either(Claim(L"title"), SaysOfItself(sight.frame.window.hwnd, page.pszTitle), page.pszTitle,
+                   L"no such words above the page", hwnd);
+    answers.Either(Claim(L"buttons"), bButtons, ButtonNames(page.nFirst), ButtonNames(sight.Buttons()), hwnd);
+    answers.Expect(Claim(L"focus"), std::to_wstring(page.nFocusId), std::to_wstring(sight.FocusId()), hwnd);
+    answers.Expect(Claim(L"default"), ExpectedDefault(sight), Joined(sight.DefaultButtons(), L", ", L"none", IdOf),
+                   hwnd);
+    answers.Expect(Claim(L"texts"), L"nothing", CutTexts(lettering), hwnd);
+    answers.Expect(Claim(L"apart"), L"nothing", Misplaced(sight), hwnd);
+    LookAtContrast(answers, Claim(L"contrast"), lettering, hwnd);
     LookAtIds(answers, sight);
 }

@@ -9,28 +9,29 @@
 #include <iphlpapi.h>
 #include <uxtheme.h>
 
+#include <cwchar>
 #include <format>
 #include <memory>
 
 namespace {
 
+constexpr PCWSTR kCurrentVersion = LR"(SOFTWARE\Microsoft\Windows NT\CurrentVersion)";
+constexpr PCWSTR kPersonalize = LR"(SOFTWARE\Microsoft\Windows\CurrentVersion\Themes\Personalize)";
+
 // A text, or a number in words.
 std::wstring FromRegistry(HKEY hKey, PCWSTR pszKey, PCWSTR pszValue)
 {
-    WCHAR szText[128] = {};
-    DWORD cb = sizeof szText;
-    if (RegGetValueW(hKey, pszKey, pszValue, RRF_RT_REG_SZ, nullptr, szText, &cb) == ERROR_SUCCESS) {
-        return szText;
+    union {
+        WCHAR szText[128];
+        DWORD dwNumber;
+    } value = {};
+    DWORD dwType = REG_NONE;
+    DWORD cb = sizeof value;
+    if (RegGetValueW(hKey, pszKey, pszValue, RRF_RT_REG_SZ | RRF_RT_REG_DWORD, &dwType, &value, &cb) != ERROR_SUCCESS) {
+        return L"unknown";
     }
-    DWORD dwValue = 0;
-    cb = sizeof dwValue;
-    const bool bNumber =
-        RegGetValueW(hKey, pszKey, pszValue, RRF_RT_REG_DWORD, nullptr, &dwValue, &cb) == ERROR_SUCCESS;
-    return bNumber ? std::to_wstring(dwValue) : L"unknown";
+    return dwType == REG_SZ ? std::wstring(value.szText) : std::to_wstring(value.dwNumber);
 }
-
-constexpr PCWSTR kCurrentVersion = LR"(SOFTWARE\Microsoft\Windows NT\CurrentVersion)";
-constexpr PCWSTR kPersonalize = LR"(SOFTWARE\Microsoft\Windows\CurrentVersion\Themes\Personalize)";
 
 std::wstring Language()
 {
@@ -42,8 +43,7 @@ std::wstring Language()
 bool IsScreenReaderOn()
 {
     BOOL bOn = FALSE;
-    SystemParametersInfoW(SPI_GETSCREENREADER, 0, &bOn, 0);
-    return bOn != FALSE;
+    return SystemParametersInfoW(SPI_GETSCREENREADER, 0, &bOn, 0) && bOn;
 }
 
 PCWSTR OnOrOff(bool bOn)
@@ -69,14 +69,9 @@ std::wstring NumberOfAdapters()
 
 bool IsElevated()
 {
-    HANDLE hToken = nullptr;
-    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &hToken)) {
-        return false;
-    }
-    const CHandle token(hToken);
     TOKEN_ELEVATION elevation = {};
-    DWORD cb = sizeof elevation;
-    return GetTokenInformation(hToken, TokenElevation, &elevation, sizeof elevation, &cb) &&
+    DWORD cb = 0;
+    return GetTokenInformation(GetCurrentProcessToken(), TokenElevation, &elevation, sizeof elevation, &cb) &&
            elevation.TokenIsElevated != 0;
 }
 
@@ -89,21 +84,16 @@ bool HasScreen()
     return hDesktop != nullptr && GetSystemMetrics(SM_CMONITORS) > 0;
 }
 
-bool IsInstallerRunning()
+bool IsThere(PCWSTR pszMutex)
 {
-    const CHandle hMutex(OpenMutexW(SYNCHRONIZE, FALSE, L"KALVO_APK_INSTALLER_MUTEX"));
-    return hMutex != nullptr;
+    return CHandle(OpenMutexW(SYNCHRONIZE, FALSE, pszMutex)) != nullptr;
 }
 
 bool IsOldWindows()
 {
-    OSVERSIONINFOEXW version = {};
-    version.dwOSVersionInfoSize = sizeof version;
-    version.dwMajorVersion = 10;
-    version.dwBuildNumber = 19041;
-    const DWORDLONG dwlMask = VerSetConditionMask(VerSetConditionMask(0, VER_MAJORVERSION, VER_GREATER_EQUAL),
-                                                  VER_BUILDNUMBER, VER_GREATER_EQUAL);
-    return !VerifyVersionInfoW(&version, VER_MAJORVERSION | VER_BUILDNUMBER, dwlMask);
+    constexpr unsigned long kVersion2004 = 19041;
+    const std::wstring szBuild = FromRegistry(HKEY_LOCAL_MACHINE, kCurrentVersion, L"CurrentBuildNumber");
+    return std::wcstoul(szBuild.c_str(), nullptr, 10) < kVersion2004;
 }
 
 } // namespace
@@ -149,7 +139,10 @@ std::wstring ReasonToRefuse()
         return L"The check was started with the rights of an administrator. Please start it without: users of the "
                L"installer have none.";
     }
-    if (IsInstallerRunning()) {
+    if (IsThere(kCheckMutex)) {
+        return L"The check is running already.";
+    }
+    if (IsThere(L"KALVO_APK_INSTALLER_MUTEX")) {
         return L"The installer is running. Please close it first.";
     }
     if (IsListening(kAdbServerPort) || IsRunning(L"adb.exe")) {

@@ -76,17 +76,16 @@ std::string TakePicture(HWND hwnd)
 {
     RECT rect = {};
     GetWindowRect(hwnd, &rect);
-    std::string bytes;
-    for (const COLORREF color : ScreenColors(rect)) {
-        bytes += {static_cast<char>(GetRValue(color)), static_cast<char>(GetGValue(color)),
-                  static_cast<char>(GetBValue(color))};
-    }
-    if (bytes.empty()) {
+    std::vector<COLORREF> colors = ScreenColors(rect);
+    if (colors.empty()) {
         return {};
+    }
+    for (COLORREF& color : colors) {
+        color |= 0xFF000000; // opaque
     }
     size_t cb = 0;
     const std::unique_ptr<void, decltype(&mz_free)> png(
-        tdefl_write_image_to_png_file_in_memory(bytes.data(), rect.right - rect.left, rect.bottom - rect.top, 3, &cb),
+        tdefl_write_image_to_png_file_in_memory(colors.data(), rect.right - rect.left, rect.bottom - rect.top, 4, &cb),
         &mz_free);
     return png ? ToBase64(png.get(), cb) : std::string();
 }

@@ -1,8 +1,10 @@
 #include "check/Private.h"
 
-#include <windows.h>
+#include "check/Text.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <cwchar>
 #include <cwctype>
 #include <regex>
 #include <utility>
@@ -12,21 +14,15 @@ namespace {
 
 using REPLACEMENT = std::pair<std::wstring, std::wstring>;
 
-std::wstring Variable(PCWSTR pszName)
-{
-    WCHAR szValue[MAX_PATH] = {};
-    const DWORD cch = GetEnvironmentVariableW(pszName, szValue, MAX_PATH);
-    return cch < MAX_PATH ? szValue : L"";
-}
-
 // The longest first, for the profile's folder is the beginning of others.
 std::vector<REPLACEMENT> Replacements()
 {
     std::vector<REPLACEMENT> all;
     for (const PCWSTR pszName : {L"LOCALAPPDATA", L"APPDATA", L"USERPROFILE", L"PUBLIC", L"ProgramData", L"USERNAME",
                                  L"COMPUTERNAME", L"USERDOMAIN", L"LOGONSERVER"}) {
-        if (std::wstring szValue = Variable(pszName); szValue.size() > 1) {
-            all.emplace_back(std::move(szValue), L"%" + std::wstring(pszName) + L"%");
+        const wchar_t* const pszValue = _wgetenv(pszName);
+        if (pszValue != nullptr && std::wcslen(pszValue) > 1) {
+            all.emplace_back(pszValue, L"%" + std::wstring(pszName) + L"%");
         }
     }
     std::ranges::stable_sort(all, std::ranges::greater(), [](const REPLACEMENT& item) { return item.first.size(); });
@@ -43,8 +39,7 @@ void ReplaceWords(std::wstring& szText, const REPLACEMENT& replacement)
     const auto& [szOld, szNew] = replacement;
     for (size_t n = 0; n + szOld.size() <= szText.size(); ++n) {
         const size_t nEnd = n + szOld.size();
-        if (CompareStringOrdinal(szText.data() + n, static_cast<int>(szOld.size()), szOld.data(),
-                                 static_cast<int>(szOld.size()), TRUE) == CSTR_EQUAL &&
+        if (IsSame(std::wstring_view(szText).substr(n, szOld.size()), szOld) &&
             (n == 0 || !IsPartOfWord(szText[n - 1])) && (nEnd == szText.size() || !IsPartOfWord(szText[nEnd]))) {
             szText.replace(n, szOld.size(), szNew);
             n += szNew.size() - 1;

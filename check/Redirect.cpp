@@ -1,106 +1,75 @@
 #include "check/Redirect.h"
 
 #include "check/Stopping.h"
+#include "kit/Request.h"
 
 #include <windows.h>
+
+#include <dbghelp.h>
 
 #include <cstring>
 
 namespace {
 
-// A program as a file, read with nothing but the layout of its headers.
-class CImage
+// What an entry of a program's directory leads to. The program is there as its file is.
+template<typename DATA>
+DATA* Find(std::string& program, USHORT nEntry)
 {
-public:
-    explicit CImage(const CPath& program) : m_bytes(ReadBytes(program))
-    {
-        if (m_bytes.size() < sizeof(IMAGE_DOS_HEADER) || !m_bytes.starts_with("MZ")) {
-            throw CLost{program.filename().wstring() + L" is no program"};
-        }
+    ULONG cb = 0;
+    auto* const pData = static_cast<DATA*>(ImageDirectoryEntryToDataEx(program.data(), FALSE, nEntry, &cb, nullptr));
+    if (pData == nullptr) {
+        throw CLost{L"the file to check is no program like the installer"};
     }
+    return pData;
+}
 
-    const IMAGE_NT_HEADERS64& Headers() const
-    {
-        const auto* const pDos = reinterpret_cast<const IMAGE_DOS_HEADER*>(m_bytes.data());
-        return *reinterpret_cast<const IMAGE_NT_HEADERS64*>(m_bytes.data() + pDos->e_lfanew);
-    }
-
-    // Of an address in the loaded program; zero for one that stands in no section.
-    size_t Offset(DWORD dwAddress) const
-    {
-        const IMAGE_SECTION_HEADER* pSection = IMAGE_FIRST_SECTION(&Headers());
-        for (WORD n = 0; n < Headers().FileHeader.NumberOfSections; ++n, ++pSection) {
-            if (pSection->VirtualAddress <= dwAddress &&
-                dwAddress < pSection->VirtualAddress + pSection->SizeOfRawData) {
-                return pSection->PointerToRawData + dwAddress - pSection->VirtualAddress;
-            }
-        }
-        return 0;
-    }
-
-    DWORD Directory(int nIndex) const
-    {
-        return Headers().OptionalHeader.DataDirectory[nIndex].VirtualAddress;
-    }
-
-    std::string m_bytes;
-};
-
-size_t FlagsOffset(const CImage& image)
+char* LoadFlags(std::string& program)
 {
-    const DWORD dwConfig = image.Directory(IMAGE_DIRECTORY_ENTRY_LOAD_CONFIG);
-    if (dwConfig == 0) {
-        throw CLost{L"the program has no load configuration"};
-    }
     // After the size, ten fields and the version of the service pack.
     constexpr size_t kFlags = 78;
-    return image.Offset(dwConfig) + kFlags;
+    return Find<char>(program, IMAGE_DIRECTORY_ENTRY_LOAD_CONFIG) + kFlags;
 }
 
 } // namespace
 
 void CopyRedirected(const CPath& program, const CPath& copy, const std::string& function, const std::string& other)
 {
-    CImage image(program);
+    std::string bytes = ReadBytes(program);
     // The table of imports has each name between zeros.
-    const std::string name = function + '\0';
-    const size_t n = image.m_bytes.find(name);
+    const size_t n = bytes.find(function + '\0');
     if (n == std::string::npos || other.size() > function.size()) {
-        throw CLost{L"the program does not call " + std::wstring(function.begin(), function.end())};
+        throw CLost{L"the program does not call " + FromUtf8(function)};
     }
     std::string replaced = other;
     replaced.resize(function.size(), '\0');
-    image.m_bytes.replace(n, function.size(), replaced);
-    WriteBytes(copy, image.m_bytes);
+    bytes.replace(n, function.size(), replaced);
+    WriteBytes(copy, bytes);
 }
 
 unsigned DependentLoadFlags(const CPath& program)
 {
-    const CImage image(program);
+    std::string bytes = ReadBytes(program);
     WORD nFlags = 0;
-    std::memcpy(&nFlags, image.m_bytes.data() + FlagsOffset(image), sizeof nFlags);
+    std::memcpy(&nFlags, LoadFlags(bytes), sizeof nFlags);
     return nFlags;
 }
 
 void ClearDependentLoadFlags(const CPath& program)
 {
-    CImage image(program);
-    image.m_bytes.replace(FlagsOffset(image), sizeof(WORD), std::string(sizeof(WORD), '\0'));
-    WriteBytes(program, image.m_bytes);
+    std::string bytes = ReadBytes(program);
+    std::memset(LoadFlags(bytes), 0, sizeof(WORD));
+    WriteBytes(program, bytes);
 }
 
 std::vector<std::wstring> LinkedLibraries(const CPath& program)
 {
-    const CImage image(program);
+    std::string bytes = ReadBytes(program);
+    IMAGE_NT_HEADERS* const pHeaders = ImageNtHeader(bytes.data());
     std::vector<std::wstring> names;
-    size_t n = image.Offset(image.Directory(IMAGE_DIRECTORY_ENTRY_IMPORT));
-    for (;; n += sizeof(IMAGE_IMPORT_DESCRIPTOR)) {
-        IMAGE_IMPORT_DESCRIPTOR descriptor = {};
-        std::memcpy(&descriptor, image.m_bytes.data() + n, sizeof descriptor);
-        if (descriptor.Name == 0) {
-            return names;
-        }
-        const std::string name = image.m_bytes.c_str() + image.Offset(descriptor.Name);
-        names.emplace_back(name.begin(), name.end());
+    for (const auto* pLibrary = Find<IMAGE_IMPORT_DESCRIPTOR>(bytes, IMAGE_DIRECTORY_ENTRY_IMPORT); pLibrary->Name != 0;
+         ++pLibrary) {
+        const void* const pName = ImageRvaToVa(pHeaders, bytes.data(), pLibrary->Name, nullptr);
+        names.push_back(FromUtf8(static_cast<const char*>(pName)));
     }
+    return names;
 }

@@ -4,8 +4,8 @@
 
 #include "check/Folders.h"
 
-// Makes a copy that calls another function of kernel32, of a name that is not longer, instead of the one that it links.
-// Throws CLost when the program links no such function.
+// Makes a copy, or of the program itself one, that calls another function of kernel32, of a name that is not longer,
+// instead of the one that it links. Throws CLost when the program links no such function.
 void CopyRedirected(const CPath& program, const CPath& copy, const std::string& function, const std::string& other);
 
 // The flags by which the program asks the loader where to look for what it links; the copy asks for nothing.

@@ -120,19 +120,6 @@ std::string HtmlOfClaim(const CLAIM& claim, const RESULT& result)
                        Html(words.pszName));
 }
 
-std::string HtmlOfClaims(const CAnswers& answers)
-{
-    std::string rows;
-    for (const ANSWER_WORDS& words : kAnswers) {
-        for (const CLAIM& claim : AllClaims()) {
-            if (answers.Of(claim.szId).nAnswer == words.nAnswer) {
-                rows += HtmlOfClaim(claim, answers.Of(claim.szId));
-            }
-        }
-    }
-    return "<h2>Claims</h2><table><tr><th>id</th><th>claim</th><th>answer</th></tr>\n" + rows + "</table>\n";
-}
-
 std::string ReportAsHtml(const CAnswers& answers, const RUN& run)
 {
     std::string html(kHead);
@@ -147,18 +134,20 @@ std::string ReportAsHtml(const CAnswers& answers, const RUN& run)
     for (const auto& [szName, szValue] : run.machine) {
         html += "<tr><td>" + Html(szName) + "</td><td>" + Html(szValue) + "</td></tr>\n";
     }
-    html += "</table>\n" + HtmlOfClaims(answers) + "<h2>Pictures</h2>\n";
-    for (const PICTURE& picture : answers.Pictures()) {
+    html += "</table><h2>Claims</h2><table><tr><th>id</th><th>claim</th><th>answer</th></tr>\n";
+    for (const ANSWER_WORDS& words : kAnswers) {
+        for (const CLAIM& claim : AllClaims()) {
+            if (answers.Of(claim.szId).nAnswer == words.nAnswer) {
+                html += HtmlOfClaim(claim, answers.Of(claim.szId));
+            }
+        }
+    }
+    html += "</table><h2>Pictures</h2>\n";
+    for (const PICTURE& picture : answers.m_pictures) {
         html += "<figure><img alt=\"" + Html(picture.szName) + "\" src=\"data:image/png;base64," + picture.png +
                 "\"><figcaption>" + Html(picture.szName) + "</figcaption></figure>\n";
     }
-    html += std::format("<h2>Unit tests</h2><details><summary>{} cases</summary><table>\n", answers.m_cases.size());
-    for (const UNIT_CASE& unit : answers.m_cases) {
-        html += std::format("<tr class=\"{}\"><td>{}</td><td>{}</td><td class=\"answer\">{}</td></tr>\n",
-                            unit.bPassed ? "holds" : "not", Html(unit.szProgram), Html(unit.szName),
-                            unit.bPassed ? "passed" : "failed");
-    }
-    html += "</table></details><h2>Notes</h2>\n";
+    html += "<h2>Notes</h2>\n";
     for (const std::wstring& szNote : answers.m_notes) {
         html += "<pre>" + Html(szNote) + "</pre>\n";
     }

@@ -5,7 +5,8 @@
 #include "driver/Reading.h"
 
 #include <commctrl.h>
-#include <oleacc.h>
+#include <oleauto.h>
+#include <uiautomation.h>
 #include <wrl/client.h>
 
 #include <algorithm>
@@ -33,12 +34,6 @@ PART PartOf(HWND hwnd)
     return part;
 }
 
-BOOL CALLBACK AddPart(HWND hwnd, LPARAM lParam)
-{
-    reinterpret_cast<std::vector<PART>*>(lParam)->push_back(PartOf(hwnd));
-    return TRUE;
-}
-
 // A message box holds nothing but words, a picture and buttons.
 bool IsMessageBox(const TREE& tree)
 {
@@ -47,99 +42,42 @@ bool IsMessageBox(const TREE& tree)
                                [](const PART& part) { return part.IsKind(WC_STATICW) || part.IsKind(WC_BUTTONW); });
 }
 
-const PAGE* PageIn(const TREE& tree)
+// Null for what is no body of a page.
+const PAGE* PageOf(const PART& body)
 {
-    for (const PART& part : tree.parts) {
-        const auto* const pFound = std::ranges::find(kPages, part.nId, &PAGE::nBodyId);
-        if (part.bVisible && part.IsKind(WC_STATICW) && pFound != kPages.end()) {
-            return &*pFound;
-        }
-    }
-    return nullptr;
+    const auto* const pFound = std::ranges::find(kPages, body.nId, &PAGE::nBodyId);
+    return body.bVisible && body.IsKind(WC_STATICW) && pFound != kPages.end() ? &*pFound : nullptr;
 }
 
 // A button of the frame whose id is none that we know is known by its text.
-void NameButtons(SIGHT& sight)
+void NameButton(PART& part)
 {
-    for (PART& part : sight.frame.parts) {
-        if (part.IsKind(WC_BUTTONW) && !IsChild(sight.hwndPage, part.hwnd) &&
-            std::ranges::find(kFrameButtons, part.nId, &FRAME_BUTTON::nId) == kFrameButtons.end()) {
-            std::wstring szText = part.szText;
-            std::erase(szText, L'&');
-            const auto* const pFound = std::ranges::find(kFrameButtons, szText, &FRAME_BUTTON::pszText);
-            part.nId = pFound != kFrameButtons.end() ? pFound->nId : part.nId;
-        }
+    const auto IsKnown = [&](const FRAME_BUTTON& button) { return button.nId == part.nId; };
+    std::wstring szText = part.szText;
+    std::erase(szText, L'&');
+    const auto* const pNamed = std::ranges::find(kFrameButtons, szText, &FRAME_BUTTON::pszText);
+    if (std::ranges::none_of(kFrameButtons, IsKnown) && pNamed != kFrameButtons.end()) {
+        part.nId = pNamed->nId;
     }
 }
 
 void Recognise(SIGHT& sight, TREE tree)
 {
-    const PAGE* const pPage = PageIn(tree);
-    if (pPage != nullptr && tree.window.szText == kTitle) {
-        sight.pPage = pPage;
-        const auto body = std::ranges::find(tree.parts, pPage->nBodyId, &PART::nId);
+    const auto body = std::ranges::find_if(tree.parts, PageOf);
+    if (body != tree.parts.end() && tree.window.szText == kTitle) {
+        sight.pPage = PageOf(*body);
         sight.hwndPage = GetParent(body->hwnd);
         sight.frame = std::move(tree);
-        NameButtons(sight);
+        for (PART& part : sight.frame.parts) {
+            if (part.IsKind(WC_BUTTONW) && !IsChild(sight.hwndPage, part.hwnd)) {
+                NameButton(part);
+            }
+        }
     } else if (IsMessageBox(tree)) {
         sight.boxes.push_back(std::move(tree));
     } else {
         sight.others.push_back(std::move(tree));
     }
-}
-
-struct SEARCH
-{
-    DWORD dwProcess;
-    std::vector<HWND> found;
-};
-
-BOOL CALLBACK AddWindow(HWND hwnd, LPARAM lParam)
-{
-    auto& search = *reinterpret_cast<SEARCH*>(lParam);
-    DWORD dwProcess = 0;
-    GetWindowThreadProcessId(hwnd, &dwProcess);
-    if (dwProcess == search.dwProcess && IsWindowVisible(hwnd)) {
-        search.found.push_back(hwnd);
-    }
-    return TRUE;
-}
-
-// More than any frame has; a guard against programs whose tree has no end.
-constexpr size_t kMostElements = 1000;
-
-// For screen readers.
-bool IsNamed(IAccessible* pElement, VARIANT self, const std::wstring& szName)
-{
-    BSTR bstrName = nullptr;
-    const bool bNamed = pElement->get_accName(self, &bstrName) == S_OK && bstrName != nullptr && szName == bstrName;
-    SysFreeString(bstrName);
-    return bNamed;
-}
-
-// Whether anything inside an element has that name; adds those elements that may have more inside.
-bool SaysInside(IAccessible* pElement, const std::wstring& szName, std::vector<ComPtr<IAccessible>>& elements)
-{
-    long nChildren = 0;
-    pElement->get_accChildCount(&nChildren);
-    std::vector<VARIANT> children(static_cast<size_t>(std::max(nChildren, 0L)));
-    long nObtained = 0;
-    AccessibleChildren(pElement, 0, nChildren, children.data(), &nObtained);
-    bool bSays = false;
-    for (VARIANT& child : children) {
-        ComPtr<IAccessible> pChild;
-        if (child.vt == VT_DISPATCH && child.pdispVal != nullptr &&
-            SUCCEEDED(child.pdispVal->QueryInterface(IID_PPV_ARGS(&pChild)))) {
-            VARIANT self = {};
-            self.vt = VT_I4;
-            bSays = bSays || IsNamed(pChild.Get(), self, szName);
-            elements.push_back(pChild);
-        } else if (child.vt == VT_I4) {
-            bSays = bSays || IsNamed(pElement, child, szName);
-        }
-        VariantClear(&child);
-    }
-    return bSays;
 }
 
 template<typename WANTED>
@@ -163,7 +101,7 @@ const PART* FirstOf(const std::vector<const PART*>& parts)
 
 bool PART::IsKind(PCWSTR pszClass) const
 {
-    return CompareStringOrdinal(szClass.c_str(), -1, pszClass, -1, TRUE) == CSTR_EQUAL;
+    return IsSame(szClass, pszClass);
 }
 
 bool PART::IsPushButton() const
@@ -243,15 +181,31 @@ std::vector<const PART*> SIGHT::FrameParts() const
 TREE TreeOf(HWND hwnd)
 {
     TREE tree = {PartOf(hwnd), {}};
-    EnumChildWindows(hwnd, AddPart, reinterpret_cast<LPARAM>(&tree.parts));
+    const auto Add = [](HWND hwndInside, LPARAM lParam) -> BOOL {
+        reinterpret_cast<std::vector<PART>*>(lParam)->push_back(PartOf(hwndInside));
+        return TRUE;
+    };
+    EnumChildWindows(hwnd, Add, reinterpret_cast<LPARAM>(&tree.parts));
     return tree;
+}
+
+DWORD ProcessOf(HWND hwnd)
+{
+    DWORD dwProcess = 0;
+    GetWindowThreadProcessId(hwnd, &dwProcess);
+    return dwProcess;
 }
 
 std::vector<HWND> WindowsOf(DWORD dwProcess)
 {
-    SEARCH search = {dwProcess, {}};
-    EnumWindows(AddWindow, reinterpret_cast<LPARAM>(&search));
-    return std::move(search.found);
+    std::vector<HWND> windows;
+    const auto Add = [](HWND hwnd, LPARAM lParam) -> BOOL {
+        reinterpret_cast<std::vector<HWND>*>(lParam)->push_back(hwnd);
+        return TRUE;
+    };
+    EnumWindows(Add, reinterpret_cast<LPARAM>(&windows));
+    std::erase_if(windows, [&](HWND hwnd) { return ProcessOf(hwnd) != dwProcess || !IsWindowVisible(hwnd); });
+    return windows;
 }
 
 SIGHT LookAt(DWORD dwProcess)
@@ -268,6 +222,12 @@ SIGHT LookAt(DWORD dwProcess)
     sight.hwndCaret = thread.hwndCaret;
     sight.hwndForeground = GetForegroundWindow();
     return sight;
+}
+
+std::wstring ButtonNames(UINT nButtons)
+{
+    const auto IsAmong = [nButtons](const FRAME_BUTTON& button) { return (nButtons & button.nButton) != 0; };
+    return Joined(kFrameButtons | std::views::filter(IsAmong), L", ", L"none", &FRAME_BUTTON::pszText);
 }
 
 std::wstring WordsOf(const TREE& box)
@@ -311,18 +271,20 @@ bool SaysOfItself(HWND hwnd, const std::wstring& szName)
     if (std::ranges::any_of(tree.parts, [&](const PART& part) { return part.bVisible && part.szText == szName; })) {
         return true;
     }
-    ComPtr<IAccessible> pWindow;
-    if (FAILED(AccessibleObjectFromWindow(hwnd, static_cast<DWORD>(OBJID_CLIENT), IID_PPV_ARGS(&pWindow)))) {
-        return false;
-    }
-    std::vector<ComPtr<IAccessible>> elements = {pWindow};
-    for (size_t n = 0; n < std::min(elements.size(), kMostElements); ++n) {
-        const ComPtr<IAccessible> pElement = elements[n];
-        if (SaysInside(pElement.Get(), szName, elements)) {
-            return true;
-        }
-    }
-    return false;
+    ComPtr<IUIAutomation> pReader;
+    ComPtr<IUIAutomationElement> pWindow;
+    ComPtr<IUIAutomationCondition> pNamed;
+    ComPtr<IUIAutomationElement> pFound;
+    VARIANT name = {};
+    name.vt = VT_BSTR;
+    name.bstrVal = SysAllocString(szName.c_str());
+    const bool bAsked =
+        SUCCEEDED(CoCreateInstance(__uuidof(CUIAutomation), nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&pReader))) &&
+        SUCCEEDED(pReader->ElementFromHandle(hwnd, &pWindow)) &&
+        SUCCEEDED(pReader->CreatePropertyCondition(UIA_NamePropertyId, name, &pNamed)) &&
+        SUCCEEDED(pWindow->FindFirst(TreeScope_Descendants, pNamed.Get(), &pFound));
+    VariantClear(&name);
+    return bAsked && pFound != nullptr;
 }
 
 std::wstring Describe(const TREE& tree)

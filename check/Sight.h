@@ -1,7 +1,7 @@
 // The installer's windows as somebody in front of the screen sees them.
 #pragma once
 
-#include "check/Pages.h"
+#include "driver/Pages.h"
 
 #include <windows.h>
 
@@ -61,10 +61,15 @@ struct SIGHT
 
 TREE TreeOf(HWND hwnd);
 
+DWORD ProcessOf(HWND hwnd);
+
 // The windows of a process that are to be seen, from top to bottom.
 std::vector<HWND> WindowsOf(DWORD dwProcess);
 
 SIGHT LookAt(DWORD dwProcess);
+
+// "Back, Next, Cancel".
+std::wstring ButtonNames(UINT nButtons);
 
 // What a message box says, "caption: text".
 std::wstring WordsOf(const TREE& box);

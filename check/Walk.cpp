@@ -203,8 +203,7 @@ bool CWalk::HasButtons(UINT nButtons) const
 
 bool CWalk::Holds(int nId, const std::wstring& szText) const
 {
-    const std::wstring szExpected = nId == IDC_WATCH_ADDRESS && szText.empty() ? L"..." : szText;
-    return WaitFor(kSoon, [&] { return TextOf(nId) == szExpected; });
+    return WaitFor(kSoon, [&] { return TextOf(nId) == szText; });
 }
 
 std::wstring CWalk::TextOf(int nId) const
@@ -216,13 +215,9 @@ std::wstring CWalk::TextOf(int nId) const
 
 void CWalk::Dismiss(const TREE& box) const
 {
-    const auto IsGone = [&] { return !IsWindow(box.window.hwnd) || !IsWindowVisible(box.window.hwnd); };
     Press(VK_RETURN);
-    if (!WaitFor(2000, IsGone)) {
-        PostMessageW(box.window.hwnd, WM_COMMAND, IDOK, 0);
-        if (!WaitFor(5000, IsGone)) {
-            throw CLost{L"the box \"" + box.window.szText + L"\" does not go"};
-        }
+    if (!WaitFor(5000, [&] { return !IsWindowVisible(box.window.hwnd); })) {
+        throw CLost{L"the box \"" + box.window.szText + L"\" does not go"};
     }
 }
 
@@ -230,17 +225,10 @@ void CWalk::Tick(bool bTicked) const
 {
     const SIGHT sight = Look();
     const PART& box = sight.Existing(sight.pPage != nullptr ? sight.pPage->nBoxId : 0);
-    const auto IsDone = [&] { return IsTicked(box) == bTicked; };
-    if (IsDone()) {
-        return;
-    }
-    if (sight.FocusId() == box.nId) {
-        Press(VK_SPACE);
-    }
-    if (!WaitFor(1000, IsDone)) {
+    if (IsTicked(box) != bTicked) {
         Click(box.rect);
     }
-    if (!WaitFor(kSoon, IsDone)) {
+    if (!WaitFor(kSoon, [&] { return IsTicked(box) == bTicked; })) {
         throw CLost{std::format(L"the box of page {} cannot be ticked", sight.Number())};
     }
 }
@@ -248,34 +236,23 @@ void CWalk::Tick(bool bTicked) const
 SIGHT CWalk::GoOn() const
 {
     const int nPage = Look().Number();
-    const auto HasMoved = [&] {
-        const SIGHT sight = Look();
-        return sight.Number() != nPage || !sight.boxes.empty() || sight.Status().find(L" (") != std::wstring::npos;
-    };
-    Press(VK_RETURN);
-    const bool bMoved = WaitFor(2000, HasMoved);
-    // No page but those that do something has a box to show; Enter has then pressed something else.
-    const SIGHT sight = Look();
-    const bool bOtherBox = sight.Number() == nPage && sight.pPage->nStatusId == 0 && !sight.boxes.empty();
-    if (bOtherBox) {
-        Dismiss(WaitForBox());
-    }
-    if (!bMoved || bOtherBox) {
-        PressButton(PSBTN_NEXT);
-    }
+    PressButton(PSBTN_NEXT);
     return WaitForPage(nPage + 1, kLongestStep);
 }
 
 void CWalk::GoTo(int nPage, const std::wstring& szPort) const
 {
     for (SIGHT sight = Rest(); sight.Number() < nPage; sight = GoOn()) {
+        if (sight.Number() == 0) {
+            throw CLost{L"there is no wizard any more"};
+        }
         if (sight.Number() == 5) {
             EnterAddress(L"127.0.0.1");
             Enter(IDC_WATCH_PORT, szPort);
         } else if (sight.pPage->nBoxId != 0) {
             Tick();
         }
-        HasButtons(sight.pPage->nFilled);
+        WaitFor(kSoon, [&] { return (Look().Buttons() & kNext) != 0; });
     }
 }
 
@@ -287,10 +264,9 @@ void CWalk::GoBackTo(int nPage) const
     }
 }
 
-SIGHT CWalk::JumpTo(int nPage) const
+void CWalk::JumpTo(int nPage) const
 {
     Ask(Look().frame.window.hwnd, PSM_SETCURSEL, static_cast<WPARAM>(nPage - 1), 0);
-    return WaitForPage(nPage);
 }
 
 void CWalk::PressButton(int nButton) const

@@ -1,4 +1,4 @@
-// Somebody who goes through the wizard. What cannot be done with keys and clicks, as it should be, is then done by
+// Somebody who goes through the wizard. Fields, boxes and message boxes take keys and clicks; pages are turned by
 // message, so that one thing that does not hold does not hide all that come after it.
 #pragma once
 
@@ -66,13 +66,13 @@ public:
 
     void Dismiss(const TREE& box) const;
     void Tick(bool bTicked = true) const;
-    // Presses Next, which is to lead to the next page.
+    // Next, which is to lead to the next page.
     SIGHT GoOn() const;
     // From an earlier page, filling in what is asked for; the watch then is at that address of this computer.
     void GoTo(int nPage, const std::wstring& szPort) const;
     void GoBackTo(int nPage) const;
-    // By message, without being asked for anything. From page 8 on.
-    SIGHT JumpTo(int nPage) const;
+    // Asks for a page from the eighth on by its number; does not wait for it.
+    void JumpTo(int nPage) const;
     // The button's message, whether or not it is to be seen.
     void PressButton(int nButton) const;
 
@@ -90,6 +90,9 @@ private:
 
 // Says of the page that is shown all that the claims of each page say.
 void LookAtPage(const CWalk& walk, int nPage);
+
+// Compares what page 1 is shown with and the icon in the program's resources.
+void LookAtIcons(const CWalk& walk);
 
 // Says whether the frame's buttons became these.
 void LookAtButtons(const CWalk& walk, const std::wstring& szClaim, UINT nButtons);

@@ -5,9 +5,8 @@
 //     --through PROGRAM                starts the installer through that program, see Installer.h
 //     --not-tried "ID REASON"          a claim that cannot be answered here; any number of them
 //     --told SENTENCE                  stands in the report, which is not one of plain Windows
-//     --only STEP,STEP                 no other steps
+//     --only STEP                      no other steps than those that are named so
 //     --program FILE                   another installer than the one in the folder "parts"
-//   Check.exe --list FILE              writes the table of claims as JSON and does nothing else
 //
 // Ends with 0 when all that was tried holds, 1 when something does not, 2 when it refuses to begin, 3 when it was
 // cancelled, 4 when the reports could not be written. They and what it says of 2 and 4 stand beside this program.
@@ -31,7 +30,6 @@
 #include <format>
 #include <functional>
 #include <map>
-#include <sstream>
 #include <thread>
 
 namespace {
@@ -48,7 +46,8 @@ constexpr PCWSTR kConsent =
     L"\x2022 it uses no network but this computer's own address, 127.0.0.1;\n"
     L"\x2022 it uses the clipboard and puts its text back.\n\n"
     L"You can cancel it at any time in the small window at the top left. It leaves nothing behind but its report, "
-    L"beside this program: report.html and report.json. The report names neither you nor your computer.";
+    L"beside this program: report.html and report.json. The report names neither you nor your computer; its pictures "
+    L"show the installer and whatever lies over it.";
 
 constexpr std::array kSteps = {
     STEP{L"units", L"Unit tests", L"unit", CheckUnits},
@@ -71,9 +70,8 @@ struct OPTIONS
     std::wstring szThrough;
     std::vector<std::pair<std::wstring, std::wstring>> notTried;
     std::vector<std::wstring> told;
-    std::wstring szOnly;
+    std::vector<std::wstring> only;
     CPath program = PartsFolder() / L"KalvoApkInstaller.exe";
-    CPath list;
 };
 
 // Throws CLost for arguments that make no sense; what stands before them is read then.
@@ -91,9 +89,8 @@ void ReadOptions(OPTIONS& options)
              options.notTried.emplace_back(szValue.substr(0, nEnd), szValue.substr(nEnd));
          }},
         {L"--told", [&](const std::wstring& szValue) { options.told.push_back(szValue); }},
-        {L"--only", [&](const std::wstring& szValue) { options.szOnly = L"," + szValue + L","; }},
+        {L"--only", [&](const std::wstring& szValue) { options.only.push_back(szValue); }},
         {L"--program", [&](const std::wstring& szValue) { options.program = szValue; }},
-        {L"--list", [&](const std::wstring& szValue) { options.list = szValue; }},
     };
     for (size_t n = 0; n < arguments.size(); ++n) {
         if (arguments[n] == L"--unattended") {
@@ -104,32 +101,16 @@ void ReadOptions(OPTIONS& options)
             throw CLost{L"The argument " + arguments[n] + L" makes no sense."};
         }
     }
+    for (const std::wstring& szStep : options.only) {
+        if (std::ranges::find(kSteps, szStep, &STEP::pszId) == kSteps.end()) {
+            throw CLost{L"There is no step " + szStep + L"."};
+        }
+    }
 }
 
 bool IsChosen(const OPTIONS& options, const STEP& step)
 {
-    return options.szOnly.empty() || options.szOnly.find(L"," + std::wstring(step.pszId) + L",") != std::wstring::npos;
-}
-
-void GroupsNotTried(CAnswers& answers, const STEP& step, const std::wstring& szWhy)
-{
-    std::wistringstream groups(step.pszGroups);
-    for (std::wstring szGroup; groups >> szGroup;) {
-        answers.GroupNotTried(szGroup, szWhy);
-    }
-}
-
-// In a folder of its own, with something beside it that is named like a package.
-CPath CopyProgram(const CPath& program, const CWorkFolder& work)
-{
-    const CPath copy = work.Path() / L"program" / L"KalvoApkInstaller.exe";
-    std::error_code error;
-    create_directories(copy.parent_path(), error);
-    if (!copy_file(program, copy, error)) {
-        throw CLost{L"There is no installer to check. Please unpack all of the archive, and start Check.exe there."};
-    }
-    WriteBytes(copy.parent_path() / L"Check.apk", "no package");
-    return copy;
+    return options.only.empty() || std::ranges::find(options.only, step.pszId) != options.only.end();
 }
 
 // One step, whatever becomes of it.
@@ -149,7 +130,7 @@ void RunStep(CHECK& check, const STEP& step)
     }
     RemoveTools();
     // A claim of the group that a later step looks at is then told anew.
-    GroupsNotTried(check.answers, step, szWhy);
+    check.answers.GroupsNotTried(step.pszGroups, szWhy);
 }
 
 // Returns false when the user cancelled.
@@ -223,7 +204,7 @@ RUN RunCheck(const OPTIONS& options, CAnswers& answers)
     const HWND hwndFront = GetForegroundWindow();
     const std::optional<std::wstring> szClipboard = ClipboardText();
     CWorkFolder work;
-    const CPath copy = CopyProgram(options.program, work);
+    const CPath copy = CopyIntoFolder(options.program, work.Path() / L"program");
     {
         CProgress progress(static_cast<int>(kSteps.size()));
         const CHandle hEnd(CreateEventW(nullptr, TRUE, FALSE, nullptr));
@@ -240,7 +221,8 @@ RUN RunCheck(const OPTIONS& options, CAnswers& answers)
     }
     SetForegroundWindow(hwndFront);
     for (const STEP& step : kSteps) {
-        GroupsNotTried(answers, step, run.bCancelled ? L"the check was cancelled before" : L"the step was not chosen");
+        answers.GroupsNotTried(step.pszGroups,
+                               run.bCancelled ? L"the check was cancelled before" : L"the step was not chosen");
     }
     run.nSeconds = (GetTickCount64() - nStart) / 1000;
     return run;
@@ -252,14 +234,13 @@ int Check(const OPTIONS& options)
         Refuse(options, szWhy);
         return 2;
     }
+    const CHandle hMutex(CreateMutexW(nullptr, FALSE, kCheckMutex));
     if (!options.bUnattended && MessageBoxW(nullptr, kConsent, kCaption, MB_OKCANCEL) != IDOK) {
         return 3;
     }
     CAnswers answers;
     for (const auto& [szId, szReason] : options.notTried) {
-        if (!answers.Exclude(szId, szReason)) {
-            throw CLost{L"There is no claim " + szId + L" that could not be tried."};
-        }
+        answers.Exclude(szId, szReason);
     }
     const RUN run = RunCheck(options, answers);
     try {
@@ -287,10 +268,6 @@ int WINAPI wWinMain(HINSTANCE /*hInstance*/, HINSTANCE /*hPrevious*/, PWSTR /*ps
     OPTIONS options;
     try {
         ReadOptions(options);
-        if (!options.list.empty()) {
-            WriteBytes(options.list, ClaimsAsJson());
-            return 0;
-        }
         return Check(options);
     } catch (const CLost& lost) {
         Refuse(options, lost.szWhy);

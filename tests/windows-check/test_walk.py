@@ -1,7 +1,6 @@
 """The check as its users run it, in a home's Windows, with the stand-ins' launcher and nothing else of the checkout."""
 
 import getpass
-import json
 import os
 import re
 import time
@@ -9,13 +8,12 @@ import unittest
 from collections.abc import Callable
 
 import checking
-import page
-from checking import ALL_HOLD, CANCELLED, CHECKOUT, NO_REPORT, REFUSED, SURROUNDINGS, Report, WindowsCheck
+from checking import ALL_HOLD, CANCELLED, NO_REPORT, REFUSED, SURROUNDINGS, Report, WindowsCheck
 from driver import places, wine
 from driver.eyes import View
 from driver.notepad import copy_to_clipboard
 from driver.person import Person
-from driver.places import drive_c, windows_path
+from driver.places import drive_c
 from driver.program import Program
 from driver.waiting import wait_for
 from driver.wizard import Sight
@@ -34,6 +32,9 @@ PROGRESS = "KALVO Windows check"
 FIRST_PAGES = re.compile(
     r"about\.|box\.|page-0[1-4]\.|frame\.(?!by-number|escape-|back-from-last|last-again|enter-last)"
 )
+
+# The sentences of these claims tell what is expected.
+SAID_BY_THE_PAGE = re.compile(r"page-\d\d\.(title|buttons|focus)$")
 
 ADDRESS = re.compile(r"\b\d{1,3}\.\d{1,3}\.\d{1,3}\.\d{1,3}\b")
 
@@ -69,6 +70,9 @@ class CheckTest(unittest.TestCase):
             self.assertNotIn(getpass.getuser().lower(), words)
             self.assertNotIn(os.uname().nodename.lower(), words)
             self.assertEqual(set(ADDRESS.findall(text)) - {"127.0.0.1"}, set())
+        for claim in report.whole["claims"]:
+            if SAID_BY_THE_PAGE.match(claim["id"]) and claim["answer"] == "holds":
+                self.assertIn(claim["expected"], claim["claim"])
         self.expect_nothing_left()
 
 
@@ -79,14 +83,6 @@ class FirstPages(CheckTest):
         wanted = {claim for claim in report.claims if FIRST_PAGES.match(claim)} - excluded()
         self.assertGreater(len(wanted), 40)
         self.assertEqual(wanted - set(report.ids("holds")), set())
-
-
-class ThePage(CheckTest):
-    def test_lists_the_programs_own_claims(self) -> None:
-        listed = self.check.folder / "claims.json"
-        self.assertEqual(self.check.start("--list", windows_path(listed)).wait(60), 0, self.check.said())
-        own = [(claim["id"], claim["claim"], claim["how"]) for claim in json.loads(listed.read_text(encoding="utf-8"))]
-        self.assertEqual([(row.id, row.claim, row.how) for row in page.rows(CHECKOUT)], own)
 
 
 class Whole(CheckTest):
@@ -160,6 +156,13 @@ class Refused(CheckTest):
             self.expect_refused("The installer is running")
             self.assertFalse(installer.has_ended)
 
+    def test_while_another_check_runs(self) -> None:
+        self.addCleanup((self.check.folder / "report.json").unlink, missing_ok=True)
+        first = self.check.start("--only", "first-pages")
+        self.person.wait_until("the first check", lambda sight: PROGRESS in (w.text for w in sight.view.windows), 60)
+        self.expect_refused("The check is running already")
+        self.expect_all_holds(self.check.report(first.wait(200)))
+
     def test_with_an_administrators_rights(self) -> None:
         # A copy that asks Windows for them.
         program_file = self.check.folder / "Check.exe"
@@ -179,6 +182,8 @@ class Refused(CheckTest):
         self.expect_refused("There is no claim nonsense")
         self.check.surroundings = [*surroundings, "--nonsense"]
         self.expect_refused("The argument --nonsense makes no sense")
+        self.check.surroundings = [*surroundings, "--only", "nonsense"]
+        self.expect_refused("There is no step nonsense")
 
     def test_a_report_that_cannot_be_written_is_named(self) -> None:
         in_the_way = self.check.folder / "report.json"
