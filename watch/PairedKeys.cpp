@@ -26,7 +26,7 @@ std::string CPairedKeys::Add(const std::string& szLine)
     const SAdbKey key = ParseAdbKey(szLine);
     const std::lock_guard lock(m_mutex);
     if (!m_file.empty() && !m_keys.contains(key.key) &&
-        !(std::ofstream(m_file, std::ios::app) << szLine << std::endl)) {
+        !(std::ofstream(m_file, std::ios::app) << szLine << '\n' << std::flush)) {
         throw std::runtime_error(m_file.string() + " cannot be written");
     }
     m_keys.insert(key.key);

@@ -74,9 +74,10 @@ BOOL WINAPI JournaledSetForegroundWindow(HWND hwnd)
 
 int WINAPI JournaledMessageBoxW(HWND hwndOwner, LPCWSTR pszText, LPCWSTR pszCaption, UINT nType)
 {
-    WriteJournal(std::format(
-        L"MessageBoxW owner={} flags={:#010x} caption={} text={}", hwndOwner == nullptr ? L"none" : L"some", nType,
-        QuotedOnOneLine(pszCaption != nullptr ? pszCaption : L""), QuotedOnOneLine(pszText != nullptr ? pszText : L"")));
+    WriteJournal(std::format(L"MessageBoxW owner={} flags={:#010x} caption={} text={}",
+                             hwndOwner == nullptr ? L"none" : L"some", nType,
+                             QuotedOnOneLine(pszCaption != nullptr ? pszCaption : L""),
+                             QuotedOnOneLine(pszText != nullptr ? pszText : L"")));
     return g_pfnMessageBoxW(hwndOwner, pszText, pszCaption, nType);
 }
 

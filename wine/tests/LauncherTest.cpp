@@ -192,12 +192,13 @@ TEST_F(Launcher, LetsACallHangUntilTheProgramIsEnded)
 TEST_F(Launcher, DoesNotEndWhatTheProgramStarted)
 {
     const CHandle hEnded(CreateEventW(nullptr, TRUE, FALSE, L"launcher has ended"));
+    const CHandle hAnswer(CreateEventW(nullptr, TRUE, FALSE, L"still there"));
     const CHandle hLauncher = Start(L"\"" + TestFolder() + L"probe.exe\" start \"linger " + m_szFile + L"\"");
     EXPECT_EQ(ReadOnceItHolds(m_szFile, "12"), "12");
     TerminateProcess(hLauncher.get(), 0);
     EXPECT_EQ(WaitForSingleObject(hLauncher.get(), 10000), WAIT_OBJECT_0);
     SetEvent(hEnded.get());
-    EXPECT_EQ(ReadOnceItHolds(m_szFile, ""), "") << "nobody is left to delete it";
+    EXPECT_EQ(WaitForSingleObject(hAnswer.get(), 10000), WAIT_OBJECT_0) << "nobody is left to answer";
 }
 
 TEST_F(Launcher, KeepsAJournalOfTheEnd)

@@ -41,15 +41,17 @@ int Read(PCWSTR pszFile)
     return static_cast<int>(dwRead);
 }
 
-// Leaves the file there until the tests say that the launcher has ended, for ten seconds at most.
+// Waits until the tests say that the launcher has ended, for ten seconds at most, and answers.
 int Linger(PCWSTR pszFile)
 {
     const int nError = Write(pszFile);
-    const HANDLE hEvent = OpenEventW(SYNCHRONIZE, FALSE, L"launcher has ended");
-    if (WaitForSingleObject(hEvent, 10000) == WAIT_OBJECT_0) {
-        DeleteFileW(pszFile);
+    const HANDLE hEnded = OpenEventW(SYNCHRONIZE, FALSE, L"launcher has ended");
+    const HANDLE hAnswer = OpenEventW(EVENT_MODIFY_STATE, FALSE, L"still there");
+    if (WaitForSingleObject(hEnded, 10000) == WAIT_OBJECT_0) {
+        SetEvent(hAnswer);
     }
-    CloseHandle(hEvent);
+    CloseHandle(hAnswer);
+    CloseHandle(hEnded);
     return nError;
 }
 
