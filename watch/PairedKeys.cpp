@@ -25,9 +25,11 @@ std::string CPairedKeys::Add(const std::string& szLine)
 {
     const SAdbKey key = ParseAdbKey(szLine);
     const std::lock_guard lock(m_mutex);
-    if (!m_file.empty() && !m_keys.contains(key.key) &&
-        !(std::ofstream(m_file, std::ios::app) << szLine << '\n' << std::flush)) {
-        throw std::runtime_error(m_file.string() + " cannot be written");
+    if (!m_file.empty() && !m_keys.contains(key.key)) {
+        std::ofstream file(m_file, std::ios::app);
+        if (!(file << szLine << '\n').flush()) {
+            throw std::runtime_error(m_file.string() + " cannot be written");
+        }
     }
     m_keys.insert(key.key);
     return key.szName;
