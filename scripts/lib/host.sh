@@ -105,19 +105,6 @@ host_mirror() (
             $2 == "main" && ($1 == name || $1 ~ /^(oldstable|stable|testing|unstable|sid)$/) && !found++ { print $3 }'
 )
 
-# After each step of each package dpkg has its own notes written to the disk and waits for it, thousands of times. Until
-# all is installed they are in memory: of a root that did not become complete nothing is kept.
-notes_in_memory=(
-    --setup-hook='cp -a "$1/var/lib/dpkg" "$1/tmp/"
-        mount -t tmpfs tmpfs "$1/var/lib/dpkg"
-        cp -a "$1/tmp/dpkg/." "$1/var/lib/dpkg/"
-        rm -r "$1/tmp/dpkg"'
-    --customize-hook='cp -a "$1/var/lib/dpkg" "$1/tmp/"
-        umount "$1/var/lib/dpkg"
-        rm -r "$1/var/lib/dpkg"
-        mv "$1/tmp/dpkg" "$1/var/lib/"'
-)
-
 # Makes a Debian of one suite, without the updates that are kept beside it. The signatures of what it is made of are
 # checked against $keyring.
 make_debian() { # suite, folder, options of mmdebstrap...
@@ -130,6 +117,5 @@ make_debian() { # suite, folder, options of mmdebstrap...
     else
         set -- --setup-hook="sed -i '/ $suite /!d' \"\$1/etc/apt/sources.list\"" "$@"
     fi
-    quietly "${namespaces[@]}" mmdebstrap --mode=root --keyring="$keyring" "${notes_in_memory[@]}" "$@" \
-        "$suite" "$folder" "${source[@]}"
+    quietly "${namespaces[@]}" mmdebstrap --mode=root --keyring="$keyring" "$@" "$suite" "$folder" "${source[@]}"
 }

@@ -180,18 +180,18 @@ class DebianMade(SetupTest):
     def made(self, mirror: str = "") -> list[str]:
         """The words and the sources that mmdebstrap is given."""
         self.stub("mmdebstrap", 'printf "%s\\n" "$@"; [ ! -f "${!#}" ] || cat "${!#}"')
-        here = f"scratch={self.scratch}; notes_in_memory=(--notes); quietly() {{ \"$@\"; }}; {mirror}"
+        here = f"scratch={self.scratch}; quietly() {{ \"$@\"; }}; {mirror}"
         return self.run_with("common host", f"{here} make_debian trixie DIR --opt").splitlines()
 
     def test_every_package_must_be_signed(self) -> None:
         keyring = "/usr/share/keyrings/debian-archive-keyring.gpg"
         *options, suite, folder, mirrors, line = self.made()
-        self.assertEqual(options, ["--mode=root", f"--keyring={keyring}", "--notes", "--opt"])
+        self.assertEqual(options, ["--mode=root", f"--keyring={keyring}", "--opt"])
         self.assertEqual((suite, folder, mirrors), ("trixie", "DIR", str(self.scratch / "sources.list")))
         self.assertRegex(line, rf"^deb \[signed-by={re.escape(keyring)}\] \S+ trixie main$")
 
     def test_of_mmdebstraps_own_sources_one_stays(self) -> None:
-        mode, keyring, _, hook, *rest = self.made("host_mirror() { :; };")
+        mode, keyring, hook, *rest = self.made("host_mirror() { :; };")
         self.assertEqual((mode, rest), ("--mode=root", ["--opt", "trixie", "DIR"]))
         self.assertTrue(keyring.startswith("--keyring=/"))
         sources = self.scratch / "etc/apt/sources.list"
@@ -199,20 +199,6 @@ class DebianMade(SetupTest):
         sources.write_text("deb a:b trixie main\ndeb a:b trixie-updates main\ndeb a:c trixie-security main\n")
         self.run_command("sh", "-c", hook.removeprefix("--setup-hook="), "hook", self.scratch)
         self.assertEqual(sources.read_text(), "deb a:b trixie main\n")
-
-    def test_dpkgs_notes_are_in_memory_meanwhile_and_on_the_disk_at_the_end(self) -> None:
-        notes = self.scratch / "var/lib/dpkg"
-        (self.scratch / "tmp").mkdir()
-        notes.mkdir(parents=True)
-        (notes / "status").write_text("at first")
-        said = self.run_with("common host", f"""
-            for hook in "${{notes_in_memory[@]}}"; do
-                sh -ec "${{hook#*=}}" hook {self.scratch}
-                if mountpoint --quiet {notes}; then printf "in memory: "; else printf "on the disk: "; fi
-                echo "$(cat {notes}/status)"
-                printf ", later" >>{notes}/status
-            done""")
-        self.assertEqual(said, "in memory: at first\non the disk: at first, later\n")
 
     def test_the_mirror_is_known_before_the_first_update(self) -> None:
         lists = [path.name for path in Path("/var/lib/apt/lists").iterdir() if path.is_file()]
